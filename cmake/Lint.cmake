@@ -1,0 +1,45 @@
+# clang-format and clang-tidy over all our own files, as build targets with stamps: what has not changed is not looked
+# at again. The test command builds the target lint. Sources register themselves in larkspire_strict.
+find_program (LARKSPIRE_CLANG_FORMAT clang-format)
+find_program (LARKSPIRE_CLANG_TIDY clang-tidy)
+
+function (larkspire_add_lint_targets)
+    if (NOT LARKSPIRE_CLANG_FORMAT OR NOT LARKSPIRE_CLANG_TIDY)
+        message (STATUS "clang-format or clang-tidy is missing: there is no target lint")
+        return ()
+    endif ()
+
+    # For looking, not for building: a header that no list names must not escape the check.
+    file (GLOB_RECURSE headers CONFIGURE_DEPENDS
+        ${CMAKE_SOURCE_DIR}/source/*.h ${CMAKE_SOURCE_DIR}/tools/*.h ${CMAKE_SOURCE_DIR}/tests/*.h
+        ${CMAKE_SOURCE_DIR}/vst2/*.h)
+    get_property (sources GLOBAL PROPERTY LARKSPIRE_OWN_SOURCES)
+    list (REMOVE_DUPLICATES sources)
+    set (stamps "")
+
+    set (format_stamp "${CMAKE_BINARY_DIR}/lint/format.stamp")
+    add_custom_command (
+        OUTPUT "${format_stamp}"
+        COMMAND "${LARKSPIRE_CLANG_FORMAT}" --dry-run --Werror ${headers} ${sources}
+        COMMAND ${CMAKE_COMMAND} -E touch "${format_stamp}"
+        DEPENDS ${headers} ${sources} "${CMAKE_SOURCE_DIR}/.clang-format"
+        COMMENT "clang-format"
+        VERBATIM)
+    list (APPEND stamps "${format_stamp}")
+
+    foreach (source IN LISTS sources)
+        file (RELATIVE_PATH name "${CMAKE_SOURCE_DIR}" "${source}")
+        string (REPLACE "/" "_" stamp_name "${name}")
+        set (stamp "${CMAKE_BINARY_DIR}/lint/${stamp_name}.stamp")
+        add_custom_command (
+            OUTPUT "${stamp}"
+            COMMAND "${LARKSPIRE_CLANG_TIDY}" --quiet -p "${CMAKE_BINARY_DIR}" "${source}"
+            COMMAND ${CMAKE_COMMAND} -E touch "${stamp}"
+            DEPENDS "${source}" ${headers} "${CMAKE_SOURCE_DIR}/.clang-tidy"
+            COMMENT "clang-tidy ${name}"
+            VERBATIM)
+        list (APPEND stamps "${stamp}")
+    endforeach ()
+
+    add_custom_target (lint DEPENDS ${stamps})
+endfunction ()

@@ -1,0 +1,3 @@
+# The one place of the release's number. It is what people see ("version 242", the version resource, --version);
+# PROJECT_VERSION, which hosts read, is a number of its own and stays.
+set (LARKSPIRE_RELEASE "16.242")

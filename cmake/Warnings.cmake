@@ -1,0 +1,14 @@
+# Warnings are errors in our own files, and only there: the framework's modules are compiled into the same targets, so
+# the flags go to sources, not to targets. The framework's headers are system headers (cmake/Juce.cmake).
+set (LARKSPIRE_STRICT_OPTIONS -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+
+function (larkspire_strict target)
+    get_target_property (sources ${target} SOURCES)
+
+    foreach (source IN LISTS sources)
+        if (source MATCHES "\\.cpp$" AND NOT source MATCHES "/juce_[^/]*$")
+            set_property (SOURCE ${source} APPEND PROPERTY COMPILE_OPTIONS ${LARKSPIRE_STRICT_OPTIONS})
+            set_property (GLOBAL APPEND PROPERTY LARKSPIRE_OWN_SOURCES "${CMAKE_CURRENT_SOURCE_DIR}/${source}")
+        endif ()
+    endforeach ()
+endfunction ()

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include "chain/StereoSample.h"
+
+#include <cmath>
+
+namespace larkspire
+{
+
+inline constexpr float halfPi = 1.57079637f;
+inline constexpr float clipCeiling = 0.9885f;
+
+/** sin (w) * 0.9885 with w limited to a quarter turn either way: rounded from the first sample value up, no knee.
+
+    The output of a number lies within 0.9885 of zero; what is no number stays none.
+*/
+inline float softClip (float w)
+{
+    if (w < -halfPi)
+        w = -halfPi;
+
+    if (w > halfPi)
+        w = halfPi;
+
+    return std::sin (w) * clipCeiling;
+}
+
+/** Both channels. */
+inline StereoSample softClip (StereoSample input)
+{
+    return { softClip (input.first), softClip (input.second) };
+}
+
+} // namespace larkspire

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// The settings document that goes into the host's project.
+#include "frame/AudioProcessorQuendal.h"
+#include "settings/HostIdentity.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <sstream>
+
+namespace juce
+{
+
+namespace
+{
+/** The version of the settings document. Not the version that the plug-in reports to hosts. */
+constexpr int settingsVersion = 242;
+
+/** This moment in UTC, such as 2024-10-27T09:05:31Z. */
+String utcTimestamp()
+{
+    const std::time_t now = std::time (nullptr);
+    std::tm utc {};
+
+#if JUCE_WINDOWS
+    gmtime_s (&utc, &now);
+#else
+    gmtime_r (&now, &utc);
+#endif
+
+    char text[30] = {};
+    std::strftime (text, sizeof (text), "%FT%TZ", &utc);
+    return text;
+}
+
+/** Four decimals; the decimal point is that of the host's locale. */
+String parameterText (float value)
+{
+    char text[30] = {};
+    std::snprintf (text, sizeof (text), "%.4f", static_cast<double> (value));
+    return text;
+}
+} // namespace
+
+void AudioProcessorQuendal::setSetting (String key, String value)
+{
+    settings.insert_or_assign (std::move (key), std::move (value));
+}
+
+std::vector<std::string> AudioProcessorQuendal::splitPath (const std::string& text)
+{
+    std::vector<std::string> elements;
+    std::istringstream stream (text);
+
+    for (std::string element; std::getline (stream, element, '/');)
+        elements.push_back (element);
+
+    return elements;
+}
+
+String AudioProcessorQuendal::hostTail (const String& fullPath)
+{
+    const auto elements = splitPath (fullPath.replace ("\\", "/").toStdString());
+    const auto count = static_cast<int> (elements.size());
+    const auto start = std::max (std::min (count / 2, count - 1), 1);
+
+    String tail;
+
+    for (int i = start; i < count; ++i)
+        tail << (i > start ? "/" : "") << String::fromUTF8 (elements[static_cast<std::size_t> (i)].c_str());
+
+    return tail;
+}
+
+void AudioProcessorQuendal::getStateInformation (MemoryBlock& destData)
+{
+    XmlElement xml ("settings");
+
+    setSetting ("plugin", "Quendal Larkspire");
+    setSetting ("pluginversion", String (settingsVersion));
+    setSetting ("date_modified", utcTimestamp());
+    setSetting ("daw", hostTail (larkspire::hostExecutablePath()));
+    setSetting ("samplerate", String (static_cast<int> (getSampleRate())));
+    setSetting ("username", larkspire::loginName());
+
+    for (const auto* entry : getParameters())
+    {
+        const auto* parameter = dynamic_cast<const AudioProcessorParameterWithID*> (entry);
+
+        if (parameter == nullptr)
+            continue;
+
+        xml.setAttribute (Identifier (parameter->paramID), parameterText (parameter->getValue()));
+
+        // A restored document leaves the parameters' old values in the store; they must not come back below.
+        settings.erase (parameter->paramID);
+    }
+
+    for (const auto& [key, value] : settings)
+        xml.setAttribute (Identifier (key), value);
+
+    copyXmlToBinary (xml, destData);
+}
+
+} // namespace juce

@@ -16,8 +16,8 @@ namespace larkspire
 inline void
 designHighPass (juce::IIRFilter& left, juce::IIRFilter& right, double rate, const HighPassSettings& settings)
 {
-    const auto coefficients
-        = juce::IIRCoefficients::makeHighPass (rate, settings.corner, static_cast<double> (settings.q));
+    const auto coefficients =
+        juce::IIRCoefficients::makeHighPass (rate, settings.corner, static_cast<double> (settings.q));
     left.setCoefficients (coefficients);
     right.setCoefficients (coefficients);
 }

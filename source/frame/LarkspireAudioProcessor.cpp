@@ -27,8 +27,7 @@ LarkspireAudioProcessor::LarkspireAudioProcessor (WithoutRecords)
 {
 }
 
-LarkspireAudioProcessor::LarkspireAudioProcessor()
-    : LarkspireAudioProcessor (WithoutRecords {})
+LarkspireAudioProcessor::LarkspireAudioProcessor() : LarkspireAudioProcessor (WithoutRecords {})
 {
     leveller = new LevelRider;
     expander = new LevelRider;
@@ -37,8 +36,7 @@ LarkspireAudioProcessor::LarkspireAudioProcessor()
         *filter = new PeakingFilter;
 
     const std::vector<std::string> modes { "bypass", "Gentle", "Medium", "Powerful" };
-    modeParameter
-        = new juce::AudioParameterFloatQuendal ("mode", "Mode", DisplayMode::Choices, 2.0f / 9.0f, 10, modes);
+    modeParameter = new juce::AudioParameterFloatQuendal ("mode", "Mode", DisplayMode::Choices, 2.0f / 9.0f, 10, modes);
     addParameter (modeParameter);
 }
 

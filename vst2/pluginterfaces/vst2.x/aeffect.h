@@ -23,16 +23,18 @@ using VstIntPtr = decltype (static_cast<char*> (nullptr) - static_cast<char*> (n
 struct AEffect;
 
 /** The host's side: opcodes AudioMasterOpcodes and AudioMasterOpcodesX. */
-using audioMasterCallback
-    = VstIntPtr (VSTCALLBACK*) (AEffect*, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt);
+using audioMasterCallback =
+    VstIntPtr (VSTCALLBACK*) (AEffect*, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt);
 
 /** The plug-in's side: opcodes AEffectOpcodes and AEffectXOpcodes. */
-using AEffectDispatcherProc
-    = VstIntPtr (VSTCALLBACK*) (AEffect*, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt);
+using AEffectDispatcherProc =
+    VstIntPtr (VSTCALLBACK*) (AEffect*, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr, float opt);
 
 using AEffectProcessProc = void (VSTCALLBACK*) (AEffect*, float** inputs, float** outputs, VstInt32 sampleFrames);
-using AEffectProcessDoubleProc
-    = void (VSTCALLBACK*) (AEffect*, double** inputs, double** outputs, VstInt32 sampleFrames);
+using AEffectProcessDoubleProc = void (VSTCALLBACK*) (AEffect*,
+                                                      double** inputs,
+                                                      double** outputs,
+                                                      VstInt32 sampleFrames);
 using AEffectSetParameterProc = void (VSTCALLBACK*) (AEffect*, VstInt32 index, float value);
 using AEffectGetParameterProc = float (VSTCALLBACK*) (AEffect*, VstInt32 index);
 

@@ -160,11 +160,11 @@ void ReferencePlugin::refresh()
     highPass.c4 = static_cast<float> (((1.0 - k * inverseQ) + k * k) * c);
 }
 
-void ReferencePlugin::design (Biquad& filter, float rate, float gainDb, float frequency, float bandwidth)
+void ReferencePlugin::design (Biquad& filter, float designRate, float gainDb, float frequency, float bandwidth)
 {
     const float a = std::pow (10.0f, gainDb * 0.025f);
     float w = frequency * std::bit_cast<float> (0x40C90FDCu);
-    w = w / rate;
+    w = w / designRate;
     const float s = std::sin (w);
     const float c = std::cos (w);
     float t = bandwidth * std::bit_cast<float> (0x3EB17218u);

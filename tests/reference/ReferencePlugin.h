@@ -19,7 +19,7 @@ public:
     void setParameter (float value) { parameter = value; }
 
     /** The host's rate in Hz, as it stands after a resume. It reaches the filters with the next refresh. */
-    void setHostRate (double rate) { hostRate = rate; }
+    void setHostRate (double newRate) { hostRate = newRate; }
 
     /** One sample in place; on a mono layout right is neither read nor written. The caller sets flush-to-zero. */
     void process (float& left, float& right);
@@ -44,7 +44,7 @@ private:
     void refresh();
     void chain (float& left, float& right);
     float runHighPass (int channel, float x);
-    static void design (Biquad& filter, float rate, float gainDb, float frequency, float bandwidth);
+    static void design (Biquad& filter, float designRate, float gainDb, float frequency, float bandwidth);
     static void run (Biquad& filter, float& left, float& right);
 
     bool mono;

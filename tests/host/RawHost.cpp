@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#include "host/RawHost.h"
+
+#include <algorithm>
+#include <array>
+#include <dlfcn.h>
+#include <stdexcept>
+
+std::string RawHost::pluginPath()
+{
+    return LARKSPIRE_PLUGIN_PATH;
+}
+
+namespace
+{
+void* load (const std::string& libraryPath)
+{
+    if (auto* library = dlopen (libraryPath.c_str(), RTLD_NOW | RTLD_LOCAL))
+        return library;
+
+    throw std::runtime_error (dlerror());
+}
+
+RawHost::EntryPoint entryPointOf (void* library)
+{
+    if (auto* entry = dlsym (library, "VSTPluginMain"))
+        return reinterpret_cast<RawHost::EntryPoint> (entry);
+
+    throw std::runtime_error (dlerror());
+}
+} // namespace
+
+RawHost::EntryPoint RawHost::entryPoint (const std::string& libraryPath)
+{
+    return entryPointOf (load (libraryPath));
+}
+
+RawHost::RawHost (const std::string& libraryPath)
+    : library (load (libraryPath)),
+      instance (entryPointOf (library) (answer))
+{
+    if (instance == nullptr)
+        throw std::runtime_error ("VSTPluginMain gave no instance");
+
+    instance->resvd1 = reinterpret_cast<Vst2::VstIntPtr> (this);
+    dispatch (Vst2::effOpen);
+}
+
+RawHost::~RawHost()
+{
+    dispatch (Vst2::effClose);
+    dlclose (library);
+}
+
+Vst2::VstIntPtr
+RawHost::dispatch (Vst2::VstInt32 opcode, Vst2::VstInt32 index, Vst2::VstIntPtr value, void* ptr, float opt)
+{
+    return instance->dispatcher (instance, opcode, index, value, ptr, opt);
+}
+
+std::string RawHost::text (Vst2::VstInt32 opcode, Vst2::VstInt32 index)
+{
+    std::array<char, 256> buffer {};
+    buffer.fill ('#');
+    buffer.back() = 0;
+    dispatch (opcode, index, 0, buffer.data());
+    return buffer.data();
+}
+
+Vst2::VstIntPtr RawHost::askForLayout (Vst2::VstInt32 inputType,
+                                       Vst2::VstInt32 inputChannels,
+                                       Vst2::VstInt32 outputType,
+                                       Vst2::VstInt32 outputChannels)
+{
+    Vst2::VstSpeakerArrangement input {};
+    input.type = inputType;
+    input.numChannels = inputChannels;
+    Vst2::VstSpeakerArrangement output {};
+    output.type = outputType;
+    output.numChannels = outputChannels;
+    return dispatch (Vst2::effSetSpeakerArrangement, 0, reinterpret_cast<Vst2::VstIntPtr> (&input), &output);
+}
+
+void RawHost::start (float rate, int blockSize, bool mono)
+{
+    const Vst2::VstInt32 type = mono ? Vst2::kSpeakerArrMono : Vst2::kSpeakerArrStereo;
+    const int channels = mono ? 1 : 2;
+
+    if (askForLayout (type, channels, type, channels) != 1)
+        throw std::runtime_error ("the plug-in refused its layout");
+
+    dispatch (Vst2::effSetSampleRate, 0, 0, nullptr, rate);
+    dispatch (Vst2::effSetBlockSize, 0, blockSize);
+    resume();
+}
+
+void RawHost::process (std::vector<float>& left, std::vector<float>& right, std::size_t from, std::size_t frames)
+{
+    float* channels[] = { left.data() + from, right.data() + from };
+    instance->processReplacing (instance, channels, channels, static_cast<Vst2::VstInt32> (frames));
+}
+
+std::vector<RawHost::Call> RawHost::takeCalls()
+{
+    const auto count = std::min (callCount.exchange (0), calls.size());
+    return { calls.begin(), calls.begin() + static_cast<std::ptrdiff_t> (count) };
+}
+
+Vst2::VstIntPtr VSTCALLBACK
+RawHost::answer (Vst2::AEffect* effect, Vst2::VstInt32 opcode, Vst2::VstInt32 index, Vst2::VstIntPtr, void*, float opt)
+{
+    if (effect != nullptr && effect->resvd1 != 0)
+    {
+        auto& host = *reinterpret_cast<RawHost*> (effect->resvd1);
+        const auto position = host.callCount.fetch_add (1);
+
+        if (position < host.calls.size())
+            host.calls[position] = { opcode, index, opt };
+    }
+
+    return opcode == Vst2::audioMasterVersion ? kVstVersion : 0;
+}

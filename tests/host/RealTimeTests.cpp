@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// What the audio thread must not do: allocate, lock, call the system.
+#include "host/RawHost.h"
+#include "host/RealTimeHooks.h"
+#include "host/Signals.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <pthread.h>
+#include <semaphore.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace
+{
+// The framework's wrapper holds one lock of its own around every block.
+constexpr std::size_t frameworkLocksPerBlock = 1;
+
+/** Processes a block of this many frames and expects it to be free of all that an audio thread must not do. */
+void expectRealTimeBlock (RawHost& host, Signal& signal, std::size_t from, std::size_t frames, const std::string& when)
+{
+    RealTimeScope scope;
+    host.process (signal.left, signal.right, from, frames);
+    const auto counts = scope.stop();
+    EXPECT_EQ (counts.allocations, 0u) << when;
+    EXPECT_EQ (counts.locks, frameworkLocksPerBlock) << when;
+    EXPECT_EQ (counts.systemCalls, 0u) << when << ", system call number " << counts.firstSystemCall;
+}
+
+// The first block is the framework's warm-up: the C library binds functions as they are first called.
+void warmUp (RawHost& host)
+{
+    Signal signal = noise (64, -20.0, 1);
+    host.process (signal.left, signal.right, 0, 64);
+}
+
+class RealTime : public testing::TestWithParam<int>
+{
+};
+
+TEST_P (RealTime, HoldsForEveryBlockSizeLayoutAndRate)
+{
+    for (const float rate : { 8000.0f, 48000.0f, 192000.0f })
+        for (const bool mono : { false, true })
+        {
+            RawHost host;
+            host.setParameter (static_cast<float> (GetParam()) / 9.0f);
+            host.start (rate, 4096, mono);
+            warmUp (host);
+            auto signal = noise (4096, 0.0, 2);
+
+            for (const std::size_t frames : { 0, 1, 17, 64, 512, 4096 })
+                expectRealTimeBlock (host, signal, 0, frames, std::to_string (frames) + " frames");
+        }
+}
+
+TEST_P (RealTime, HoldsAtAChangeOfModeAndAtTheWrapOfTheRefreshCounter)
+{
+    RawHost host;
+    host.setParameter (static_cast<float> (GetParam()) / 9.0f);
+    host.start (48000.0f);
+    warmUp (host);
+    auto signal = noise (4096, -12.0, 3);
+
+    for (int mode = 0; mode < 10; ++mode)
+    {
+        host.setParameter (static_cast<float> (mode) / 9.0f);
+        expectRealTimeBlock (host, signal, 0, 256, "change to " + std::to_string (mode));
+    }
+
+    for (int block = 0; block < 33; ++block) // past 2 * 65536 frames
+        expectRealTimeBlock (host, signal, 0, 4096, "block " + std::to_string (block));
+}
+
+TEST_P (RealTime, HoldsForBadSamplesDenormalsAndHostBypass)
+{
+    RawHost host;
+    host.setParameter (static_cast<float> (GetParam()) / 9.0f);
+    host.start (48000.0f);
+    warmUp (host);
+
+    for (auto& signal : testSignals (2048))
+    {
+        expectRealTimeBlock (host, signal, 0, 2048, signal.name);
+        host.dispatch (Vst2::effSetBypass, 0, 1);
+        expectRealTimeBlock (host, signal, 0, 2048, signal.name + ", bypassed");
+        host.dispatch (Vst2::effSetBypass, 0, 0);
+    }
+}
+
+TEST_P (RealTime, HoldsAfterAStateWasLoadedAndAfterSuspendAndResume)
+{
+    RawHost host;
+    host.setParameter (static_cast<float> (GetParam()) / 9.0f);
+    host.start (48000.0f);
+    warmUp (host);
+    void* data = nullptr;
+    const auto size = host.dispatch (Vst2::effGetChunk, 0, 0, &data);
+    const std::vector<char> chunk (static_cast<char*> (data), static_cast<char*> (data) + size);
+    host.dispatch (Vst2::effSetChunk, 0, size, const_cast<char*> (chunk.data()));
+    auto signal = noise (512, -12.0, 4);
+    expectRealTimeBlock (host, signal, 0, 512, "after a load");
+
+    host.suspend();
+    host.resume();
+    warmUp (host); // the wrapper asks its host anew whether it renders offline
+    expectRealTimeBlock (host, signal, 0, 512, "after a resume");
+}
+
+INSTANTIATE_TEST_SUITE_P (InMode, RealTime, testing::Values (0, 1, 2, 3, 5));
+
+// The hooks must be able to see what they look for.
+
+void* volatile escape = nullptr;
+
+TEST (RealTimeHooks, SeeNothingWhereNothingHappens)
+{
+    RealTimeScope scope;
+    const auto counts = scope.stop();
+    EXPECT_EQ (counts.allocations, 0u);
+    EXPECT_EQ (counts.locks, 0u);
+    EXPECT_EQ (counts.systemCalls, 0u);
+}
+
+TEST (RealTimeHooks, SeeAnAllocation)
+{
+    RealTimeScope scope;
+    escape = new float[10];
+    delete[] static_cast<float*> (escape);
+    EXPECT_EQ (scope.stop().allocations, 2u);
+}
+
+TEST (RealTimeHooks, SeeAnAllocationByEveryFunctionOfTheCLibrary)
+{
+    RealTimeScope scope;
+    escape = malloc (10);
+    escape = realloc (escape, 20);
+    free (escape);
+    escape = calloc (10, 10);
+    free (escape);
+    void* aligned = nullptr;
+    const int result = posix_memalign (&aligned, 64, 64);
+    free (aligned);
+    escape = aligned_alloc (64, 64);
+    free (escape);
+    EXPECT_EQ (scope.stop().allocations, 9u);
+    EXPECT_EQ (result, 0);
+}
+
+TEST (RealTimeHooks, SeeALock)
+{
+    pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
+    pthread_rwlock_t readWrite = PTHREAD_RWLOCK_INITIALIZER;
+    sem_t semaphore {};
+    sem_init (&semaphore, 0, 0);
+
+    RealTimeScope scope;
+    pthread_mutex_lock (&mutex);
+    pthread_mutex_unlock (&mutex);
+    pthread_mutex_trylock (&mutex);
+    pthread_mutex_unlock (&mutex);
+    pthread_rwlock_rdlock (&readWrite);
+    pthread_rwlock_unlock (&readWrite);
+    pthread_rwlock_wrlock (&readWrite);
+    pthread_rwlock_unlock (&readWrite);
+    sem_post (&semaphore);
+    sem_wait (&semaphore);
+    EXPECT_EQ (scope.stop().locks, 6u);
+    sem_destroy (&semaphore);
+}
+
+TEST (RealTimeHooks, SeeASystemCallAndLetItThrough)
+{
+    RealTimeScope scope;
+    const auto process = getppid();
+    const auto counts = scope.stop();
+    EXPECT_EQ (counts.systemCalls, 1u);
+    EXPECT_EQ (counts.firstSystemCall, SYS_getppid);
+    EXPECT_EQ (process, getppid());
+}
+
+TEST (RealTimeHooks, SeeAnAllocationInsideTheLibrary)
+{
+    // Saving allocates and locks; done where a block is expected, it must be found out.
+    RawHost host;
+    void* data = nullptr;
+    RealTimeScope scope;
+    host.dispatch (Vst2::effGetChunk, 0, 0, &data);
+    const auto counts = scope.stop();
+    EXPECT_GT (counts.allocations, 0u);
+    EXPECT_GT (counts.locks, 0u);
+    EXPECT_EQ (counts.systemCalls, 1u);
+}
+} // namespace

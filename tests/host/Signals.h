@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include <string>
+#include <vector>
+
+/** Two channels of equal length, linear with full scale 1.0. */
+struct Signal
+{
+    std::string name;
+    std::vector<float> left;
+    std::vector<float> right;
+};
+
+/** The signals that library and oracle are compared on, each of this length in frames: silence, an impulse, full-scale
+    squares, noise from -60 to +26 dB, the real voice, denormals, numbers with NaN and infinities among them. */
+std::vector<Signal> testSignals (std::size_t frames);
+
+/** White noise of this peak level, different in both channels. */
+Signal noise (std::size_t frames, double peakDb, unsigned int seed);
+
+/** The spoken recordings that the system's sound tests come with, joined and repeated, the right channel a little late.
+    Throws std::runtime_error if they are not installed. */
+Signal voice (std::size_t frames);

@@ -33,7 +33,7 @@ function (larkspire_add_lint_targets)
         set (stamp "${CMAKE_BINARY_DIR}/lint/${stamp_name}.stamp")
         add_custom_command (
             OUTPUT "${stamp}"
-            COMMAND "${LARKSPIRE_CLANG_TIDY}" --quiet -p "${CMAKE_BINARY_DIR}" "${source}"
+            COMMAND "${CMAKE_SOURCE_DIR}/scripts/tidy" "${CMAKE_BINARY_DIR}" "${source}"
             COMMAND ${CMAKE_COMMAND} -E touch "${stamp}"
             DEPENDS "${source}" ${headers} "${CMAKE_SOURCE_DIR}/.clang-tidy"
             COMMENT "clang-tidy ${name}"

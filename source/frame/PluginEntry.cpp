@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "frame/LarkspireAudioProcessor.h"
 
-juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter();
-
 /** What the framework's wrapper calls for every instance that a host makes. */
 juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter()
 {

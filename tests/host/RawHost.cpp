@@ -42,7 +42,7 @@ RawHost::RawHost (const std::string& libraryPath)
     if (instance == nullptr)
         throw std::runtime_error ("VSTPluginMain gave no instance");
 
-    instance->resvd1 = reinterpret_cast<Vst2::VstIntPtr> (this);
+    instance->user = this;
     dispatch (Vst2::effOpen);
 }
 
@@ -109,9 +109,9 @@ std::vector<RawHost::Call> RawHost::takeCalls()
 Vst2::VstIntPtr VSTCALLBACK
 RawHost::answer (Vst2::AEffect* effect, Vst2::VstInt32 opcode, Vst2::VstInt32 index, Vst2::VstIntPtr, void*, float opt)
 {
-    if (effect != nullptr && effect->resvd1 != 0)
+    if (effect != nullptr && effect->user != nullptr)
     {
-        auto& host = *reinterpret_cast<RawHost*> (effect->resvd1);
+        auto& host = *static_cast<RawHost*> (effect->user);
         const auto position = host.callCount.fetch_add (1);
 
         if (position < host.calls.size())

@@ -12,6 +12,7 @@
 #include <ucontext.h>
 
 // The C library's own functions under the names by which it calls them itself.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C"
 {
     void* __libc_malloc (std::size_t size);
@@ -20,6 +21,7 @@ extern "C"
     void* __libc_memalign (std::size_t alignment, std::size_t size);
     void __libc_free (void* memory);
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace
 {

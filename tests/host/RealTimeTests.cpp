@@ -158,7 +158,7 @@ TEST (RealTimeHooks, SeeALock)
     RealTimeScope scope;
     pthread_mutex_lock (&mutex);
     pthread_mutex_unlock (&mutex);
-    pthread_mutex_trylock (&mutex);
+    const int tried = pthread_mutex_trylock (&mutex);
     pthread_mutex_unlock (&mutex);
     pthread_rwlock_rdlock (&readWrite);
     pthread_rwlock_unlock (&readWrite);
@@ -167,6 +167,7 @@ TEST (RealTimeHooks, SeeALock)
     sem_post (&semaphore);
     sem_wait (&semaphore);
     EXPECT_EQ (scope.stop().locks, 6u);
+    EXPECT_EQ (tried, 0);
     sem_destroy (&semaphore);
 }
 

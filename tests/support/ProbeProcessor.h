@@ -76,10 +76,10 @@ public:
     /** Runs one block in place on as many channels as there are lists. */
     void run (std::vector<std::vector<float>>& channels)
     {
-        std::vector<float*> pointers;
+        std::vector<float*> pointers (channels.size());
 
-        for (auto& channel : channels)
-            pointers.push_back (channel.data());
+        for (std::size_t i = 0; i < channels.size(); ++i)
+            pointers[i] = channels[i].data();
 
         juce::AudioBuffer<float> buffer (
             pointers.data(), static_cast<int> (channels.size()), static_cast<int> (channels.front().size()));

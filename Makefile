@@ -1,0 +1,44 @@
+# What people type. The build itself is CMake's; see CMakePresets.json for other builds.
+.DEFAULT_GOAL := build
+.PHONY: setup configure build demo lint test install uninstall clean
+
+PRESET := release
+LIBRARY := dist/linux/Quendal Larkspire.so
+VST_PATH ?= $(HOME)/.vst
+# VST_PATH may be a list; the first folder of it is installed to.
+INSTALL_FOLDER := $(firstword $(subst :, ,$(VST_PATH)))
+JOBS := $(shell nproc)
+
+setup:
+	@scripts/setup
+
+configure: setup
+	@cmake --preset $(PRESET) $(if $(LARKSPIRE_JUCE),-DLARKSPIRE_JUCE="$(LARKSPIRE_JUCE)") >build-configure.log 2>&1 \
+		&& rm -f build-configure.log \
+		|| { cat build-configure.log; rm -f build-configure.log; exit 1; }
+
+build: configure
+	@cmake --build --preset $(PRESET)
+
+demo: build
+	@scripts/demo
+
+lint: configure
+	@cmake --build --preset $(PRESET) --target lint
+
+test: build lint
+	@ctest --preset $(PRESET) --parallel $(JOBS)
+
+install:
+	@test -f "$(LIBRARY)" || { echo "install: there is no $(LIBRARY) yet; run make first" >&2; exit 1; }
+	@mkdir -p "$(INSTALL_FOLDER)"
+	@cp "$(LIBRARY)" "$(INSTALL_FOLDER)/.Quendal Larkspire.so.new"
+	@mv "$(INSTALL_FOLDER)/.Quendal Larkspire.so.new" "$(INSTALL_FOLDER)/Quendal Larkspire.so"
+	@echo "installed $(INSTALL_FOLDER)/Quendal Larkspire.so"
+
+uninstall:
+	@rm -f "$(INSTALL_FOLDER)/Quendal Larkspire.so"
+	@echo "removed $(INSTALL_FOLDER)/Quendal Larkspire.so"
+
+clean:
+	@rm -rf build dist demo

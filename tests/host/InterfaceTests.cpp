@@ -251,10 +251,4 @@ TEST (Interface, RoundTripsItsStateAsProgramAndAsBank)
         EXPECT_EQ (target.getParameter(), 0.3333f);
     }
 }
-
-TEST (Interface, HasAnEditorRectangle)
-{
-    RawHost host;
-    EXPECT_NE (host.effect().flags & Vst2::effFlagsHasEditor, 0);
-}
 } // namespace

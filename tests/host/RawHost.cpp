@@ -40,7 +40,10 @@ RawHost::RawHost (const std::string& libraryPath)
       instance (entryPointOf (library) (answer))
 {
     if (instance == nullptr)
+    {
+        dlclose (library);
         throw std::runtime_error ("VSTPluginMain gave no instance");
+    }
 
     instance->user = this;
     dispatch (Vst2::effOpen);

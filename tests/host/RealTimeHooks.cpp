@@ -32,6 +32,7 @@ constexpr int setSyscallUserDispatch = 59;
 thread_local bool counting = false;
 thread_local RealTimeScope::Counts counts;
 thread_local volatile char dispatchSelector = allow;
+thread_local std::size_t refusedSize = 0;
 
 void noteAllocation()
 {
@@ -104,12 +105,22 @@ RealTimeScope::~RealTimeScope()
     prctl (setSyscallUserDispatch, 0, 0, 0, 0);
 }
 
+ScopedRefusal::ScopedRefusal (std::size_t size)
+{
+    refusedSize = size;
+}
+
+ScopedRefusal::~ScopedRefusal()
+{
+    refusedSize = 0;
+}
+
 extern "C"
 {
     __attribute__ ((visibility ("default"))) void* malloc (std::size_t size)
     {
         noteAllocation();
-        return __libc_malloc (size);
+        return size != 0 && size == refusedSize ? nullptr : __libc_malloc (size);
     }
 
     __attribute__ ((visibility ("default"))) void* calloc (std::size_t count, std::size_t size)

@@ -28,3 +28,13 @@ public:
     /** Stops counting and tells. */
     Counts stop();
 };
+
+/** While this lives, the C library has no memory for requests of exactly this size on the calling thread. */
+class ScopedRefusal
+{
+public:
+    explicit ScopedRefusal (std::size_t size);
+    ~ScopedRefusal();
+    ScopedRefusal (const ScopedRefusal&) = delete;
+    ScopedRefusal& operator= (const ScopedRefusal&) = delete;
+};

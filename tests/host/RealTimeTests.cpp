@@ -9,6 +9,7 @@
 #include <memory>
 #include <pthread.h>
 #include <semaphore.h>
+#include <stdexcept>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -109,6 +110,30 @@ TEST_P (RealTime, HoldsAfterAStateWasLoadedAndAfterSuspendAndResume)
 }
 
 INSTANTIATE_TEST_SUITE_P (InMode, RealTime, testing::Values (0, 1, 2, 3, 5));
+
+TEST (EntryPoint, GivesNoInstanceWhenMemoryRunsOut)
+{
+    const RawHost keepsTheLibraryLoaded;
+    const auto entry = RawHost::entryPoint (RawHost::pluginPath());
+    const auto answer =
+        [] (Vst2::AEffect*, Vst2::VstInt32, Vst2::VstInt32, Vst2::VstIntPtr, void*, float) -> Vst2::VstIntPtr
+    { return 2400; };
+
+    constexpr std::size_t reserveBuffer = 524288 * sizeof (float);
+    const ScopedRefusal refusal (reserveBuffer);
+    EXPECT_EQ (entry (answer), nullptr);
+}
+
+TEST (EntryPoint, GivesAnInstanceOnceThereIsMemoryAgain)
+{
+    {
+        const ScopedRefusal refusal (524288 * sizeof (float));
+        EXPECT_THROW (const RawHost host, std::runtime_error);
+    }
+
+    RawHost host;
+    EXPECT_EQ (host.text (Vst2::effGetParamName), "Mode");
+}
 
 // The hooks must be able to see what they look for.
 

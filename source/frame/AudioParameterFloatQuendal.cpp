@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "frame/AudioParameterFloatQuendal.h"
 
+#include "settings/ValueTexts.h"
+
 #include <cmath>
 #include <limits>
 
@@ -75,6 +77,11 @@ bool AudioParameterFloatQuendal::hasChanged() noexcept
 
 std::string AudioParameterFloatQuendal::valueToText (float position) const
 {
+    if (displayMode != DisplayMode::Choices)
+        return larkspire::valueText (
+            { .displayMode = displayMode, .rangeMin = rangeMin, .rangeMax = rangeMax, .unit = unit.toStdString() },
+            position);
+
     if (choices.empty())
         return "Modes not set!";
 

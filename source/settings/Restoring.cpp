@@ -2,17 +2,94 @@
 // Takes in what Saving.cpp has written, and what other versions and other hands have made of it.
 #include "frame/AudioProcessorQuendal.h"
 
+#include <algorithm>
 #include <cmath>
+#include <string>
+#include <string_view>
 
 namespace juce
 {
 
 namespace
 {
+/** "VC2!", which the framework's frame begins with. */
+constexpr uint32 magicNumber = 0x21324356;
+
+/** The framework's parser calls itself for every element inside an element. This many take 320 kB of the host's stack;
+    a document of ours has one. */
+constexpr int mostElements = 1000;
+
+/** The text in the frame of a state block, empty where there is no frame. What the frame claims beyond the end of the
+    block is cut off, and a zero ends the text. */
+std::string textIn (const void* data, int sizeInBytes)
+{
+    if (sizeInBytes <= 8 || ByteOrder::littleEndianInt (data) != magicNumber)
+        return {};
+
+    const auto* bytes = static_cast<const char*> (data);
+    const auto claimed = static_cast<int> (ByteOrder::littleEndianInt (bytes + 4));
+
+    if (claimed <= 0)
+        return {};
+
+    const std::string text (bytes + 8, static_cast<std::size_t> (std::min (claimed, sizeInBytes - 8)));
+    return text.substr (0, text.find ('\0'));
+}
+
+/** How many bytes the UTF-8 character at the start of a text takes, 0 where there is none. */
+std::size_t characterLength (std::string_view text)
+{
+    const auto byte = [text] (std::size_t i) { return i < text.size() ? static_cast<unsigned char> (text[i]) : 0u; };
+    const auto lead = byte (0);
+    const std::size_t length = lead < 0x80   ? 1
+                               : lead < 0xc2 ? 0
+                               : lead < 0xe0 ? 2
+                               : lead < 0xf0 ? 3
+                               : lead < 0xf5 ? 4
+                                             : 0;
+
+    for (std::size_t i = 1; i < length; ++i)
+        if ((byte (i) & 0xc0u) != 0x80u)
+            return 0;
+
+    return length;
+}
+
+/** The text for the parser, with a question mark for each byte that is no UTF-8: the framework steps over the end of a
+    text whose last character is incomplete. */
+String wellFormed (std::string text)
+{
+    for (std::size_t i = 0; i < text.size();)
+    {
+        const auto length = characterLength (std::string_view (text).substr (i));
+
+        if (length == 0)
+            text[i] = '?';
+
+        i += std::max<std::size_t> (1, length);
+    }
+
+    // The parser also steps over the end of a text that stops within "&#x"; a second zero stops it there.
+    text += '\0';
+    return String::fromUTF8 (text.data(), static_cast<int> (text.size()));
+}
+
+/** Whether the framework's parser comes through a text unharmed. Documents as they are saved hold nothing of this. */
+bool canBeParsed (const String& text)
+{
+    const auto elements = std::count (text.begin(), text.end(), static_cast<juce_wchar> ('<'));
+
+    return elements <= mostElements
+           && ! text.containsIgnoreCase ("<!entity")  // an entity may be defined by itself, and is expanded for ever
+           && text.trimStart().lastIndexOf ("<?") < 1 // inside an element, ahead of text, it is read again and again
+           && ! text.contains ("&<");                 // what follows is parsed apart, and past its end
+}
+
 /** The settings document in a state block, or null if there is none. */
 std::unique_ptr<XmlElement> settingsFrom (const void* data, int sizeInBytes)
 {
-    auto element = AudioProcessor::getXmlFromBinary (data, sizeInBytes);
+    const auto text = wellFormed (textIn (data, sizeInBytes));
+    auto element = canBeParsed (text) ? parseXML (text) : nullptr;
     return element != nullptr && element->hasTagName ("settings") ? std::move (element) : nullptr;
 }
 

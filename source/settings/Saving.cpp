@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
+#include <limits>
 #include <sstream>
 
 namespace juce
@@ -39,6 +40,13 @@ String parameterText (float value)
     char text[30] = {};
     std::snprintf (text, sizeof (text), "%.4f", static_cast<double> (value));
     return text;
+}
+
+/** A whole number of Hz, cut towards zero. The smallest int stands for a rate that fits none. */
+int wholeRate (double rate)
+{
+    constexpr double tooLarge = 2147483648.0;
+    return rate > -tooLarge - 1.0 && rate < tooLarge ? static_cast<int> (rate) : std::numeric_limits<int>::min();
 }
 } // namespace
 
@@ -80,7 +88,7 @@ void AudioProcessorQuendal::getStateInformation (MemoryBlock& destData)
     setSetting ("pluginversion", String (settingsVersion));
     setSetting ("date_modified", utcTimestamp());
     setSetting ("daw", hostTail (larkspire::hostExecutablePath()));
-    setSetting ("samplerate", String (static_cast<int> (getSampleRate())));
+    setSetting ("samplerate", String (wholeRate (getSampleRate())));
     setSetting ("username", larkspire::loginName());
 
     for (const auto* entry : getParameters())

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// Restores whatever bytes the fuzzer makes up as a state block. A block may be refused or taken in, but the processor
+// must stay in order, and what it saves afterwards must restore to the same settings.
+#include "support/OpenProcessor.h"
+
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <pwd.h>
+
+/** Answers ahead of the system's list of users, whose reading would take most of the time. */
+extern "C" int getpwuid_r (uid_t, passwd* record, char* buffer, std::size_t size, passwd** result)
+{
+    std::snprintf (buffer, size, "fuzzer");
+    record->pw_name = buffer;
+    *result = record;
+    return 0;
+}
+
+namespace
+{
+using Attributes = std::map<juce::String, juce::String>;
+
+void require (bool condition, const char* what)
+{
+    if (condition)
+        return;
+
+    std::fprintf (stderr, "not so: %s\n", what);
+    std::abort();
+}
+
+void restore (OpenProcessor& processor, const void* data, std::size_t size)
+{
+    processor.setStateInformation (data, static_cast<int> (size));
+}
+
+juce::MemoryBlock save (OpenProcessor& processor)
+{
+    juce::MemoryBlock block;
+    processor.getStateInformation (block);
+    return block;
+}
+
+/** The attributes of a block of our own that survive a restore, without the time of saving. */
+Attributes attributesOf (const juce::MemoryBlock& block)
+{
+    const auto element = juce::AudioProcessor::getXmlFromBinary (block.getData(), static_cast<int> (block.getSize()));
+    require (element != nullptr && element->hasTagName ("settings"), "a saved block holds a document");
+
+    Attributes attributes;
+
+    for (int i = 0; i < element->getNumAttributes(); ++i)
+        if (element->getAttributeValue (i).isNotEmpty() && element->getAttributeName (i) != "date_modified")
+            require (attributes.emplace (element->getAttributeName (i), element->getAttributeValue (i)).second,
+                     "no attribute stands twice");
+
+    return attributes;
+}
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize (int*, char***)
+{
+    // As in hosts: the parser's idea of a letter comes from here.
+    return std::setlocale (LC_CTYPE, "C.UTF-8") != nullptr ? 0 : 1;
+}
+
+extern "C" int LLVMFuzzerTestOneInput (const std::uint8_t* data, std::size_t size)
+{
+    static OpenProcessor processor;
+
+    processor.setMode (0.25f);
+    processor.settings = { { "kept", "entry" } };
+    processor.settingsDue = false;
+    processor.samplesSinceChange = 77;
+    processor.stateTouched = false;
+
+    restore (processor, data, size);
+
+    require (processor.settingsDue && processor.samplesSinceChange == 0 && processor.stateTouched,
+             "every block asks for a re-initialisation");
+
+    const float mode = processor.modeParameter->get();
+    require (mode >= 0.0f && mode <= 1.0f, "the parameter stays in its range");
+
+    for (const auto& [name, value] : processor.settings)
+        require (name.isNotEmpty() && value.isNotEmpty(), "the store holds nothing empty");
+
+    const auto first = save (processor);
+    restore (processor, first.getData(), first.getSize());
+    const auto second = save (processor);
+    require (attributesOf (first) == attributesOf (second), "what was saved restores to the same settings");
+    return 0;
+}

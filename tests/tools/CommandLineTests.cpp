@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#include "Child.h"
+#include "Recording.h"
+#include "TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <string>
+#include <vector>
+
+namespace
+{
+using testing::HasSubstr;
+using testing::StartsWith;
+
+TEST (CommandLine, HelpBeginsWithExamples)
+{
+    for (const std::string flag : { "--help", "-h" })
+    {
+        const auto outcome = run ({ flag });
+        EXPECT_EQ (outcome.exitStatus, 0);
+        EXPECT_EQ (outcome.errors, "");
+        EXPECT_THAT (outcome.output, StartsWith ("Examples:\n  larkspire-render "));
+        const auto usage = outcome.output.find ("\nUsage:\n");
+        const auto options = outcome.output.find ("\nOptions:\n");
+        ASSERT_NE (usage, std::string::npos);
+        ASSERT_NE (options, std::string::npos);
+        EXPECT_LT (usage, options);
+    }
+}
+
+TEST (CommandLine, HelpNamesEveryOptionAndWhatMaySurprise)
+{
+    const auto help = run ({ "--help" }).output;
+
+    for (const std::string text : { "-o OUT",
+                                    "--mode bypass|Gentle|Medium|Powerful",
+                                    "--format wav|flac",
+                                    "--bits 16|24|32f",
+                                    "--block N",
+                                    "--plugin PATH",
+                                    "--stats",
+                                    "--version",
+                                    "no dither",
+                                    "replaced in one step",
+                                    "Exit status" })
+        EXPECT_THAT (help, HasSubstr (text));
+
+    for (const auto& line : linesOf (help))
+        EXPECT_LE (line.size(), 120) << line;
+}
+
+TEST (CommandLine, VersionIsThatOfTheRelease)
+{
+    const auto outcome = run ({ "--version" });
+    EXPECT_EQ (outcome.exitStatus, 0);
+    EXPECT_EQ (outcome.errors, "");
+    EXPECT_EQ (outcome.output, "larkspire-render " LARKSPIRE_RELEASE "\n");
+    EXPECT_TRUE (std::regex_match (LARKSPIRE_RELEASE, std::regex ("[0-9]+\\.[0-9]+"))) << LARKSPIRE_RELEASE;
+}
+
+TEST (CommandLine, RefusesWrongCallsInOneLine)
+{
+    const TemporaryFolder folder;
+    write (folder / "voice.wav", wav16, makeNoise (1, 300, 16));
+    const auto input = folder / "voice.wav";
+    const auto result = folder / "result.wav";
+    const std::vector<std::vector<std::string>> wrongCalls {
+        {},
+        { input },
+        { "-o", result },
+        { input, "-o" },
+        { "--mode", "Loud", input, "-o", result },
+        { "--mode", "", input, "-o", result },
+        { "--mode", "2", input, "-o", result },
+        { "--block", "0", input, "-o", result },
+        { "--block", "-1", input, "-o", result },
+        { "--block", "524289", input, "-o", result },
+        { "--block", "99999999999999999999", input, "-o", result },
+        { "--block", "1.5", input, "-o", result },
+        { "--block", "many", input, "-o", result },
+        { "--bits", "8", input, "-o", result },
+        { "--bits", "32", input, "-o", result },
+        { "--format", "ogg", input, "-o", result },
+        { "--unknown", input, "-o", result },
+        { input, "-o", result, "-o", result },
+        { "--mode", "Gentle", "--mode", "Medium", input, "-o", result },
+    };
+
+    for (const auto& arguments : wrongCalls)
+    {
+        SCOPED_TRACE (testing::PrintToString (arguments));
+        const auto outcome = run (arguments);
+        EXPECT_EQ (outcome.exitStatus, 2);
+        EXPECT_EQ (outcome.output, "");
+        EXPECT_EQ (linesOf (outcome.errors).size(), 1) << outcome.errors;
+        EXPECT_THAT (outcome.errors, StartsWith ("larkspire-render: "));
+        EXPECT_EQ (folder.contents(), (std::vector<std::string> { "voice.wav" }));
+    }
+}
+
+TEST (CommandLine, TakesTheSmallestAndTheLargestBlock)
+{
+    const TemporaryFolder folder;
+    write (folder / "voice.wav", wav16, makeNoise (1, 300, 16));
+
+    for (const std::string block : { "1", "524288" })
+        EXPECT_EQ (run ({ "--block", block, folder / "voice.wav", "-o", folder / "result.wav" }).exitStatus, 0);
+}
+
+TEST (CommandLine, TakesOptionsInAnyOrder)
+{
+    const TemporaryFolder folder;
+    write (folder / "one.wav", wav16, makeNoise (1, 300, 16));
+    write (folder / "two.wav", wav16, makeNoise (1, 300, 16));
+    const auto outcome =
+        run ({ folder / "one.wav", "-o", folder / "results", "--mode=bypass", folder / "two.wav", "--bits", "16" });
+    EXPECT_EQ (outcome.exitStatus, 0) << outcome.errors;
+    EXPECT_EQ (bytesOf (folder / "results/one.wav"), bytesOf (folder / "one.wav"));
+    EXPECT_EQ (bytesOf (folder / "results/two.wav"), bytesOf (folder / "two.wav"));
+}
+
+TEST (CommandLine, NoticesThatItsTextDidNotArrive)
+{
+    // A limit of no bytes makes the file behind stdout a full disk.
+    const auto outcome = run (Call { .arguments = { "--help" }, .largestFile = 0 });
+    EXPECT_EQ (outcome.exitStatus, 1);
+}
+} // namespace

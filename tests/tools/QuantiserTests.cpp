@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#include "render/Quantiser.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+
+namespace
+{
+using larkspire::render::Quantiser;
+
+TEST (Quantiser, ReturnsEvery16BitNumber)
+{
+    const Quantiser quantiser (16);
+
+    for (int number = -32768; number <= 32767; ++number)
+        ASSERT_EQ (quantiser.toWholeNumber (static_cast<float> (number) / 32768.0f), number);
+}
+
+TEST (Quantiser, ReturnsEvery24BitNumber)
+{
+    const Quantiser quantiser (24);
+
+    for (int number = -8388608; number <= 8388607; ++number)
+        ASSERT_EQ (quantiser.toWholeNumber (static_cast<float> (number) / 8388608.0f), number);
+}
+
+TEST (Quantiser, RoundsToTheNearestAndTiesToEven)
+{
+    const Quantiser quantiser (16);
+    constexpr float step = 1.0f / 32768.0f;
+    EXPECT_EQ (quantiser.toWholeNumber (0.49f * step), 0);
+    EXPECT_EQ (quantiser.toWholeNumber (0.51f * step), 1);
+    EXPECT_EQ (quantiser.toWholeNumber (-0.51f * step), -1);
+    EXPECT_EQ (quantiser.toWholeNumber (0.5f * step), 0);
+    EXPECT_EQ (quantiser.toWholeNumber (1.5f * step), 2);
+    EXPECT_EQ (quantiser.toWholeNumber (-2.5f * step), -2);
+}
+
+TEST (Quantiser, HoldsWhatIsTooLoudWithinTheRange)
+{
+    constexpr auto infinity = std::numeric_limits<float>::infinity();
+
+    for (const int bits : { 16, 24 })
+    {
+        const Quantiser quantiser (bits);
+        const auto largest = (1 << (bits - 1)) - 1;
+        EXPECT_EQ (quantiser.toWholeNumber (1.0f), largest);
+        EXPECT_EQ (quantiser.toWholeNumber (1e30f), largest);
+        EXPECT_EQ (quantiser.toWholeNumber (infinity), largest);
+        EXPECT_EQ (quantiser.toWholeNumber (-1.0f), -largest - 1);
+        EXPECT_EQ (quantiser.toWholeNumber (-1e30f), -largest - 1);
+        EXPECT_EQ (quantiser.toWholeNumber (-infinity), -largest - 1);
+    }
+}
+
+TEST (Quantiser, MakesSilenceOfWhatIsNoNumber)
+{
+    EXPECT_EQ (Quantiser (24).toWholeNumber (std::numeric_limits<float>::quiet_NaN()), 0);
+}
+
+TEST (Quantiser, GivesTheSampleThatANumberStandsFor)
+{
+    EXPECT_EQ (Quantiser (16).toSample (-32768), -1.0);
+    EXPECT_EQ (Quantiser (16).toSample (16384), 0.5);
+    EXPECT_EQ (Quantiser (24).toSample (1), 1.0 / 8388608.0);
+}
+} // namespace

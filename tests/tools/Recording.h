@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include <sndfile.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/** Sound in memory: whole numbers, channels interleaved, in the uppermost bits of 32. */
+struct Recording
+{
+    int channels = 1;
+    int sampleRate = 48000; // Hz
+    std::vector<int> samples {};
+
+    bool operator== (const Recording&) const = default;
+};
+
+/** Noise that swells and fades, at most half of full scale but for one sample at each of the two extremes. The same
+    seed gives the same noise. */
+Recording makeNoise (int channels, int frames, int bits, unsigned seed = 1, int sampleRate = 48000);
+
+/** Writes a sound file. The format is the library's, container and sample type; floats are written as fractions of full
+    scale. */
+void write (const std::string& path, int format, const Recording& recording);
+void writeFloats (const std::string& path, int format, int channels, const std::vector<float>& samples);
+
+/** Reads a sound file as whole numbers, or as floats. */
+Recording read (const std::string& path);
+std::vector<float> readFloats (const std::string& path);
+
+/** What the library says of a file. */
+SF_INFO describe (const std::string& path);
+
+/** The samples as fractions of full scale. */
+std::vector<float> toFloats (const Recording& recording);
+
+/** All bytes of a file. */
+std::string bytesOf (const std::string& path);
+void writeBytes (const std::string& path, const std::string& bytes);
+
+/** Makes a FLAC file state another number of sample frames than it holds; 0 says that it is not known. */
+void stateLength (const std::string& flacPath, std::uint32_t frames);
+
+constexpr int wav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+constexpr int wav24 = SF_FORMAT_WAV | SF_FORMAT_PCM_24;
+constexpr int wavFloat = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
+constexpr int flac16 = SF_FORMAT_FLAC | SF_FORMAT_PCM_16;
+constexpr int flac24 = SF_FORMAT_FLAC | SF_FORMAT_PCM_24;
+constexpr int aiff16 = SF_FORMAT_AIFF | SF_FORMAT_PCM_16;
+constexpr int aiff24 = SF_FORMAT_AIFF | SF_FORMAT_PCM_24;
+constexpr int oggVorbis = SF_FORMAT_OGG | SF_FORMAT_VORBIS;

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+/** A new empty folder of a test's own, gone with everything in it when the test ends. */
+class TemporaryFolder
+{
+public:
+    TemporaryFolder()
+    {
+        auto name = (std::filesystem::temp_directory_path() / "larkspire-tools-XXXXXX").string();
+
+        if (mkdtemp (name.data()) == nullptr)
+            throw std::runtime_error ("no temporary folder");
+
+        folder = name;
+    }
+
+    ~TemporaryFolder()
+    {
+        std::error_code error;
+        std::filesystem::remove_all (folder, error);
+    }
+
+    TemporaryFolder (const TemporaryFolder&) = delete;
+    TemporaryFolder& operator= (const TemporaryFolder&) = delete;
+
+    const std::filesystem::path& path() const { return folder; }
+
+    /** The path of something in the folder. */
+    std::string operator/ (const std::string& name) const { return (folder / name).string(); }
+
+    /** What is in the folder and all below it, hidden files too, as sorted paths relative to it. */
+    std::vector<std::string> contents() const
+    {
+        std::vector<std::string> names;
+
+        for (const auto& entry : std::filesystem::recursive_directory_iterator (folder))
+            names.push_back (entry.path().lexically_relative (folder).string());
+
+        std::sort (names.begin(), names.end());
+        return names;
+    }
+
+private:
+    std::filesystem::path folder;
+};

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// larkspire-render: takes recordings through the plug-in, as any host would, without one.
+#include "Batch.h"
+#include "CommandLine.h"
+#include "Failure.h"
+#include "PluginSearch.h"
+#include "Signals.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace
+{
+using namespace larkspire::render;
+
+enum ExitStatus
+{
+    done = 0,
+    workFailed = 1,
+    wrongCall = 2
+};
+
+/** Whether all that was printed has left the program. */
+bool standardOutputIsFine()
+{
+    return std::fflush (stdout) == 0 && std::ferror (stdout) == 0;
+}
+
+ExitStatus run (const CommandLine& call)
+{
+    const auto plan = planBatch (call);
+    const PluginLibrary library (call.plugin ? std::filesystem::path (*call.plugin) : findPlugin());
+    return runBatch (library, plan, call.stats) ? done : workFailed;
+}
+
+ExitStatus runOrExplain (int argumentCount, const char* const* arguments)
+{
+    const auto call = parseCommandLine (argumentCount, arguments);
+
+    if (const auto* text = std::get_if<std::string> (&call))
+    {
+        std::fputs (text->c_str(), stdout);
+        return done;
+    }
+
+    return run (std::get<CommandLine> (call));
+}
+} // namespace
+
+int main (int argumentCount, char** arguments)
+{
+    try
+    {
+        installSignalHandlers();
+        const auto status = runOrExplain (argumentCount, arguments);
+
+        if (standardOutputIsFine())
+            return status;
+
+        throw Failure ("standard output", "cannot be written");
+    }
+    catch (const WrongCall& fault)
+    {
+        complain (fault);
+        return wrongCall;
+    }
+    catch (const std::exception& fault)
+    {
+        complain (fault);
+        return workFailed;
+    }
+}

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#include "Signals.h"
+
+#include <atomic>
+#include <csignal>
+
+namespace larkspire::render
+{
+
+namespace
+{
+// The signal may arrive in a thread of the plug-in, hence an atomic and no sig_atomic_t.
+std::atomic<bool> stopFlag { false };
+static_assert (std::atomic<bool>::is_always_lock_free);
+
+void requestStop (int)
+{
+    stopFlag.store (true);
+}
+
+void setHandler (int signal, void (*handler) (int))
+{
+    struct sigaction action = {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    sigemptyset (&action.sa_mask);
+    sigaction (signal, &action, nullptr);
+}
+
+bool isIgnored (int signal)
+{
+    struct sigaction present = {};
+    sigaction (signal, nullptr, &present);
+    return present.sa_handler == SIG_IGN;
+}
+} // namespace
+
+void installSignalHandlers()
+{
+    setHandler (SIGINT, requestStop);
+    setHandler (SIGTERM, requestStop);
+
+    if (! isIgnored (SIGHUP))
+        setHandler (SIGHUP, requestStop);
+
+    setHandler (SIGXFSZ, SIG_IGN);
+}
+
+bool stopRequested() noexcept
+{
+    return stopFlag.load();
+}
+
+} // namespace larkspire::render

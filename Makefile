@@ -17,8 +17,9 @@ configure: setup
 		&& rm -f build-configure.log \
 		|| { cat build-configure.log; rm -f build-configure.log; exit 1; }
 
+# The library, the renderer and what the demo needs; tests are built by those who run them.
 build: configure
-	@cmake --build --preset $(PRESET)
+	@cmake --build --preset $(PRESET) --target Larkspire_VST larkspire-render larkspire-join
 
 demo: build
 	@scripts/demo
@@ -26,7 +27,8 @@ demo: build
 lint: configure
 	@cmake --build --preset $(PRESET) --target lint
 
-test: build lint
+test: configure
+	@cmake --build --preset $(PRESET) --target all lint
 	@ctest --preset $(PRESET) --parallel $(JOBS)
 
 install:

@@ -35,7 +35,7 @@ function (larkspire_add_lint_targets)
             OUTPUT "${stamp}"
             COMMAND "${CMAKE_SOURCE_DIR}/scripts/tidy" "${CMAKE_BINARY_DIR}" "${source}"
             COMMAND ${CMAKE_COMMAND} -E touch "${stamp}"
-            DEPENDS "${source}" ${headers} "${CMAKE_SOURCE_DIR}/.clang-tidy"
+            DEPENDS "${source}" ${headers} "${CMAKE_SOURCE_DIR}/.clang-tidy" "${CMAKE_SOURCE_DIR}/tests/.clang-tidy"
             COMMENT "clang-tidy ${name}"
             VERBATIM)
         list (APPEND stamps "${stamp}")

@@ -40,7 +40,7 @@ using namespace state_block;
 class LoginName : public testing::Test
 {
 protected:
-    ~LoginName() override { standIn = nullptr; }
+    void TearDown() override { standIn = nullptr; }
 
     static void answer (UserLookup lookup) { standIn = std::move (lookup); }
 

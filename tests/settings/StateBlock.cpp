@@ -37,7 +37,7 @@ bool take (std::string_view& text, std::string_view prefix)
 std::string takeUpTo (std::string_view& text, char end)
 {
     const auto length = std::min (text.find (end), text.size());
-    const std::string taken (text.substr (0, length));
+    std::string taken (text.substr (0, length));
     text.remove_prefix (std::min (length + 1, text.size()));
     return taken;
 }

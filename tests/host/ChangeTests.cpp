@@ -13,7 +13,6 @@
 namespace
 {
 constexpr float gentle = 1.0f / 9.0f;
-constexpr float medium = 2.0f / 9.0f;
 constexpr float powerful = 3.0f / 9.0f;
 
 /** Runs a block of the oracle's, in place, as the library would. */

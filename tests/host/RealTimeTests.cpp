@@ -51,7 +51,7 @@ TEST_P (RealTime, HoldsForEveryBlockSizeLayoutAndRate)
             warmUp (host);
             auto signal = noise (4096, 0.0, 2);
 
-            for (const std::size_t frames : { 0, 1, 17, 64, 512, 4096 })
+            for (const std::size_t frames : { 0u, 1u, 17u, 64u, 512u, 4096u })
                 expectRealTimeBlock (host, signal, 0, frames, std::to_string (frames) + " frames");
         }
 }

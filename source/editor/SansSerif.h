@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+namespace larkspire
+{
+
+/** Names "Microsoft Sans Serif" as the process's default sans-serif typeface where the machine has it.
+
+    Where it has not, naming it would leave the framework without a typeface and the window without a word; there the
+    framework's own default stays. The name goes to the framework's global look and feel, because fonts are resolved
+    through that one.
+*/
+void nameDefaultSansSerif();
+
+} // namespace larkspire

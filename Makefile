@@ -1,6 +1,6 @@
 # What people type. The build itself is CMake's; see CMakePresets.json for other builds.
 .DEFAULT_GOAL := build
-.PHONY: setup configure build demo lint test install uninstall clean
+.PHONY: setup configure build demo screenshot lint test install uninstall clean
 
 PRESET := release
 LIBRARY := dist/linux/Quendal Larkspire.so
@@ -23,6 +23,11 @@ build: configure
 
 demo: build
 	@scripts/demo
+
+# The pictures of the documents, of the library as built.
+screenshot: configure
+	@cmake --build --preset $(PRESET) --target Larkspire_VST larkspire-screenshot
+	@build/$(PRESET)/tools/larkspire-screenshot "$(LIBRARY)" docs
 
 lint: configure
 	@cmake --build --preset $(PRESET) --target lint

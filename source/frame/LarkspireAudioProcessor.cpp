@@ -8,6 +8,7 @@
 #include "chain/ModeTable.h"
 #include "chain/SoftClip.h"
 #include "chain/StereoFold.h"
+#include "editor/LarkspireAudioProcessorEditor.h"
 
 using namespace larkspire;
 
@@ -51,7 +52,7 @@ LarkspireAudioProcessor::~LarkspireAudioProcessor()
 
 juce::AudioProcessorEditor* LarkspireAudioProcessor::createEditor()
 {
-    return new juce::GenericAudioProcessorEditor (*this);
+    return new LarkspireAudioProcessorEditor (this);
 }
 
 bool LarkspireAudioProcessor::isBusesLayoutSupported (const BusesLayout& layouts) const

@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#include "window/EditorWindow.h"
+
+#include "render/Failure.h"
+
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <thread>
+
+namespace larkspire::window
+{
+
+namespace
+{
+std::atomic<int> refusalCount { 0 };
+
+int countRefusal (Display*, XErrorEvent*)
+{
+    return ++refusalCount;
+}
+
+Display* openDisplay()
+{
+    XInitThreads();
+
+    if (auto* display = XOpenDisplay (nullptr))
+    {
+        XSetErrorHandler (countRefusal);
+        return display;
+    }
+
+    throw render::Failure (XDisplayName (nullptr), "there is no X server");
+}
+
+/** A window that no window manager would touch. */
+Window makeWindow (Display* display, int x, int y, int width, int height)
+{
+    XSetWindowAttributes attributes {};
+    attributes.override_redirect = True;
+    const auto window = XCreateWindow (display,
+                                       DefaultRootWindow (display),
+                                       x,
+                                       y,
+                                       static_cast<unsigned int> (width),
+                                       static_cast<unsigned int> (height),
+                                       0,
+                                       CopyFromParent,
+                                       InputOutput,
+                                       nullptr,
+                                       CWOverrideRedirect,
+                                       &attributes);
+    XMapRaised (display, window);
+    XSync (display, False);
+    return window;
+}
+
+/** One channel of a pixel, moved down to eight bits. */
+std::uint8_t channel (unsigned long pixel, unsigned long mask)
+{
+    return static_cast<std::uint8_t> ((pixel & mask) / (mask & (~mask + 1)));
+}
+} // namespace
+
+EditorWindow::EditorWindow (Vst2::AEffect& plugin, int x, int y) : effect (plugin), display (openDisplay())
+{
+    Vst2::ERect* bounds = nullptr;
+    dispatch (Vst2::effEditGetRect, &bounds);
+
+    if (bounds == nullptr)
+    {
+        XCloseDisplay (display);
+        throw render::Failure ("the plug-in", "has no editor");
+    }
+
+    currentWidth = bounds->right - bounds->left;
+    currentHeight = bounds->bottom - bounds->top;
+    window = makeWindow (display, x, y, currentWidth, currentHeight);
+    dispatch (Vst2::effEditOpen, reinterpret_cast<void*> (window)); // NOLINT(performance-no-int-to-ptr)
+}
+
+EditorWindow::~EditorWindow()
+{
+    dispatch (Vst2::effEditClose);
+    XDestroyWindow (display, window);
+    XCloseDisplay (display);
+}
+
+Vst2::VstIntPtr EditorWindow::dispatch (Vst2::VstInt32 opcode, void* data) const
+{
+    return effect.dispatcher (&effect, opcode, 0, 0, data, 0.0f);
+}
+
+void EditorWindow::idle (std::chrono::milliseconds time)
+{
+    const auto end = std::chrono::steady_clock::now() + time;
+
+    do
+    {
+        dispatch (Vst2::effEditIdle);
+        std::this_thread::sleep_for (std::chrono::milliseconds (5));
+    } while (std::chrono::steady_clock::now() < end);
+}
+
+bool EditorWindow::idleUntil (const std::function<bool()>& holds)
+{
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds (10);
+
+    while (! holds())
+    {
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+
+        idle (std::chrono::milliseconds (10));
+    }
+
+    return true;
+}
+
+Picture EditorWindow::picture() const
+{
+    XSync (display, False);
+    const auto freeImage = [] (XImage* image) { XDestroyImage (image); };
+    const std::unique_ptr<XImage, decltype (freeImage)> image (XGetImage (display,
+                                                                          window,
+                                                                          0,
+                                                                          0,
+                                                                          static_cast<unsigned int> (currentWidth),
+                                                                          static_cast<unsigned int> (currentHeight),
+                                                                          AllPlanes,
+                                                                          ZPixmap));
+
+    if (image == nullptr)
+        throw render::Failure ("the window", "cannot be photographed");
+
+    Picture picture { .width = currentWidth, .height = currentHeight, .pixels = {} };
+
+    for (int y = 0; y < currentHeight; ++y)
+        for (int x = 0; x < currentWidth; ++x)
+        {
+            const auto pixel = XGetPixel (image.get(), x, y);
+            picture.pixels.push_back ({ channel (pixel, image->red_mask),
+                                        channel (pixel, image->green_mask),
+                                        channel (pixel, image->blue_mask) });
+        }
+
+    return picture;
+}
+
+void EditorWindow::resize (int width, int height)
+{
+    XResizeWindow (display, window, static_cast<unsigned int> (width), static_cast<unsigned int> (height));
+    XSync (display, False);
+    currentWidth = width;
+    currentHeight = height;
+}
+
+int EditorWindow::refusals()
+{
+    return refusalCount;
+}
+
+} // namespace larkspire::window

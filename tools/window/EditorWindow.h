@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include "window/Picture.h"
+
+#include "Vst2.h"
+
+#include <chrono>
+#include <functional>
+
+struct _XDisplay; // the X library's own name for a connection
+
+namespace larkspire::window
+{
+
+/** A plain X11 window with a plug-in's editor in it, as a host has it. Without a title bar, so that the editor's
+    corner is the window's. While it is open the plug-in's timers run in idle() and nowhere else. */
+class EditorWindow
+{
+public:
+    /** Opens a window of the size that the plug-in asks for at a place of the screen, and the editor in it. Throws
+        larkspire::render::Failure if there is no X server or the plug-in has no editor. */
+    explicit EditorWindow (Vst2::AEffect& plugin, int x = 0, int y = 0);
+
+    /** Closes the editor, then the window. */
+    ~EditorWindow();
+
+    EditorWindow (const EditorWindow&) = delete;
+    EditorWindow& operator= (const EditorWindow&) = delete;
+
+    /** Gives the editor time, as a host does between its own work. */
+    void idle (std::chrono::milliseconds time);
+
+    /** Gives the editor time until something holds; false if it does not within ten seconds. */
+    bool idleUntil (const std::function<bool()>& holds);
+
+    /** What the window shows now. */
+    Picture picture() const;
+
+    /** What the screen shows of the window's place. */
+    int width() const noexcept { return currentWidth; }
+    int height() const noexcept { return currentHeight; }
+
+    /** Gives the window another size; what is in it is the editor's affair. */
+    void resize (int width, int height);
+
+    /** The connection and the window, for those that put events in. */
+    _XDisplay* connection() const noexcept { return display; }
+    unsigned long handle() const noexcept { return window; }
+
+    /** How often the X server has refused a request of this program since its start. */
+    static int refusals();
+
+private:
+    Vst2::VstIntPtr dispatch (Vst2::VstInt32 opcode, void* data = nullptr) const;
+
+    Vst2::AEffect& effect;
+    _XDisplay* display = nullptr;
+    unsigned long window = 0;
+    int currentWidth = 0;
+    int currentHeight = 0;
+};
+
+} // namespace larkspire::window

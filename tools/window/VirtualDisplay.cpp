@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#include "window/VirtualDisplay.h"
+
+#include "render/Failure.h"
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace larkspire::window
+{
+
+namespace
+{
+constexpr const char* program = "Xvfb";
+
+/** In the child: becomes the server, which writes the number of its display to the descriptor. Does not return. */
+[[noreturn]] void becomeServer (int descriptor)
+{
+    prctl (PR_SET_PDEATHSIG, SIGKILL);
+    const auto number = std::to_string (descriptor);
+    execlp (program,
+            program,
+            "-displayfd",
+            number.c_str(),
+            "-screen",
+            "0",
+            "1024x768x24",
+            "-nolisten",
+            "tcp",
+            "-noreset",
+            static_cast<char*> (nullptr));
+    _exit (127);
+}
+
+/** All that comes out of the descriptor up to a line's end or its own. */
+std::string readLine (int descriptor)
+{
+    std::string line;
+    char letter = 0;
+
+    while (read (descriptor, &letter, 1) == 1 && letter != '\n')
+        line += letter;
+
+    return line;
+}
+} // namespace
+
+VirtualDisplay::VirtualDisplay()
+{
+    std::array<int, 2> pipeEnds {};
+
+    if (pipe (pipeEnds.data()) != 0)
+        throw render::Failure (program, render::systemError (errno));
+
+    server = fork();
+
+    if (server == 0)
+    {
+        close (pipeEnds[0]);
+        becomeServer (pipeEnds[1]);
+    }
+
+    close (pipeEnds[1]);
+    const auto number = readLine (pipeEnds[0]);
+    close (pipeEnds[0]);
+
+    if (server > 0 && number.empty())
+        waitpid (server, nullptr, 0);
+
+    if (number.empty())
+        throw render::Failure (program, "does not start; is the package xvfb installed?");
+
+    setenv ("DISPLAY", (":" + number).c_str(), 1); // NOLINT(concurrency-mt-unsafe)
+}
+
+VirtualDisplay::~VirtualDisplay()
+{
+    unsetenv ("DISPLAY"); // NOLINT(concurrency-mt-unsafe)
+    kill (server, SIGTERM);
+    waitpid (server, nullptr, 0);
+}
+
+} // namespace larkspire::window

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include <string>
+
+#include <sys/types.h>
+
+namespace larkspire::window
+{
+
+/** An X server of this program's own that shows its screen to nobody: 1024 by 768 pixels of 24 bits, without a window
+    manager. The environment's DISPLAY names it for as long as this lives. It is made while the program has one thread,
+    and it ends with the program whatever becomes of that. */
+class VirtualDisplay
+{
+public:
+    /** Starts the server and waits until it takes windows. Throws larkspire::render::Failure without one. */
+    VirtualDisplay();
+    ~VirtualDisplay();
+
+    VirtualDisplay (const VirtualDisplay&) = delete;
+    VirtualDisplay& operator= (const VirtualDisplay&) = delete;
+
+private:
+    pid_t server = -1;
+};
+
+} // namespace larkspire::window

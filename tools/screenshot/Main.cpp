@@ -15,10 +15,7 @@ using namespace larkspire;
 
 struct Close
 {
-    void operator() (Vst2::AEffect* effect) const
-    {
-        effect->dispatcher (effect, Vst2::effClose, 0, 0, nullptr, 0.0f);
-    }
+    void operator() (Vst2::AEffect* effect) const { effect->dispatcher (effect, Vst2::effClose, 0, 0, nullptr, 0.0f); }
 };
 
 struct Shot
@@ -46,7 +43,7 @@ void photograph (const render::PluginLibrary& library, const Shot& shot, const s
     effect->setParameter (effect.get(), 0, shot.position);
 
     window::EditorWindow editor (*effect);
-    editor.idle (std::chrono::milliseconds (1000)); // the knob follows the parameter three times a second
+    editor.idle (std::chrono::milliseconds (800)); // the knob follows the parameter three times a second
     window::writePng (editor.picture(), folder / shot.file);
     std::printf ("%s\n", (folder / shot.file).c_str());
 }

@@ -6,9 +6,9 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
-#include <atomic>
+#include <array>
 #include <memory>
-#include <string>
+#include <mutex>
 #include <thread>
 
 namespace larkspire::window
@@ -16,11 +16,16 @@ namespace larkspire::window
 
 namespace
 {
-std::atomic<int> refusalCount { 0 };
+std::mutex refusalLock; // the plug-in's threads talk to the server too
+std::vector<std::string> refusalTexts;
 
-int countRefusal (Display*, XErrorEvent*)
+int noteRefusal (Display* display, XErrorEvent* event)
 {
-    return ++refusalCount;
+    std::array<char, 128> text {};
+    XGetErrorText (display, event->error_code, text.data(), static_cast<int> (text.size()));
+    const std::lock_guard lock (refusalLock);
+    refusalTexts.push_back ("request " + std::to_string (event->request_code) + ": " + text.data());
+    return 0;
 }
 
 Display* openDisplay()
@@ -29,7 +34,7 @@ Display* openDisplay()
 
     if (auto* display = XOpenDisplay (nullptr))
     {
-        XSetErrorHandler (countRefusal);
+        XSetErrorHandler (noteRefusal);
         return display;
     }
 
@@ -158,9 +163,10 @@ void EditorWindow::resize (int width, int height)
     currentHeight = height;
 }
 
-int EditorWindow::refusals()
+std::vector<std::string> EditorWindow::refusals()
 {
-    return refusalCount;
+    const std::lock_guard lock (refusalLock);
+    return refusalTexts;
 }
 
 } // namespace larkspire::window

@@ -7,6 +7,8 @@
 
 #include <chrono>
 #include <functional>
+#include <string>
+#include <vector>
 
 struct _XDisplay; // the X library's own name for a connection
 
@@ -34,10 +36,9 @@ public:
     /** Gives the editor time until something holds; false if it does not within ten seconds. */
     bool idleUntil (const std::function<bool()>& holds);
 
-    /** What the window shows now. */
+    /** What the window shows now; it must lie within the screen. */
     Picture picture() const;
 
-    /** What the screen shows of the window's place. */
     int width() const noexcept { return currentWidth; }
     int height() const noexcept { return currentHeight; }
 
@@ -48,8 +49,8 @@ public:
     _XDisplay* connection() const noexcept { return display; }
     unsigned long handle() const noexcept { return window; }
 
-    /** How often the X server has refused a request of this program since its start. */
-    static int refusals();
+    /** What the X server has refused this program since its start, in its own words, each with the request's number. */
+    static std::vector<std::string> refusals();
 
 private:
     Vst2::VstIntPtr dispatch (Vst2::VstInt32 opcode, void* data = nullptr) const;

@@ -31,7 +31,9 @@ Picture readPng (const std::filesystem::path& path)
         throw render::Failure (path, image.message);
 
     image.format = PNG_FORMAT_RGB;
-    Picture picture { .width = static_cast<int> (image.width), .height = static_cast<int> (image.height), .pixels = {} };
+    Picture picture { .width = static_cast<int> (image.width),
+                      .height = static_cast<int> (image.height),
+                      .pixels = {} };
     picture.pixels.resize (PNG_IMAGE_SIZE (image) / sizeof (Colour));
     const png_color black {};
 

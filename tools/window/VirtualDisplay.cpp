@@ -3,6 +3,8 @@
 
 #include "render/Failure.h"
 
+#include <X11/Xlib.h>
+
 #include <array>
 #include <csignal>
 #include <cstdlib>
@@ -35,6 +37,37 @@ constexpr const char* program = "Xvfb";
             "-noreset",
             static_cast<char*> (nullptr));
     _exit (127);
+}
+
+/** Makes the names known that a window manager would have brought, those of the ICCCM, EWMH and Motif conventions. They
+    stay as long as the server does. */
+void introduceNames()
+{
+    const std::array names { "WM_PROTOCOLS",
+                             "WM_STATE",
+                             "WM_CHANGE_STATE",
+                             "WM_TAKE_FOCUS",
+                             "WM_DELETE_WINDOW",
+                             "_MOTIF_WM_HINTS",
+                             "_NET_FRAME_EXTENTS",
+                             "_NET_WM_ALLOWED_ACTIONS",
+                             "_NET_WM_PING",
+                             "_NET_WM_STATE",
+                             "_NET_WM_STATE_FULLSCREEN",
+                             "_NET_WM_STATE_HIDDEN",
+                             "_NET_WM_WINDOW_TYPE",
+                             "_NET_WM_WINDOW_TYPE_COMBO",
+                             "_NET_WM_WINDOW_TYPE_NORMAL",
+                             "_NET_WORKAREA" };
+    auto* display = XOpenDisplay (nullptr);
+
+    if (display == nullptr)
+        return;
+
+    for (const auto* name : names)
+        XInternAtom (display, name, False);
+
+    XCloseDisplay (display);
 }
 
 /** All that comes out of the descriptor up to a line's end or its own. */
@@ -76,6 +109,7 @@ VirtualDisplay::VirtualDisplay()
         throw render::Failure (program, "does not start; is the package xvfb installed?");
 
     setenv ("DISPLAY", (":" + number).c_str(), 1); // NOLINT(concurrency-mt-unsafe)
+    introduceNames();
 }
 
 VirtualDisplay::~VirtualDisplay()

@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include "host/RawHost.h"
+#include "host/editor/Mouse.h"
+#include "window/EditorWindow.h"
+#include "window/VirtualDisplay.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <memory>
+#include <numbers>
+#include <optional>
+
+/** The four positions of the knob, as values of the parameter. */
+inline constexpr std::array<float, 4> knobValues { 0.0f, 1.0f / 9.0f, 2.0f / 9.0f, 3.0f / 9.0f };
+
+/** Where the knob's centre stands in the window, in pixels. */
+inline constexpr int knobX = 125;
+inline constexpr int knobY = 120;
+
+/** The position that the knob's pointer shows in a picture of the window: at each position's angle the middle of the
+    pointer is light if it is there and the knob's grey if it is not. None if not exactly one is light. */
+inline std::optional<int> shownPosition (const larkspire::window::Picture& picture)
+{
+    std::optional<int> shown;
+
+    for (int position = 0; position < 4; ++position)
+    {
+        // From seven o'clock to five, clockwise; 20 pixels from the centre the pointer is at its middle.
+        const double angle = std::numbers::pi * (1.2 + 1.6 * position / 3.0);
+        const auto x = static_cast<int> (125.0 + 20.0 * std::sin (angle));
+        const auto y = static_cast<int> (120.5 - 20.0 * std::cos (angle));
+
+        if (picture.at (x, y).red < 0xd0)
+            continue;
+
+        if (shown)
+            return std::nullopt;
+
+        shown = position;
+    }
+
+    return shown;
+}
+
+/** An instance of the built library with its editor open in a window, on a display of the test's own. */
+class OpenEditor
+{
+public:
+    /** With the parameter at a value. The window stands low on the screen: there is room for a long way up. */
+    explicit OpenEditor (float value = 2.0f / 9.0f, int x = 0)
+        : host (beforeOpening (value)),
+          window (host->effect(), x, 450),
+          mouse (window)
+    {
+    }
+
+    /** Gives the editor time until the pointer stands on a position. */
+    bool comesToShow (int position)
+    {
+        return window.idleUntil ([&] { return shownPosition (window.picture()) == position; });
+    }
+
+    /** Gives it more time than it takes to follow the parameter. */
+    void waitForTheNextTick() { window.idle (std::chrono::milliseconds (700)); }
+
+    /** The values of all automation since the last call, where nothing else but them came. */
+    std::vector<float> takeAutomation()
+    {
+        std::vector<float> values;
+
+        for (const auto& call : host->takeCalls())
+        {
+            EXPECT_NE (call.opcode, Vst2::audioMasterBeginEdit);
+            EXPECT_NE (call.opcode, Vst2::audioMasterEndEdit);
+
+            if (call.opcode == Vst2::audioMasterAutomate)
+            {
+                EXPECT_EQ (call.index, 0);
+                values.push_back (call.opt);
+            }
+        }
+
+        return values;
+    }
+
+    std::unique_ptr<RawHost> host;
+    larkspire::window::EditorWindow window;
+    Mouse mouse;
+
+private:
+    static std::unique_ptr<RawHost> beforeOpening (float value)
+    {
+        auto host = std::make_unique<RawHost>();
+        host->setParameter (value);
+        host->takeCalls();
+        return host;
+    }
+};
+
+/** A suite whose tests open windows: the display is there before the library is. */
+class WithDisplay : public testing::Test
+{
+protected:
+    static void SetUpTestSuite() { display = std::make_unique<larkspire::window::VirtualDisplay>(); }
+
+    static void TearDownTestSuite()
+    {
+        EXPECT_EQ (larkspire::window::EditorWindow::refusals(), std::vector<std::string> {}) << "by the X server";
+        display.reset();
+    }
+
+private:
+    static inline std::unique_ptr<larkspire::window::VirtualDisplay> display;
+};

@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// Windows that come and go while the sound goes on.
+#include "host/editor/EditorHost.h"
+
+#include <atomic>
+#include <thread>
+
+namespace
+{
+class EditorLife : public WithDisplay
+{
+};
+
+/** Blocks of a tone through an instance on a thread of its own, until the end of this. */
+class RunningAudio
+{
+public:
+    explicit RunningAudio (RawHost& host) : thread ([this, &host] { run (host); }) {}
+
+    ~RunningAudio()
+    {
+        stop = true;
+        thread.join();
+    }
+
+    RunningAudio (const RunningAudio&) = delete;
+    RunningAudio& operator= (const RunningAudio&) = delete;
+
+    std::size_t blocks() const { return blockCount; }
+    bool wasAlwaysWithinItsBounds() const { return withinBounds; }
+
+private:
+    void run (RawHost& host)
+    {
+        std::vector<float> left (256);
+        std::vector<float> right (256);
+
+        while (! stop)
+        {
+            for (std::size_t i = 0; i < left.size(); ++i)
+                left[i] = right[i] = 0.25f * std::sin (0.05f * static_cast<float> (i));
+
+            host.process (left, right, 0, left.size());
+
+            for (const float sample : left)
+                if (! (std::abs (sample) <= 0.9885f))
+                    withinBounds = false;
+
+            ++blockCount;
+        }
+    }
+
+    std::atomic<bool> stop { false };
+    std::atomic<bool> withinBounds { true };
+    std::atomic<std::size_t> blockCount { 0 };
+    std::thread thread;
+};
+
+TEST_F (EditorLife, OpensAndClosesAThousandTimesWithAudioRunning)
+{
+    RawHost host;
+    host.start (48000.0f);
+    const RunningAudio audio (host);
+
+    for (int i = 0; i < 1000; ++i)
+    {
+        larkspire::window::EditorWindow window (host.effect());
+
+        if (i % 2 == 0)
+            window.idle (std::chrono::milliseconds (0));
+    }
+
+    EXPECT_GT (audio.blocks(), 1000u);
+    EXPECT_TRUE (audio.wasAlwaysWithinItsBounds());
+}
+
+TEST_F (EditorLife, ClosesBeforeAnythingWasDrawn)
+{
+    for (int i = 0; i < 20; ++i)
+    {
+        RawHost host;
+        const larkspire::window::EditorWindow window (host.effect());
+    }
+}
+
+TEST_F (EditorLife, ShowsTwoInstancesAtOnce)
+{
+    OpenEditor first (knobValues[1]);
+    OpenEditor second (knobValues[3], 300);
+    EXPECT_TRUE (first.comesToShow (1));
+    EXPECT_TRUE (second.comesToShow (3));
+
+    first.mouse.moveTo (knobX, knobY);
+    first.mouse.press();
+    first.mouse.moveVertically (50);
+    first.mouse.release();
+    EXPECT_TRUE (first.comesToShow (0));
+    EXPECT_EQ (first.host->getParameter(), 0.0f);
+    EXPECT_EQ (second.host->getParameter(), knobValues[3]);
+    second.waitForTheNextTick();
+    EXPECT_EQ (shownPosition (second.window.picture()), 3);
+}
+
+TEST_F (EditorLife, KeepsTheOtherInstancesWindowWhenOneCloses)
+{
+    OpenEditor stays (knobValues[1]);
+
+    {
+        OpenEditor goes (knobValues[3], 300);
+        ASSERT_TRUE (goes.comesToShow (3));
+    }
+
+    ASSERT_TRUE (stays.comesToShow (1));
+    stays.host->setParameter (knobValues[2]);
+    EXPECT_TRUE (stays.comesToShow (2));
+}
+
+TEST_F (EditorLife, LetsAudioAndAutomationGoOnUnderAnOpenWindow)
+{
+    OpenEditor editor;
+    editor.host->start (48000.0f);
+    const RunningAudio audio (*editor.host);
+
+    for (int i = 0; i < 200; ++i)
+    {
+        editor.host->setParameter (knobValues.at (static_cast<std::size_t> (1 + i % 3)));
+        editor.window.idle (std::chrono::milliseconds (5));
+    }
+
+    editor.host->setParameter (knobValues[1]);
+    EXPECT_TRUE (editor.comesToShow (1));
+    EXPECT_TRUE (audio.wasAlwaysWithinItsBounds());
+}
+} // namespace

@@ -24,10 +24,10 @@ build: configure
 demo: build
 	@scripts/demo
 
-# The pictures of the documents, of the library as built.
+# The pictures of the documents, of the library as built; in the letters that every machine has which was set up.
 screenshot: configure
 	@cmake --build --preset $(PRESET) --target Larkspire_VST larkspire-screenshot
-	@build/$(PRESET)/tools/larkspire-screenshot "$(LIBRARY)" docs
+	@JUCE_FONT_PATH=/usr/share/fonts/truetype/liberation2 build/$(PRESET)/tools/larkspire-screenshot "$(LIBRARY)" docs
 
 lint: configure
 	@cmake --build --preset $(PRESET) --target lint

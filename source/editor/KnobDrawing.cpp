@@ -68,7 +68,7 @@ void drawTicks (juce::Graphics& g, const juce::Slider& slider, const KnobGeometr
     const auto top = static_cast<float> (-(knob.radius - knob.thickness));
 
     // The slack lets the last tick land on 1 in spite of the sum's rounding.
-    for (float position = 0.0f; position <= 1.01f; position += step) // NOLINT(cert-flp30-c,bugprone-float-loop-counter)
+    for (float position = 0.0f; position <= 1.01f; position += step) // NOLINT(clang-analyzer-security.FloatLoopCounter)
     {
         // As wide as half of what its name says: the tick stands left of the axis, and is meant to.
         juce::Path tick;

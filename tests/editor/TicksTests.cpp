@@ -92,7 +92,7 @@ TEST_F (Ticks, AreBlackAndBroadFirstThenNarrowAndThin)
     EXPECT_EQ (at (182.0, angle, -2.8).getRed(), 0);
 
     drawTicksOnly (false);
-    EXPECT_NEAR (blackness(), 0.4 * 8.0 * 0x50 / 255.0, 0.3);
+    EXPECT_NEAR (blackness() * 255.0 / 0x50, 0.4 * 8.0, 0.5);
     EXPECT_EQ (at (182.0, angle, -1.6).getRed(), 255 - 0x50);
 }
 

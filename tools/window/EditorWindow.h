@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-struct _XDisplay; // the X library's own name for a connection
+struct _XDisplay; // NOLINT(bugprone-reserved-identifier): the X library's own name for a connection
 
 namespace larkspire::window
 {

@@ -1,6 +1,6 @@
 # What people type. The build itself is CMake's; see CMakePresets.json for other builds.
 .DEFAULT_GOAL := build
-.PHONY: setup configure build demo screenshot lint test install uninstall clean
+.PHONY: setup configure build demo screenshot lint test windows test-windows install uninstall clean
 
 PRESET := release
 LIBRARY := dist/linux/Quendal Larkspire.so
@@ -35,6 +35,19 @@ lint: configure
 test: configure
 	@cmake --build --preset $(PRESET) --target all lint
 	@ctest --preset $(PRESET) --parallel $(JOBS)
+
+# The Windows library, cross-built.
+windows:
+	@scripts/windows/setup
+	@cmake --preset windows >build-configure.log 2>&1 \
+		&& rm -f build-configure.log \
+		|| { cat build-configure.log; rm -f build-configure.log; exit 1; }
+	@cmake --build --preset windows --target Larkspire_VST larkspire-windows-host
+
+# Reads the Windows library's file and runs it under Wine, beside the Linux library.
+test-windows: windows configure
+	@cmake --build --preset $(PRESET) --target larkspire-windows-tests
+	@build/$(PRESET)/tests/windows/larkspire-windows-tests
 
 install:
 	@test -f "$(LIBRARY)" || { echo "install: there is no $(LIBRARY) yet; run make first" >&2; exit 1; }

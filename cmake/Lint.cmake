@@ -4,6 +4,11 @@ find_program (LARKSPIRE_CLANG_FORMAT clang-format)
 find_program (LARKSPIRE_CLANG_TIDY clang-tidy)
 
 function (larkspire_add_lint_targets)
+    # The same sources are checked where they are built for Linux.
+    if (WIN32)
+        return ()
+    endif ()
+
     if (NOT LARKSPIRE_CLANG_FORMAT OR NOT LARKSPIRE_CLANG_TIDY)
         message (STATUS "clang-format or clang-tidy is missing: there is no target lint")
         return ()

@@ -1,6 +1,10 @@
 # Warnings are errors in our own files, and only there: the framework's modules are compiled into the same targets, so
 # the flags go to sources, not to targets. The framework's headers are system headers (cmake/Juce.cmake).
-set (LARKSPIRE_STRICT_OPTIONS -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+if (MSVC)
+    set (LARKSPIRE_STRICT_OPTIONS /W4)
+else ()
+    set (LARKSPIRE_STRICT_OPTIONS -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+endif ()
 
 if (CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # GCC 12 sees overlaps in the standard library's own concatenation of texts; GCC 13 no longer does.

@@ -10,23 +10,24 @@ cmake_path (SET deps NORMALIZE "${CMAKE_CURRENT_LIST_DIR}/../../.deps/windows")
 set (LARKSPIRE_WINDOWS_DEPS "${deps}" CACHE PATH "What scripts/windows/setup has put there")
 list (APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES LARKSPIRE_WINDOWS_DEPS)
 
-find_program (windows_compiler ${CMAKE_CXX_COMPILER})
+find_program (windows_compiler ${CMAKE_CXX_COMPILER} NO_CMAKE_SYSTEM_PATH NO_CACHE)
 
+# An indented message stays one line.
 if (NOT windows_compiler)
-    message (FATAL_ERROR "There is no ${CMAKE_CXX_COMPILER}: install the package g++-mingw-w64-x86-64-posix")
+    message (FATAL_ERROR "  There is no ${CMAKE_CXX_COMPILER}: install the package g++-mingw-w64-x86-64-posix")
 endif ()
 
 set (windows_headers "${LARKSPIRE_WINDOWS_DEPS}/mingw/share/mingw-w64/include")
 set (windows_libraries "${LARKSPIRE_WINDOWS_DEPS}/mingw/x86_64-w64-mingw32/lib")
 set (newest_interface "")
 
-if (EXISTS "${windows_headers}/d2d1_3.h")
-    file (STRINGS "${windows_headers}/d2d1_3.h" newest_interface REGEX "ID2D1SpriteBatch" LIMIT_COUNT 1)
+if (EXISTS "${windows_headers}/uiautomationcore.h")
+    file (STRINGS "${windows_headers}/uiautomationcore.h" newest_interface REGEX "ISelectionProvider2" LIMIT_COUNT 1)
 endif ()
 
 if (NOT newest_interface)
-    message (FATAL_ERROR "The Windows headers in ${windows_headers} are missing or too old (no ID2D1SpriteBatch in d2d1_3.h): "
-        "run scripts/windows/setup, which takes the packages mingw-w64-common and mingw-w64-x86-64-dev, version 14 or later")
+    message (FATAL_ERROR "  The Windows headers in ${windows_headers} are missing or too old (no ISelectionProvider2 in uiautomationcore.h): "
+        "run scripts/windows/setup, which takes the packages mingw-w64-common and mingw-w64-x86-64-dev, version 14")
 endif ()
 
 # The compiler's own headers stay, in the order that it uses them itself; the system's are exchanged.

@@ -9,20 +9,11 @@ namespace larkspire
 namespace
 {
 const char* const sansSerifName = "Microsoft Sans Serif";
-
-bool isInstalled()
-{
-#if JUCE_WINDOWS
-    return true; // part of every Windows
-#else
-    return juce::Font::findAllTypefaceNames().contains (sansSerifName);
-#endif
-}
 } // namespace
 
 void nameDefaultSansSerif()
 {
-    if (isInstalled())
+    if (juce::Font::findAllTypefaceNames().contains (sansSerifName))
         juce::LookAndFeel::getDefaultLookAndFeel().setDefaultSansSerifTypefaceName (sansSerifName);
 }
 

@@ -9,6 +9,7 @@
 #include "chain/SoftClip.h"
 #include "chain/StereoFold.h"
 #include "editor/LarkspireAudioProcessorEditor.h"
+#include "editor/WineRendering.h"
 
 using namespace larkspire;
 
@@ -52,7 +53,9 @@ LarkspireAudioProcessor::~LarkspireAudioProcessor()
 
 juce::AudioProcessorEditor* LarkspireAudioProcessor::createEditor()
 {
-    return new LarkspireAudioProcessorEditor (this);
+    auto editor = std::make_unique<LarkspireAudioProcessorEditor> (this);
+    drawInSoftwareUnderWine (*editor);
+    return editor.release();
 }
 
 bool LarkspireAudioProcessor::isBusesLayoutSupported (const BusesLayout& layouts) const

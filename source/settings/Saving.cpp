@@ -29,8 +29,9 @@ String utcTimestamp()
     gmtime_r (&now, &utc);
 #endif
 
+    // Spelt out: not every C library of Windows knows the short forms %F and %T.
     char text[30] = {};
-    std::strftime (text, sizeof (text), "%FT%TZ", &utc);
+    std::strftime (text, sizeof (text), "%Y-%m-%dT%H:%M:%SZ", &utc);
     return text;
 }
 

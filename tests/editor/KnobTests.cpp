@@ -95,14 +95,23 @@ TEST_F (Knob, LetsItsOwnShadowFallDownwards)
     EXPECT_NEAR (at (168.0, upwards).getRed(), 0x21, 2);
 }
 
-TEST_F (Knob, FadesFromLightAboveToDarkBelow)
+TEST_F (Knob, FadesInCirclesFromALightPlaceAbove)
 {
     draw (0.0f);
 
-    for (const double part : { -0.6, -0.4, -0.2, 0.2, 0.4, 0.6, 0.75 })
+    // In parts of the radius: how far up, and how far to the right.
+    for (const auto& [up, right] : { std::pair { 0.6, 0.0 },
+                                     { 0.4, 0.0 },
+                                     { 0.2, 0.0 },
+                                     { -0.4, 0.0 },
+                                     { -0.75, 0.0 },
+                                     { 0.6, 0.5 },
+                                     { 0.6, -0.5 },
+                                     { 0.2, 0.7 } })
     {
-        const double expected = 0xa0 + (0x70 - 0xa0) * (part + 0.6) * 200.0 / (1.6 * 200.0 + 0.1);
-        EXPECT_NEAR (at (-part * 200.0, upwards).getRed(), expected, 2.0) << part;
+        const double distance = std::hypot (up - 0.6, right) * 200.0;
+        const double expected = 0xa0 + (0x70 - 0xa0) * distance / (1.6 * 200.0 + 0.1);
+        EXPECT_NEAR (at (up * 200.0, upwards, right * 200.0).getRed(), expected, 2.0) << up << ", " << right;
     }
 }
 

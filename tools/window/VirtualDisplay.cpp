@@ -20,13 +20,21 @@ namespace
 {
 constexpr const char* program = "Xvfb";
 
+/** A number far from those of real displays: the framework talks to display 0 where none is named, so that a program
+    beside this one must not find this server there and die when it ends. */
+std::string displayNumber()
+{
+    return std::to_string (1000 + getpid() % 50000);
+}
+
 /** In the child: becomes the server, which writes the number of its display to the descriptor. Does not return. */
-[[noreturn]] void becomeServer (int descriptor)
+[[noreturn]] void becomeServer (const std::string& display, int descriptor)
 {
     prctl (PR_SET_PDEATHSIG, SIGKILL);
     const auto number = std::to_string (descriptor);
     execlp (program,
             program,
+            display.c_str(),
             "-displayfd",
             number.c_str(),
             "-screen",
@@ -90,12 +98,13 @@ VirtualDisplay::VirtualDisplay()
     if (pipe (pipeEnds.data()) != 0)
         throw render::Failure (program, render::systemError (errno));
 
+    const auto display = ":" + displayNumber();
     server = fork();
 
     if (server == 0)
     {
         close (pipeEnds[0]);
-        becomeServer (pipeEnds[1]);
+        becomeServer (display, pipeEnds[1]);
     }
 
     close (pipeEnds[1]);

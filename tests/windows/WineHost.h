@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+/** The tests' own Windows host, run by Wine. */
+class WineHost
+{
+public:
+    /** What the host printed. */
+    struct Report
+    {
+        /** The value of the first line of that name; empty if there is none. */
+        std::string operator[] (const std::string& name) const;
+
+        /** All values of lines of that name. */
+        std::vector<std::string> all (const std::string& name) const;
+
+        std::vector<std::pair<std::string, std::string>> lines;
+    };
+
+    /** Runs a command of the host on the library that was built. Throws std::runtime_error, with what it wrote to
+       standard error, if it fails or takes longer than two minutes. */
+    static Report run (const std::string& command, const std::vector<std::string>& arguments = {});
+
+    static std::string libraryPath();
+    static std::string programPath();
+};

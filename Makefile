@@ -1,6 +1,6 @@
 # What people type. The build itself is CMake's; see CMakePresets.json for other builds.
 .DEFAULT_GOAL := build
-.PHONY: setup configure build demo lint test install uninstall clean
+.PHONY: setup configure build demo lint test exhaustive install uninstall clean
 
 PRESET := release
 LIBRARY := dist/linux/Quendal Larkspire.so
@@ -31,6 +31,11 @@ test: configure
 	@cmake --build --preset $(PRESET) --target all lint
 	@ctest --preset $(PRESET) --parallel $(JOBS)
 
+# Sine and arc tangent at every float there is: minutes, where the tests above take a sample near zero and far out.
+exhaustive: configure
+	@cmake --build --preset $(PRESET) --target larkspire-unit-tests
+	@LARKSPIRE_EVERY_FLOAT=1 build/$(PRESET)/tests/larkspire-unit-tests --gtest_filter='*Polynomial*'
+
 install:
 	@test -f "$(LIBRARY)" || { echo "install: there is no $(LIBRARY) yet; run make first" >&2; exit 1; }
 	@mkdir -p "$(INSTALL_FOLDER)"
@@ -38,7 +43,12 @@ install:
 	@mv "$(INSTALL_FOLDER)/.Quendal Larkspire.so.new" "$(INSTALL_FOLDER)/Quendal Larkspire.so"
 	@echo "installed $(INSTALL_FOLDER)/Quendal Larkspire.so"
 
-uninstall:
+un# Sine and arc tangent at every float there is: minutes, where the tests above take a sample near zero and far out.
+exhaustive: configure
+	@cmake --build --preset $(PRESET) --target larkspire-unit-tests
+	@LARKSPIRE_EVERY_FLOAT=1 build/$(PRESET)/tests/larkspire-unit-tests --gtest_filter='*Polynomial*'
+
+install:
 	@rm -f "$(INSTALL_FOLDER)/Quendal Larkspire.so"
 	@echo "removed $(INSTALL_FOLDER)/Quendal Larkspire.so"
 

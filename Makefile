@@ -1,6 +1,6 @@
 # What people type. The build itself is CMake's; see CMakePresets.json for other builds.
 .DEFAULT_GOAL := build
-.PHONY: setup configure build demo lint test exhaustive install uninstall clean
+.PHONY: setup configure build demo lint test exhaustive bench performance install uninstall clean
 
 PRESET := release
 LIBRARY := dist/linux/Quendal Larkspire.so
@@ -35,6 +35,17 @@ test: configure
 exhaustive: configure
 	@cmake --build --preset $(PRESET) --target larkspire-unit-tests
 	@LARKSPIRE_EVERY_FLOAT=1 build/$(PRESET)/tests/larkspire-unit-tests --gtest_filter='*Polynomial*'
+
+# What it costs, as a table and as build/$(PRESET)/performance.json; fails when a ratio is above its bound.
+bench: configure
+	@cmake --build --preset $(PRESET) --target larkspire-bench
+	@build/$(PRESET)/benchmarks/larkspire-bench --benchmark_out=build/$(PRESET)/performance.json
+
+# The same, and docs/performance.md written anew.
+performance: configure
+	@cmake --build --preset $(PRESET) --target larkspire-bench
+	@mkdir -p docs
+	@build/$(PRESET)/benchmarks/larkspire-bench --benchmark_out=build/$(PRESET)/performance.json --markdown=docs/performance.md
 
 install:
 	@test -f "$(LIBRARY)" || { echo "install: there is no $(LIBRARY) yet; run make first" >&2; exit 1; }

@@ -1,6 +1,7 @@
 # What people type. The build itself is CMake's; see CMakePresets.json for other builds.
 .DEFAULT_GOAL := build
-.PHONY: setup configure build demo screenshot lint test windows test-windows install uninstall clean
+.PHONY: setup configure build demo screenshot lint test exhaustive bench performance windows test-windows \
+	install uninstall clean
 
 PRESET := release
 LIBRARY := dist/linux/Quendal Larkspire.so
@@ -36,6 +37,22 @@ test: configure
 	@cmake --build --preset $(PRESET) --target all lint
 	@ctest --preset $(PRESET) --parallel $(JOBS)
 
+# Sine and arc tangent at every float there is: minutes, where the tests above take a sample near zero and far out.
+exhaustive: configure
+	@cmake --build --preset $(PRESET) --target larkspire-unit-tests
+	@LARKSPIRE_EVERY_FLOAT=1 build/$(PRESET)/tests/larkspire-unit-tests --gtest_filter='*Polynomial*'
+
+# What it costs, as a table and as build/$(PRESET)/performance.json; fails when a ratio is above its bound.
+bench: configure
+	@cmake --build --preset $(PRESET) --target larkspire-bench
+	@build/$(PRESET)/benchmarks/larkspire-bench --benchmark_out=build/$(PRESET)/performance.json
+
+# The same, and docs/performance.md written anew.
+performance: configure
+	@cmake --build --preset $(PRESET) --target larkspire-bench
+	@mkdir -p docs
+	@build/$(PRESET)/benchmarks/larkspire-bench --benchmark_out=build/$(PRESET)/performance.json --markdown=docs/performance.md
+
 # The Windows library, cross-built.
 windows:
 	@scripts/windows/setup
@@ -56,7 +73,12 @@ install:
 	@mv "$(INSTALL_FOLDER)/.Quendal Larkspire.so.new" "$(INSTALL_FOLDER)/Quendal Larkspire.so"
 	@echo "installed $(INSTALL_FOLDER)/Quendal Larkspire.so"
 
-uninstall:
+un# Sine and arc tangent at every float there is: minutes, where the tests above take a sample near zero and far out.
+exhaustive: configure
+	@cmake --build --preset $(PRESET) --target larkspire-unit-tests
+	@LARKSPIRE_EVERY_FLOAT=1 build/$(PRESET)/tests/larkspire-unit-tests --gtest_filter='*Polynomial*'
+
+install:
 	@rm -f "$(INSTALL_FOLDER)/Quendal Larkspire.so"
 	@echo "removed $(INSTALL_FOLDER)/Quendal Larkspire.so"
 

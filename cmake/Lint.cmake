@@ -17,7 +17,7 @@ function (larkspire_add_lint_targets)
     # For looking, not for building: a header that no list names must not escape the check.
     file (GLOB_RECURSE headers CONFIGURE_DEPENDS
         ${CMAKE_SOURCE_DIR}/source/*.h ${CMAKE_SOURCE_DIR}/tools/*.h ${CMAKE_SOURCE_DIR}/tests/*.h
-        ${CMAKE_SOURCE_DIR}/vst2/*.h)
+        ${CMAKE_SOURCE_DIR}/benchmarks/*.h ${CMAKE_SOURCE_DIR}/vst2/*.h)
     get_property (sources GLOBAL PROPERTY LARKSPIRE_OWN_SOURCES)
     list (REMOVE_DUPLICATES sources)
     set (stamps "")
@@ -35,9 +35,9 @@ function (larkspire_add_lint_targets)
     foreach (source IN LISTS sources)
         file (RELATIVE_PATH name "${CMAKE_SOURCE_DIR}" "${source}")
 
-        # The framework and the test macros together take clang-tidy most of a minute a file; tests have the compiler's
-        # warnings as errors and the format check.
-        if (name MATCHES "^tests/")
+        # The framework and the test macros together take clang-tidy most of a minute a file; tests and benchmarks have
+        # the compiler's warnings as errors and the format check.
+        if (name MATCHES "^(tests|benchmarks)/")
             continue ()
         endif ()
 

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include "chain/LaneConstants.h"
 #include "chain/LevelRider.h"
-#include "chain/StereoSample.h"
-
-#include <cmath>
 
 namespace larkspire
 {
@@ -14,36 +12,37 @@ namespace larkspire
 inline constexpr float expanderDecay = 0.9998f;
 inline constexpr float expanderFloor = 0.2f;
 
-/** Moves one channel's running gain by one sample.
+/** Moves the running gains by one sample.
 
-    Above the threshold the gain grows with the ratio of the sample to the threshold:
-    g = (|x / threshold| * attackRate + 1) * g, at most 1. Below, it decays to the floor.
+    Above the threshold a gain grows with the ratio of the sample to the threshold:
+    g = (|x / threshold| * attackRate + 1) * g, at most 1. Below, it decays to the floor, and what is no number becomes
+    the floor.
 */
-inline float expanderGain (const LevelRider& rider, float gain, float x)
+inline ChannelPair expanderGain (const LevelRider& rider, ChannelPair gain, ChannelPair x)
 {
-    if (std::abs (gain * x) > rider.threshold)
-    {
-        gain = (std::abs (x / rider.threshold) * rider.attackRate + 1.0f) * gain;
-    }
-    else
-    {
-        gain = gain * expanderDecay;
+    const ChannelPair threshold = everywhere (rider.threshold);
+    const PairMask above = magnitude (gain * x) > threshold;
+    const ChannelPair closed = greater (gain * lanes::expanderDecay, lanes::expanderFloor);
 
-        if (! (gain >= expanderFloor))
-            gain = expanderFloor;
-    }
+    // Between words neither channel is above, and in a word both gains are at 1 almost always. The processor sees these
+    // two coming and goes on before the division is done; with the choice below alone it waits for it at every sample.
+    if (inNeither (above))
+        return smaller (lanes::one, closed);
 
-    return gain > 1.0f ? 1.0f : gain;
+    const ChannelPair opened = (magnitude (x / threshold) * everywhere (rider.attackRate) + lanes::one) * gain;
+
+    if (inBoth (above & (opened > lanes::one)))
+        return lanes::one;
+
+    return smaller (lanes::one, above ? opened : closed);
 }
 
 /** Downward expander: opens quickly on a voice and closes slowly on the room. The channels are ridden separately. */
-inline StereoSample expand (LevelRider& rider, StereoSample input)
+inline ChannelPair expand (LevelRider& rider, ChannelPair input)
 {
-    rider.gainLeft = expanderGain (rider, rider.gainLeft, input.first);
-    rider.gainRight = expanderGain (rider, rider.gainRight, input.second);
-
-    return { appliedGain (rider, rider.gainLeft) * input.first * rider.outputGain,
-             appliedGain (rider, rider.gainRight) * input.second * rider.outputGain };
+    const ChannelPair gain = expanderGain (rider, runningGains (rider), input);
+    keepRunningGains (rider, gain);
+    return ride (rider, gain, input);
 }
 
 } // namespace larkspire

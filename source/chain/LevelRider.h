@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include "chain/ChannelPair.h"
+
 namespace larkspire
 {
 
@@ -19,10 +21,22 @@ struct LevelRider
 
 static_assert (sizeof (LevelRider) == 8 * sizeof (float));
 
-/** The gain that the channel is multiplied with, ahead of the make-up: running gain * gainScale + gainOffset. */
-inline float appliedGain (const LevelRider& rider, float runningGain)
+inline ChannelPair runningGains (const LevelRider& rider)
 {
-    return runningGain * rider.gainScale + rider.gainOffset;
+    return loadHalves (&rider.gainLeft, &rider.gainLeft);
+}
+
+inline void keepRunningGains (LevelRider& rider, ChannelPair gains)
+{
+    storeLowerHalf (gains, &rider.gainLeft);
+}
+
+/** The sample times its applied gain, which is running gain * gainScale + gainOffset, times the make-up. */
+inline ChannelPair ride (const LevelRider& rider, ChannelPair runningGain, ChannelPair sample)
+{
+    const auto settings = loadFour (&rider.releaseRate); // gainScale, gainOffset and outputGain stand behind it
+    return (runningGain * shuffled<1, 1, 1, 1> (settings) + shuffled<2, 2, 2, 2> (settings)) * sample
+           * shuffled<3, 3, 3, 3> (settings);
 }
 
 } // namespace larkspire

@@ -1,37 +1,39 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include "chain/LaneConstants.h"
 #include "chain/LevelRider.h"
-#include "chain/StereoSample.h"
-
-#include <cmath>
 
 namespace larkspire
 {
 
-/** Moves one channel's running gain by one sample.
+/** Moves the running gains by one sample.
 
-    Above the threshold the gain falls in proportion to the overshoot, without a floor:
+    Above the threshold a gain falls in proportion to the overshoot, without a floor:
     g = g / (|v / threshold| * attackRate + 1). Below, it returns: g = (1 - g) * releaseRate + g, at most 1.
 */
-inline float levellerGain (const LevelRider& rider, float gain, float v)
+inline ChannelPair levellerGain (const LevelRider& rider, ChannelPair gain, ChannelPair v)
 {
-    if (std::abs (gain * v) > rider.threshold)
-        return gain / (std::abs (v / rider.threshold) * rider.attackRate + 1.0f);
+    const ChannelPair threshold = everywhere (rider.threshold);
+    const PairMask above = magnitude (gain * v) > threshold;
+    const ChannelPair back = (lanes::one - gain) * everywhere (rider.releaseRate) + gain;
+    const ChannelPair returned = smaller (lanes::one, back);
 
-    gain = (1.0f - gain) * rider.releaseRate + gain;
-    return gain > 1.0f ? 1.0f : gain;
+    // Only peaks are above; where there is none, nothing waits for the divisions.
+    if (inNeither (above))
+        return returned;
+
+    const ChannelPair lowered = gain / (magnitude (v / threshold) * everywhere (rider.attackRate) + lanes::one);
+    return above ? lowered : returned;
 }
 
 /** Levelling compressor with make-up: pins the long-term peak at threshold * outputGain. The channels are ridden
     separately. */
-inline StereoSample level (LevelRider& rider, StereoSample input)
+inline ChannelPair level (LevelRider& rider, ChannelPair input)
 {
-    rider.gainLeft = levellerGain (rider, rider.gainLeft, input.first);
-    rider.gainRight = levellerGain (rider, rider.gainRight, input.second);
-
-    return { appliedGain (rider, rider.gainLeft) * input.first * rider.outputGain,
-             appliedGain (rider, rider.gainRight) * input.second * rider.outputGain };
+    const ChannelPair gain = levellerGain (rider, runningGains (rider), input);
+    keepRunningGains (rider, gain);
+    return ride (rider, gain, input);
 }
 
 } // namespace larkspire

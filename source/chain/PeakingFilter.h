@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "chain/StereoSample.h"
-
 namespace larkspire
 {
 
@@ -77,13 +75,6 @@ inline void process (PeakingFilter& filter, float& left, float& right)
     const float na2 = r * filter.a2;
     left = step (filter.left, nb0, nb1, nb2, na1, na2, left);
     right = step (filter.right, nb0, nb1, nb2, na1, na2, right);
-}
-
-/** The filter's answer to one sample, the sample itself left as it is: filters stand side by side with this. */
-inline StereoSample filtered (PeakingFilter& filter, StereoSample sample)
-{
-    process (filter, sample.first, sample.second);
-    return sample;
 }
 
 } // namespace larkspire

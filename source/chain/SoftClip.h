@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "chain/StereoSample.h"
-
-#include <cmath>
+#include "chain/LaneConstants.h"
+#include "chain/Sine.h"
 
 namespace larkspire
 {
@@ -15,21 +14,10 @@ inline constexpr float clipCeiling = 0.9885f;
 
     The output of a number lies within 0.9885 of zero; what is no number stays none.
 */
-inline float softClip (float w)
+inline ChannelPair softClip (ChannelPair w)
 {
-    if (w < -halfPi)
-        w = -halfPi;
-
-    if (w > halfPi)
-        w = halfPi;
-
-    return std::sin (w) * clipCeiling;
-}
-
-/** Both channels. */
-inline StereoSample softClip (StereoSample input)
-{
-    return { softClip (input.first), softClip (input.second) };
+    const ChannelPair limited = smaller (lanes::halfPi, greater (lanes::minusHalfPi, w));
+    return sineWithinQuarterTurn (limited) * lanes::clipCeiling;
 }
 
 } // namespace larkspire

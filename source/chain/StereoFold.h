@@ -1,20 +1,26 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "chain/StereoSample.h"
+#include "chain/LaneConstants.h"
 
 namespace larkspire
 {
 
+inline constexpr float foldScale = 0.75f;
+
 /** Narrows the image towards the middle and lifts it: each output is 1.125 of its own channel and 0.375 of the other.
 
+    side = (left - right) * 0.5, middle = right + left; left = (side + middle) * 0.75, right = (middle - side) * 0.75.
     A centred signal comes out 1.5 times as loud, one that is out of phase 0.75 times.
 */
-inline StereoSample foldTowardsMiddle (StereoSample input)
+inline ChannelPair foldTowardsMiddle (ChannelPair input)
 {
-    const float side = (input.first - input.second) * 0.5f;
-    const float middle = input.second + input.first;
-    return { (side + middle) * 0.75f, (middle - side) * 0.75f };
+    constexpr PairMask signOfRight { 0, INT32_MIN, 0, INT32_MIN };
+    const ChannelPair left = shuffled<0, 0, 2, 2> (input);
+    const ChannelPair right = shuffled<1, 1, 3, 3> (input);
+    const ChannelPair side = (left - right) * lanes::half;
+    const ChannelPair middle = right + left;
+    return (middle + turned (side, signOfRight)) * lanes::foldScale;
 }
 
 } // namespace larkspire

@@ -64,17 +64,6 @@ int AudioParameterFloatQuendal::getChoiceIndex (float position) const noexcept
     return truncateToInt (roundHalfAwayFromZero (static_cast<float> (numSteps - 1) * position));
 }
 
-bool AudioParameterFloatQuendal::hasChanged() noexcept
-{
-    const float current = get();
-
-    if (! (current < lastValue || current > lastValue))
-        return false;
-
-    lastValue = get(); // read again: the freshest value is the one that was seen
-    return true;
-}
-
 std::string AudioParameterFloatQuendal::valueToText (float position) const
 {
     if (displayMode != DisplayMode::Choices)

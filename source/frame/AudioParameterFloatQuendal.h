@@ -58,7 +58,16 @@ public:
 
     /** True once after every change of the value, and at the first call. For one watcher only, the audio thread; a
         value that is no number never counts as a change. */
-    bool hasChanged() noexcept;
+    bool hasChanged() noexcept
+    {
+        const float current = get();
+
+        if (! (current < lastValue || current > lastValue))
+            return false;
+
+        lastValue = get(); // read again: the freshest value is the one that was seen
+        return true;
+    }
 
     /** What a person reads at this value, as UTF-8. Allocates; not for the audio thread. */
     std::string valueToText (float position) const;

@@ -18,10 +18,9 @@ constexpr float lowestRightSample = -20.0f;
 /** Limits a sample to what the chain takes; what is no number becomes the lower bound. */
 float clampSample (float sample, float lowest) noexcept
 {
-    if (sample >= lowest)
-        return sample < highestSample ? sample : highestSample;
-
-    return lowest;
+    // Two instructions without a branch, in this form only: a comparison with what is no number fails.
+    const float raised = sample > lowest ? sample : lowest;
+    return raised < highestSample ? raised : highestSample;
 }
 } // namespace
 
@@ -46,12 +45,6 @@ void AudioProcessorQuendal::prepareToPlay (double, int maximumExpectedSamplesPer
 }
 
 void AudioProcessorQuendal::beginBlock (AudioBuffer<float>&, int) {}
-
-void AudioProcessorQuendal::requestUpdate() noexcept
-{
-    settingsDue.store (true, std::memory_order_relaxed);
-    samplesSinceChange.store (0, std::memory_order_relaxed);
-}
 
 int AudioProcessorQuendal::scaledSampleCount (int numSamples) const noexcept
 {

@@ -99,7 +99,11 @@ public:
 
 protected:
     /** Asks for updateSettings ahead of the next processed sample. Any thread. */
-    void requestUpdate() noexcept;
+    void requestUpdate() noexcept
+    {
+        settingsDue.store (true, std::memory_order_relaxed);
+        samplesSinceChange.store (0, std::memory_order_relaxed);
+    }
 
     /** Appends the program "Default" to an empty list. */
     void ensureDefaultProgram();

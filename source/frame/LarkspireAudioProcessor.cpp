@@ -6,6 +6,7 @@
 #include "chain/HighPass.h"
 #include "chain/Leveller.h"
 #include "chain/ModeTable.h"
+#include "chain/SideBySide.h"
 #include "chain/SoftClip.h"
 #include "chain/StereoFold.h"
 #include "editor/LarkspireAudioProcessorEditor.h"
@@ -86,18 +87,19 @@ void LarkspireAudioProcessor::updateSettings()
 
 std::pair<float, float> LarkspireAudioProcessor::processStereoSample (std::pair<float, float> input)
 {
-    if (modeParameter->hasChanged())
+    const auto pair = pairOf (input);
+
+    if (modeParameter->hasChanged()) [[unlikely]]
         requestUpdate();
 
     if (modeIndex == 0)
-        return input;
+        return sampleOf (pair);
 
-    const auto voice = highPass (highPassLeft, highPassRight, input);
+    const auto voice = highPass (highPassLeft, highPassRight, pair);
     const auto expanded = expand (*expander, voice);
     const auto folded = foldTowardsMiddle (expanded);
-    const auto air = filtered (*airFilter, folded);
-    const auto body = filtered (*bodyFilter, folded);
-    const auto coloured = addSaturatedAir (body, air, folded);
+    const auto filtered = filterSideBySide (*airFilter, *bodyFilter, folded);
+    const auto coloured = addSaturatedAir (upperHalf (filtered), lowerHalf (filtered), folded);
     const auto levelled = level (*leveller, coloured);
-    return softClip (levelled);
+    return sampleOf (softClip (levelled));
 }

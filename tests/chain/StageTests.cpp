@@ -26,6 +26,12 @@ LevelRider riderWith (const RiderSettings& settings, float gain)
     return rider;
 }
 
+/** The gain that a sample is multiplied with, ahead of the make-up. */
+float appliedGain (const LevelRider& rider, float runningGain)
+{
+    return runningGain * rider.gainScale + rider.gainOffset;
+}
+
 const auto& medium = modeForIndex (2);
 
 TEST (Expander, HasItsConstantsInSinglePrecision)
@@ -39,7 +45,7 @@ TEST (Expander, SinksToItsFloorInSilenceAndStaysThere)
     auto rider = riderWith (medium.expander, 1.0f);
 
     for (int i = 0; i < 20000; ++i)
-        expand (rider, { 0.0f, 0.0f });
+        expand (rider, pairOf ({ 0.0f, 0.0f }));
 
     EXPECT_EQ (rider.gainLeft, expanderFloor);
     EXPECT_EQ (rider.gainRight, expanderFloor);
@@ -51,14 +57,14 @@ TEST (Expander, FallsByTheFixedDecayWhateverTheReleaseRate)
     auto settings = medium.expander;
     settings.releaseRate = 0.5f;
     auto rider = riderWith (settings, 0.8f);
-    expand (rider, { 0.0f, 0.0f });
+    expand (rider, pairOf ({ 0.0f, 0.0f }));
     EXPECT_EQ (rider.gainLeft, 0.8f * 0.9998f);
 }
 
 TEST (Expander, OpensInProportionToTheRawSample)
 {
     auto rider = riderWith (medium.expander, 0.2f);
-    expand (rider, { 0.5f, 0.0f });
+    expand (rider, pairOf ({ 0.5f, 0.0f }));
     EXPECT_NEAR (rider.gainLeft / 0.2f, 1.0214f, 0.00005f);
     EXPECT_EQ (rider.gainLeft, (std::abs (0.5f / 0.00020000001f) * 8.565843e-06f + 1.0f) * 0.2f);
     EXPECT_LE (rider.gainRight, 0.2f) << "the other channel sees its own sample only";
@@ -68,13 +74,13 @@ TEST (Expander, ComparesTheSampleAfterTheGainAndStrictly)
 {
     auto rider = riderWith (medium.expander, 0.5f);
     rider.threshold = 0.25f;
-    expand (rider, { 0.5f, -0.5f }); // 0.5 * 0.5 is the threshold, not above it
+    expand (rider, pairOf ({ 0.5f, -0.5f })); // 0.5 * 0.5 is the threshold, not above it
     EXPECT_EQ (rider.gainLeft, 0.5f * 0.9998f);
     EXPECT_EQ (rider.gainRight, 0.5f * 0.9998f);
 
     rider = riderWith (medium.expander, 0.5f);
     rider.threshold = 0.25f;
-    expand (rider, { 0.51f, -0.51f });
+    expand (rider, pairOf ({ 0.51f, -0.51f }));
     EXPECT_GT (rider.gainLeft, 0.5f);
     EXPECT_EQ (rider.gainLeft, rider.gainRight);
 }
@@ -82,7 +88,7 @@ TEST (Expander, ComparesTheSampleAfterTheGainAndStrictly)
 TEST (Expander, NeverLeavesAboveOne)
 {
     auto rider = riderWith (medium.expander, 0.99f);
-    expand (rider, { 20.0f, -20.0f });
+    expand (rider, pairOf ({ 20.0f, -20.0f }));
     EXPECT_EQ (rider.gainLeft, 1.0f);
     EXPECT_EQ (rider.gainRight, 1.0f);
 }
@@ -90,7 +96,7 @@ TEST (Expander, NeverLeavesAboveOne)
 TEST (Expander, MakesAGainThatIsNoNumberTheFloor)
 {
     auto rider = riderWith (medium.expander, std::numeric_limits<float>::quiet_NaN());
-    expand (rider, { 0.0f, 0.0f });
+    expand (rider, pairOf ({ 0.0f, 0.0f }));
     EXPECT_EQ (rider.gainLeft, expanderFloor);
 }
 
@@ -104,7 +110,7 @@ TEST (Expander, AppliesScaleOffsetAndOutputGain)
                        .gainScale = 0.8f,
                        .gainOffset = 0.1f,
                        .outputGain = 3.0f };
-    const auto [left, right] = expand (rider, { 0.5f, 0.25f });
+    const auto [left, right] = sampleOf (expand (rider, pairOf ({ 0.5f, 0.25f })));
     EXPECT_EQ (left, ((0.5f * 0.9998f) * 0.8f + 0.1f) * 0.5f * 3.0f);
     EXPECT_EQ (right, ((0.25f * 0.9998f) * 0.8f + 0.1f) * 0.25f * 3.0f);
 }
@@ -115,36 +121,48 @@ TEST (Expander, FallsFourteenDecibelsInPowerful)
     EXPECT_NEAR (20.0f * std::log10 (appliedGain (rider, 0.2f)), -13.98f, 0.01f);
 }
 
+StereoSample folded (StereoSample sample)
+{
+    return sampleOf (foldTowardsMiddle (pairOf (sample)));
+}
+
 TEST (StereoFold, KeepsMoreOfItsOwnChannelThanOfTheOther)
 {
-    EXPECT_EQ (foldTowardsMiddle ({ 1.0f, 0.0f }), (StereoSample { 1.125f, 0.375f }));
-    EXPECT_EQ (foldTowardsMiddle ({ 0.0f, 1.0f }), (StereoSample { 0.375f, 1.125f }));
+    EXPECT_EQ (folded ({ 1.0f, 0.0f }), (StereoSample { 1.125f, 0.375f }));
+    EXPECT_EQ (folded ({ 0.0f, 1.0f }), (StereoSample { 0.375f, 1.125f }));
 }
 
 TEST (StereoFold, LiftsTheCentreAndLowersWhatIsOutOfPhase)
 {
-    EXPECT_EQ (foldTowardsMiddle ({ 0.5f, 0.5f }), (StereoSample { 0.75f, 0.75f }));
-    EXPECT_EQ (foldTowardsMiddle ({ 0.5f, -0.5f }), (StereoSample { 0.375f, -0.375f }));
+    EXPECT_EQ (folded ({ 0.5f, 0.5f }), (StereoSample { 0.75f, 0.75f }));
+    EXPECT_EQ (folded ({ 0.5f, -0.5f }), (StereoSample { 0.375f, -0.375f }));
+}
+
+StereoSample withAir (StereoSample body, StereoSample air, StereoSample dry)
+{
+    return sampleOf (addSaturatedAir (pairOf (body), pairOf (air), pairOf (dry)));
 }
 
 TEST (AirTerm, AddsTheSqueezedDifferenceToTheBody)
 {
-    EXPECT_EQ (addSaturatedAir (0.25f, 0.51f, 0.5f), std::atan ((0.51f - 0.5f) * 50.0f) * 0.02f + 0.25f);
-    const auto [left, right] = addSaturatedAir (StereoSample { 0.1f, 0.2f }, { 0.3f, 0.4f }, { 0.3f, 0.5f });
-    EXPECT_EQ (left, 0.1f);
-    EXPECT_EQ (right, std::atan ((0.4f - 0.5f) * 50.0f) * 0.02f + 0.2f);
+    const auto [left, right] = withAir ({ 0.1f, 0.2f }, { 0.3f, 0.4f }, { 0.3f, 0.5f });
+    EXPECT_EQ (left, 0.1f) << "nothing is added where the air filter adds nothing";
+    EXPECT_FLOAT_EQ (right, std::atan ((0.4f - 0.5f) * 50.0f) * 0.02f + 0.2f);
+    EXPECT_FLOAT_EQ (withAir ({ 0.25f, 0.0f }, { 0.51f, 0.0f }, { 0.5f, 0.0f }).first,
+                     std::atan ((0.51f - 0.5f) * 50.0f) * 0.02f + 0.25f);
 }
 
 TEST (AirTerm, IsBoundedWhateverTheDifference)
 {
-    EXPECT_NEAR (addSaturatedAir (0.0f, 1e6f, 0.0f), 0.0314f, 0.0001f);
-    EXPECT_NEAR (addSaturatedAir (0.0f, -1e6f, 0.0f), -0.0314f, 0.0001f);
+    const auto [left, right] = withAir ({ 0.0f, 0.0f }, { 1e6f, -1e6f }, { 0.0f, 0.0f });
+    EXPECT_NEAR (left, 0.0314f, 0.0001f);
+    EXPECT_NEAR (right, -0.0314f, 0.0001f);
 }
 
 TEST (Leveller, FallsInProportionToTheOvershoot)
 {
     auto rider = riderWith (medium.leveller, 0.5f);
-    level (rider, { 0.6f, 0.0f });
+    level (rider, pairOf ({ 0.6f, 0.0f }));
     EXPECT_EQ (rider.gainLeft, 0.5f / (std::abs (0.6f / 0.015f) * 0.00020838086f + 1.0f));
     EXPECT_GT (rider.gainRight, 0.5f) << "the other channel returns towards one";
 }
@@ -155,7 +173,7 @@ TEST (Leveller, HasNoFloor)
 
     // The gain falls while gain times sample exceeds the threshold, so a loud signal drives it to threshold / sample.
     for (int i = 0; i < 100000; ++i)
-        level (rider, { 20.0f, 20.0f });
+        level (rider, pairOf ({ 20.0f, 20.0f }));
 
     EXPECT_LT (rider.gainLeft, 0.001f);
     EXPECT_GT (rider.gainLeft, 0.0f);
@@ -164,11 +182,11 @@ TEST (Leveller, HasNoFloor)
 TEST (Leveller, ReturnsTowardsOneBelowTheThresholdAndStopsThere)
 {
     auto rider = riderWith (medium.leveller, 0.5f);
-    level (rider, { 0.0f, 0.0f });
+    level (rider, pairOf ({ 0.0f, 0.0f }));
     EXPECT_EQ (rider.gainLeft, (1.0f - 0.5f) * 1.5935553e-05f + 0.5f);
 
     for (int i = 0; i < 2000000; ++i)
-        level (rider, { 0.0f, 0.0f });
+        level (rider, pairOf ({ 0.0f, 0.0f }));
 
     EXPECT_GT (rider.gainLeft, 0.995f);
     EXPECT_LE (rider.gainLeft, 1.0f);
@@ -177,7 +195,7 @@ TEST (Leveller, ReturnsTowardsOneBelowTheThresholdAndStopsThere)
 TEST (Leveller, CutsAReturnAboveOne)
 {
     auto rider = riderWith (medium.leveller, 1.25f);
-    level (rider, { 0.0f, 0.0f });
+    level (rider, pairOf ({ 0.0f, 0.0f }));
     EXPECT_EQ (rider.gainLeft, 1.0f);
 }
 
@@ -185,7 +203,7 @@ TEST (Leveller, ComparesTheSampleAfterTheGainAndStrictly)
 {
     auto rider = riderWith (medium.leveller, 0.5f);
     rider.threshold = 0.25f;
-    level (rider, { 0.5f, -0.51f });
+    level (rider, pairOf ({ 0.5f, -0.51f }));
     EXPECT_GT (rider.gainLeft, 0.5f);
     EXPECT_LT (rider.gainRight, 0.5f);
 }
@@ -200,7 +218,7 @@ TEST (Leveller, PinsTheLongTermPeakInEveryMode)
         StereoSample out;
 
         for (int i = 0; i < 200000; ++i)
-            out = level (rider, { 0.5f, 0.5f });
+            out = sampleOf (level (rider, pairOf ({ 0.5f, 0.5f })));
 
         EXPECT_NEAR (out.first, pinned, pinned * 0.02f) << index;
     }
@@ -212,24 +230,31 @@ TEST (SoftClip, HasItsConstantsInSinglePrecision)
     EXPECT_EQ (clipCeiling, 0.9885f);
 }
 
+/** What the left channel becomes, the right one being silent. */
+float clipped (float w)
+{
+    return sampleOf (softClip (pairOf ({ w, 0.0f }))).first;
+}
+
 TEST (SoftClip, IsASineUpToAQuarterTurn)
 {
     for (const float w : { -1.5f, -0.3f, -1e-4f, 0.0f, 0.01f, 0.7f, 1.57f })
-        EXPECT_EQ (softClip (w), std::sin (w) * 0.9885f);
+        EXPECT_FLOAT_EQ (clipped (w), std::sin (w) * 0.9885f);
 }
 
 TEST (SoftClip, HoldsItsCeilingBeyond)
 {
     for (const float w : { 1.5707964f, 1.6f, 3.2f, 100.0f, std::numeric_limits<float>::infinity() })
     {
-        EXPECT_EQ (softClip (w), std::sin (1.5707964f) * 0.9885f) << w;
-        EXPECT_EQ (softClip (-w), -(std::sin (1.5707964f) * 0.9885f)) << w;
-        EXPECT_LE (std::abs (softClip (w)), 0.9885f);
+        EXPECT_EQ (clipped (w), clipped (1.5707964f)) << w;
+        EXPECT_EQ (clipped (-w), -clipped (1.5707964f)) << w;
+        EXPECT_FLOAT_EQ (clipped (w), 0.9885f) << w;
+        EXPECT_LE (std::abs (clipped (w)), 0.9885f) << w;
     }
 }
 
 TEST (SoftClip, LeavesWhatIsNoNumber)
 {
-    EXPECT_TRUE (std::isnan (softClip (std::numeric_limits<float>::quiet_NaN())));
+    EXPECT_TRUE (std::isnan (clipped (std::numeric_limits<float>::quiet_NaN())));
 }
 } // namespace

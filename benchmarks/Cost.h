@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+/** The counter under which every benchmark here gives its cost: seconds a frame, a call, or whatever its name says. */
+inline constexpr auto costCounter = "cost";
+
+/** Notes that each iteration did this many of what is counted. */
+inline void setUnitsPerIteration (benchmark::State& state, double units)
+{
+    state.counters[costCounter] =
+        benchmark::Counter (units, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}

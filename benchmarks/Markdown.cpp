@@ -1,0 +1,198 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#include "benchmarks/Markdown.h"
+
+#include "benchmarks/Bounds.h"
+
+#include <algorithm>
+#include <ctime>
+#include <fstream>
+#include <iomanip>
+#include <ostream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace
+{
+/** The processor, as the system names it. */
+std::string processorName()
+{
+    std::ifstream file ("/proc/cpuinfo");
+    std::string line;
+
+    while (std::getline (file, line))
+        if (line.starts_with ("model name"))
+            return line.substr (line.find (':') + 2);
+
+    return "unknown processor";
+}
+
+std::string today()
+{
+    const auto now = std::time (nullptr);
+    std::tm parts {};
+    gmtime_r (&now, &parts);
+    char text[16] = {};
+    std::strftime (text, sizeof (text), "%Y-%m-%d", &parts);
+    return text;
+}
+
+// Clang's version text begins with its name.
+#if defined(__clang__)
+constexpr auto compilerName = "compiled by";
+#else
+constexpr auto compilerName = "compiled by GCC";
+#endif
+
+/** The cost of a benchmark with its deviation, or a dash. */
+void writeCost (std::ostream& out, const Costs& costs, const std::string& name, double unit = 1.0)
+{
+    const auto found = costs.find (name);
+
+    if (found == costs.end())
+        out << " - |";
+    else
+        out << " " << found->second.median / unit << " ± " << found->second.deviation / unit << " |";
+}
+
+void writeBounds (std::ostream& out, const Costs& costs)
+{
+    out << "## What is promised\n\nRatios of medians of one run; `make bench` fails when one is broken.\n\n"
+           "| Ratio | Measured | At most |\n|---|---|---|\n";
+
+    for (const auto& bound : promisedBounds())
+        out << "| " << bound.what << " | " << ratioOf (costs, bound.name, bound.other) << " | " << bound.bound
+            << " |\n";
+}
+
+void writeFrames (std::ostream& out, const Costs& costs)
+{
+    const std::string sizes[] = { "16", "64", "256", "512", "1024", "4096" };
+    out << "\n## A frame\n\nNanoseconds a frame, through the library's own entry, by block size, on speech at 48 kHz; "
+           "the oracle is the plain\nscalar transcription that the tests compare the sound with.\n\n| Mode |";
+
+    for (const auto& size : sizes)
+        out << " " << size << " |";
+
+    out << " oracle |\n|---|---|---|---|---|---|---|---|\n";
+
+    for (const std::string layout : { "stereo", "mono" })
+        for (const std::string mode : { "bypass", "Gentle", "Medium", "Powerful", "no name" })
+        {
+            out << "| " << mode << ", " << layout << " |";
+
+            for (const auto& size : sizes)
+                writeCost (out, costs, "frame/" + mode + "/" + layout + "/" + size);
+
+            writeCost (out, costs, "oracle/" + mode + "/" + layout);
+            out << "\n";
+        }
+
+    out << "\nWhite noise in Medium, stereo, blocks of 512, by its peak level; the gains branch, so what comes in "
+           "counts:\n\n| Level | ns a frame |\n|---|---|\n";
+
+    for (const std::string level : { "0", "-20", "-40", "-60", "-74", "-90" })
+    {
+        out << "| " << level << " dB |";
+        writeCost (out, costs, "noise/" + level + " dB");
+        out << "\n";
+    }
+}
+
+void writeRecursions (std::ostream& out, const Costs& costs)
+{
+    double floor = 0;
+    out << "\n## The floor\n\nWhat a frame has to wait for of the frame before: each stage with a memory, alone.\n\n"
+           "| Stage | ns a frame |\n|---|---|\n";
+
+    for (const std::string stage : { "high-pass", "expander", "filters", "leveller" })
+    {
+        const auto name = "recursion/" + stage;
+        out << "| " << stage << " |";
+        writeCost (out, costs, name);
+        out << "\n";
+
+        if (const auto found = costs.find (name); found != costs.end())
+            floor = std::max (floor, found->second.median);
+    }
+
+    if (const auto medium = costs.find ("frame/Medium/stereo/512"); medium != costs.end() && floor > 0)
+        out << "\nMedium in stereo takes " << medium->second.median / floor << " times the longest of them.\n";
+}
+
+/** A table of one benchmark a line. */
+void writeList (std::ostream& out,
+                const Costs& costs,
+                const std::string& title,
+                const std::string& text,
+                const std::string& prefix,
+                const std::vector<std::string>& names,
+                const std::string& unitName,
+                double unit)
+{
+    out << "\n## " << title << "\n\n" << text << "\n\n| | " << unitName << " |\n|---|---|\n";
+
+    for (const auto& name : names)
+    {
+        out << "| " << name << " |";
+        writeCost (out, costs, prefix + name, unit);
+        out << "\n";
+    }
+}
+} // namespace
+
+void writeMarkdown (std::ostream& out, const Costs& costs)
+{
+    out << std::fixed << std::setprecision (2);
+    out << "# What it costs\n\nMeasured by `make performance` on " << today() << " on one core of " << processorName()
+        << " (" << std::thread::hardware_concurrency() << " cores, x86-64 baseline code,\n"
+        << compilerName << " " << __VERSION__
+        << "). Processor time: medians and standard deviations of nine repetitions that take\nturns.\n\n";
+    writeBounds (out, costs);
+    writeFrames (out, costs);
+    writeRecursions (out, costs);
+    writeList (out,
+               costs,
+               "Settings",
+               "One `updateSettings`: every 65536 samples and at a change of mode.",
+               "settings/",
+               { "bypass", "Gentle", "Medium", "Powerful" },
+               "ns",
+               1.0);
+    writeList (out,
+               costs,
+               "Instances",
+               "Making and closing one, with another one there.",
+               "instance/",
+               { "construction", "destruction" },
+               "µs",
+               1000.0);
+    writeList (out,
+               costs,
+               "Many instances",
+               "A frame's cost in Medium, stereo, as instances take turns at blocks of 256.",
+               "instances/",
+               { "1", "8", "64", "256", "512" },
+               "ns a frame",
+               1.0);
+    writeList (
+        out,
+        costs,
+        "The request flag",
+        "The block loop's flag and counter are relaxed atomics. The same loop with plain members, in the same run:",
+        "flags/",
+        { "empty hook, plain members",
+          "empty hook, relaxed atomics",
+          "the chain, plain members",
+          "the chain, relaxed atomics" },
+        "ns a frame",
+        1.0);
+    writeList (out,
+               costs,
+               "Silence",
+               "Medium, stereo, blocks of 512: a voice, and a second of silence from the middle of a word on.",
+               "silence/",
+               { "sound", "after sound" },
+               "ns a frame",
+               1.0);
+}

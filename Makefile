@@ -73,12 +73,7 @@ install:
 	@mv "$(INSTALL_FOLDER)/.Quendal Larkspire.so.new" "$(INSTALL_FOLDER)/Quendal Larkspire.so"
 	@echo "installed $(INSTALL_FOLDER)/Quendal Larkspire.so"
 
-un# Sine and arc tangent at every float there is: minutes, where the tests above take a sample near zero and far out.
-exhaustive: configure
-	@cmake --build --preset $(PRESET) --target larkspire-unit-tests
-	@LARKSPIRE_EVERY_FLOAT=1 build/$(PRESET)/tests/larkspire-unit-tests --gtest_filter='*Polynomial*'
-
-install:
+uninstall:
 	@rm -f "$(INSTALL_FOLDER)/Quendal Larkspire.so"
 	@echo "removed $(INSTALL_FOLDER)/Quendal Larkspire.so"
 

@@ -7,7 +7,8 @@ set (CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 # The sound is defined by 32-bit floats in a given order; a fused multiply-add or a reordered sum is another sound.
 if (MSVC)
-    add_compile_options (/fp:precise)
+    # The chain is written on vector types, which of the compilers with this command line clang-cl knows.
+    add_compile_options (/fp:precise $<$<CXX_COMPILER_ID:Clang>:/clang:-ffp-contract=off>)
     set (CMAKE_MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>") # the library carries its runtime inside
 else ()
     add_compile_options (-ffp-contract=off -fno-fast-math)

@@ -175,6 +175,14 @@ void writeMarkdown (std::ostream& out, const Costs& costs)
                { "1", "8", "64", "256", "512" },
                "ns a frame",
                1.0);
+    writeList (out,
+               costs,
+               "The window",
+               "Opening and closing it on an X server without a screen, and drawing all of it, three times a second.",
+               "editor/",
+               { "open and close", "repaint" },
+               "µs",
+               1000.0);
     writeList (
         out,
         costs,

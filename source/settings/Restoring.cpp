@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // Takes in what Saving.cpp has written, and what other versions and other hands have made of it.
 #include "frame/AudioProcessorQuendal.h"
+#include "settings/ParserGuard.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,10 +15,6 @@ namespace
 {
 /** "VC2!", which the framework's frame begins with. */
 constexpr uint32 magicNumber = 0x21324356;
-
-/** The framework's parser calls itself for every element inside an element. This many take 320 kB of the host's stack;
-    a document of ours has one. */
-constexpr int mostElements = 1000;
 
 /** The text in the frame of a state block, empty where there is no frame. What the frame claims beyond the end of the
     block is cut off, and a zero ends the text. */
@@ -74,22 +71,11 @@ String wellFormed (std::string text)
     return String::fromUTF8 (text.data(), static_cast<int> (text.size()));
 }
 
-/** Whether the framework's parser comes through a text unharmed. Documents as they are saved hold nothing of this. */
-bool canBeParsed (const String& text)
-{
-    const auto elements = std::count (text.begin(), text.end(), static_cast<juce_wchar> ('<'));
-
-    return elements <= mostElements
-           && ! text.containsIgnoreCase ("<!entity")  // an entity may be defined by itself, and is expanded for ever
-           && text.trimStart().lastIndexOf ("<?") < 1 // inside an element, ahead of text, it is read again and again
-           && ! text.contains ("&<");                 // what follows is parsed apart, and past its end
-}
-
 /** The settings document in a state block, or null if there is none. */
 std::unique_ptr<XmlElement> settingsFrom (const void* data, int sizeInBytes)
 {
     const auto text = wellFormed (textIn (data, sizeInBytes));
-    auto element = canBeParsed (text) ? parseXML (text) : nullptr;
+    auto element = larkspire::canBeParsed (text) ? parseXML (text) : nullptr;
     return element != nullptr && element->hasTagName ("settings") ? std::move (element) : nullptr;
 }
 

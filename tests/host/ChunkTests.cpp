@@ -109,7 +109,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P (Of,
                           Chunk,
                           testing::Bool(),
-                          [] (const auto& info) { return info.param ? "TheProgram" : "TheBank"; });
+                          [] (const auto& kind) { return kind.param ? "TheProgram" : "TheBank"; });
 
 TEST_P (Chunk, OfAFreshInstanceIsOneLineOfXmlInAFrame)
 {

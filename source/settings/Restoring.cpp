@@ -17,7 +17,7 @@ namespace
 constexpr uint32 magicNumber = 0x21324356;
 
 /** The text in the frame of a state block, empty where there is no frame. What the frame claims beyond the end of the
-    block is cut off, and a zero ends the text. */
+    block is cut off. */
 std::string textIn (const void* data, int sizeInBytes)
 {
     if (sizeInBytes <= 8 || ByteOrder::littleEndianInt (data) != magicNumber)
@@ -29,8 +29,7 @@ std::string textIn (const void* data, int sizeInBytes)
     if (claimed <= 0)
         return {};
 
-    const std::string text (bytes + 8, static_cast<std::size_t> (std::min (claimed, sizeInBytes - 8)));
-    return text.substr (0, text.find ('\0'));
+    return { bytes + 8, static_cast<std::size_t> (std::min (claimed, sizeInBytes - 8)) };
 }
 
 /** How many bytes the UTF-8 character at the start of a text takes, 0 where there is none. */

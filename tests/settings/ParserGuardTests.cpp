@@ -68,7 +68,9 @@ class HarmlessText : public GuardedText
 
 TEST_P (HarmlessText, IsTakenInAsTheParserTakesIt)
 {
-    ASSERT_NE (juce::parseXML (juce::String::fromUTF8 (GetParam().text.c_str())), nullptr);
+    ASSERT_NE (
+        juce::parseXML (juce::String::fromUTF8 (GetParam().text.data(), static_cast<int> (GetParam().text.size()))),
+        nullptr);
     EXPECT_EQ (processor.modeParameter->get(), 0.25f);
     EXPECT_FALSE (processor.settings.contains ("kept"));
 }
@@ -121,6 +123,8 @@ INSTANTIATE_TEST_SUITE_P (
                      Text { "brackets without end", "<settings a=\"" + times (5000, "<a>") + "\" mode=\"0.2500\"/>" },
                      Text { "another quote", "<settings a='\"' b=\"'\" mode='0.2500'/>" },
                      Text { "a number of a character without its end", "<settings a=\"&#x41 \" mode=\"0.2500\"/>" },
+                     Text { "a zero that half a number steps over",
+                            std::string ("<settings a=\"&#x") + '\0' + "\" mode=\"0.2500\"/>" },
                      Text { "a number of too many digits",
                             "<settings a=\"&#x123456789;&#1234567890123;\" mode=\"0.2500\"/>" },
                      Text { "no number of a character", "<settings a=\"&#;&#z;\" mode=\"0.2500\"/>" },

@@ -243,4 +243,14 @@ INSTANTIATE_TEST_SUITE_P (
                      Text { "half a character in text", "<settings>\xf0" },
                      Text { "half a character in a value", "<settings a=\"\xe4" },
                      Text { "half characters in a comment", "<!--" + times (1000, "\xf0") + "--><setting/>" }));
+
+TEST (ParserGuard, RefusesHalfANumberWhereOnlyOneZeroFollows)
+{
+    // The parser makes a text of its own of an entity's name, and what stands behind that text is anybody's.
+    for (const auto& content : { "&<b x='&#x41;", "&<b x='&#x;", "&<b>&#x;", "&<b>&#x4;" })
+        EXPECT_FALSE (larkspire::canBeParsed (holding (content))) << content;
+
+    for (const auto& content : { "&<b x='&#x4 ;", "&<b>&#x ;", "&b&#x;", "&<b>&#65;" })
+        EXPECT_TRUE (larkspire::canBeParsed (holding (content))) << content;
+}
 } // namespace

@@ -415,8 +415,7 @@ private:
         own. */
     bool referredToIsHarmless() const
     {
-        return ! (referredTo.startsWithChar ('<') && referredTo.length() > 1)
-               || Walk (referredTo.getCharPointer(), End::oneZero, depth).elements();
+        return ! referredTo.startsWithChar ('<') || Walk (referredTo.getCharPointer(), End::oneZero, depth).elements();
     }
 
     Position input;

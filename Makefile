@@ -55,7 +55,7 @@ fuzzer: setup
 fuzz: fuzzer
 	@scripts/fuzz build/asan $(FUZZ_SECONDS)
 
-# The tests of the classes and of the library on that same build, and the fuzzer for a moment. Takes 10 minutes.
+# The tests of the classes and of the library on that same build, and the fuzzer for a moment.
 sanitize: fuzzer
 	@cmake --build --preset asan --target larkspire-unit-tests larkspire-host-tests
 	@scripts/sanitize asan

@@ -1,7 +1,7 @@
 # What people type. The build itself is CMake's; see CMakePresets.json for other builds.
 .DEFAULT_GOAL := build
-.PHONY: setup configure build demo screenshot lint test exhaustive bench performance windows test-windows \
-	install uninstall clean
+.PHONY: setup configure build demo screenshot lint test fuzz fuzzer sanitize tsan exhaustive bench performance \
+	windows test-windows install uninstall clean
 
 PRESET := release
 LIBRARY := dist/linux/Quendal Larkspire.so
@@ -9,14 +9,24 @@ VST_PATH ?= $(HOME)/.vst
 # VST_PATH may be a list; the first folder of it is installed to.
 INSTALL_FOLDER := $(firstword $(subst :, ,$(VST_PATH)))
 JOBS := $(shell nproc)
+JUCE_OPTION := $(if $(LARKSPIRE_JUCE),-DLARKSPIRE_JUCE="$(LARKSPIRE_JUCE)")
+
+# How long `make fuzz` looks for harmful state blocks, and how long the tests do.
+FUZZ_SECONDS ?= 3600
+SHORT_FUZZ_SECONDS := 30
+
+# Configures the build folder of a preset, without a word unless it fails.
+define configure-preset
+	@cmake --preset $(1) $(JUCE_OPTION) >build-configure.log 2>&1 \
+		&& rm -f build-configure.log \
+		|| { cat build-configure.log; rm -f build-configure.log; exit 1; }
+endef
 
 setup:
 	@scripts/setup
 
 configure: setup
-	@cmake --preset $(PRESET) $(if $(LARKSPIRE_JUCE),-DLARKSPIRE_JUCE="$(LARKSPIRE_JUCE)") >build-configure.log 2>&1 \
-		&& rm -f build-configure.log \
-		|| { cat build-configure.log; rm -f build-configure.log; exit 1; }
+	$(call configure-preset,$(PRESET))
 
 # The library, the renderer and what the demo needs; tests are built by those who run them.
 build: configure
@@ -36,6 +46,27 @@ lint: configure
 test: configure
 	@cmake --build --preset $(PRESET) --target all lint
 	@ctest --preset $(PRESET) --parallel $(JOBS)
+	@$(MAKE) --no-print-directory fuzz FUZZ_SECONDS=$(SHORT_FUZZ_SECONDS)
+
+# Damaged state blocks without end, on a build with AddressSanitizer and UndefinedBehaviorSanitizer.
+fuzzer: setup
+	$(call configure-preset,asan)
+	@cmake --build --preset asan --target larkspire-fuzz-state
+
+fuzz: fuzzer
+	@scripts/fuzz build/asan $(FUZZ_SECONDS)
+
+# The tests of the classes and of the library on that same build, and the fuzzer for a moment.
+sanitize: fuzzer
+	@cmake --build --preset asan --target larkspire-unit-tests larkspire-host-tests
+	@scripts/sanitize asan
+	@scripts/fuzz build/asan $(SHORT_FUZZ_SECONDS)
+
+# The tests with threads, on a build with ThreadSanitizer.
+tsan: setup
+	$(call configure-preset,tsan)
+	@cmake --build --preset tsan --target larkspire-unit-tests larkspire-host-tests
+	@scripts/sanitize tsan '*Thread*:*WhileAudioRuns*:CallLog.*:LatencyNotice.*'
 
 # Sine and arc tangent at every float there is: minutes, where the tests above take a sample near zero and far out.
 exhaustive: configure
@@ -56,9 +87,7 @@ performance: configure
 # The Windows library, cross-built.
 windows:
 	@scripts/windows/setup
-	@cmake --preset windows >build-configure.log 2>&1 \
-		&& rm -f build-configure.log \
-		|| { cat build-configure.log; rm -f build-configure.log; exit 1; }
+	$(call configure-preset,windows)
 	@cmake --build --preset windows --target Larkspire_VST larkspire-windows-host
 
 # Reads the Windows library's file and runs it under Wine, beside the Linux library.

@@ -18,5 +18,14 @@ if (NOT EXISTS "${LARKSPIRE_VST2_SDK}/pluginterfaces/vst2.x/aeffectx.h")
 endif ()
 
 message (STATUS "JUCE ${juce_version} from ${LARKSPIRE_JUCE}")
+
+# The framework's helper program is built while configuring, by the compiler that the environment names. The system's own
+# serves in every build folder, so that the compiler cache has it after the first.
+set (larkspire_c_compiler "$ENV{CC}")
+set (larkspire_cxx_compiler "$ENV{CXX}")
+unset (ENV{CC})
+unset (ENV{CXX})
 add_subdirectory ("${LARKSPIRE_JUCE}" "${CMAKE_BINARY_DIR}/juce" EXCLUDE_FROM_ALL SYSTEM)
+set (ENV{CC} "${larkspire_c_compiler}")
+set (ENV{CXX} "${larkspire_cxx_compiler}")
 juce_set_vst2_sdk_path ("${LARKSPIRE_VST2_SDK}")

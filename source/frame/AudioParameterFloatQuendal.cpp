@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "frame/AudioParameterFloatQuendal.h"
 
+#include "frame/TruncateToInt.h"
 #include "settings/ValueTexts.h"
 
 #include <cmath>
-#include <limits>
 
 namespace juce
 {
@@ -27,13 +27,6 @@ float roundHalfAwayFromZero (float x) noexcept
         rounded += 1.0f;
 
     return std::copysign (rounded, x);
-}
-
-/** What the processor's own conversion gives: towards zero, and the smallest int for all that does not fit. */
-int truncateToInt (float x) noexcept
-{
-    constexpr float tooLarge = 2147483648.0f;
-    return x >= -tooLarge && x < tooLarge ? static_cast<int> (x) : std::numeric_limits<int>::min();
 }
 } // namespace
 

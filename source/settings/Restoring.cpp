@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // Takes in what Saving.cpp has written, and what other versions and other hands have made of it.
 #include "frame/AudioProcessorQuendal.h"
+#include "settings/ParserGuard.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,12 +16,8 @@ namespace
 /** "VC2!", which the framework's frame begins with. */
 constexpr uint32 magicNumber = 0x21324356;
 
-/** The framework's parser calls itself for every element inside an element. This many take 320 kB of the host's stack;
-    a document of ours has one. */
-constexpr int mostElements = 1000;
-
 /** The text in the frame of a state block, empty where there is no frame. What the frame claims beyond the end of the
-    block is cut off, and a zero ends the text. */
+    block is cut off. */
 std::string textIn (const void* data, int sizeInBytes)
 {
     if (sizeInBytes <= 8 || ByteOrder::littleEndianInt (data) != magicNumber)
@@ -32,8 +29,7 @@ std::string textIn (const void* data, int sizeInBytes)
     if (claimed <= 0)
         return {};
 
-    const std::string text (bytes + 8, static_cast<std::size_t> (std::min (claimed, sizeInBytes - 8)));
-    return text.substr (0, text.find ('\0'));
+    return { bytes + 8, static_cast<std::size_t> (std::min (claimed, sizeInBytes - 8)) };
 }
 
 /** How many bytes the UTF-8 character at the start of a text takes, 0 where there is none. */
@@ -74,22 +70,11 @@ String wellFormed (std::string text)
     return String::fromUTF8 (text.data(), static_cast<int> (text.size()));
 }
 
-/** Whether the framework's parser comes through a text unharmed. Documents as they are saved hold nothing of this. */
-bool canBeParsed (const String& text)
-{
-    const auto elements = std::count (text.begin(), text.end(), static_cast<juce_wchar> ('<'));
-
-    return elements <= mostElements
-           && ! text.containsIgnoreCase ("<!entity")  // an entity may be defined by itself, and is expanded for ever
-           && text.trimStart().lastIndexOf ("<?") < 1 // inside an element, ahead of text, it is read again and again
-           && ! text.contains ("&<");                 // what follows is parsed apart, and past its end
-}
-
 /** The settings document in a state block, or null if there is none. */
 std::unique_ptr<XmlElement> settingsFrom (const void* data, int sizeInBytes)
 {
     const auto text = wellFormed (textIn (data, sizeInBytes));
-    auto element = canBeParsed (text) ? parseXML (text) : nullptr;
+    auto element = larkspire::canBeParsed (text) ? parseXML (text) : nullptr;
     return element != nullptr && element->hasTagName ("settings") ? std::move (element) : nullptr;
 }
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The settings document that goes into the host's project.
 #include "frame/AudioProcessorQuendal.h"
+#include "frame/TruncateToInt.h"
 #include "settings/HostIdentity.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
-#include <limits>
 #include <sstream>
 
 namespace juce
@@ -41,13 +41,6 @@ String parameterText (float value)
     char text[30] = {};
     std::snprintf (text, sizeof (text), "%.4f", static_cast<double> (value));
     return text;
-}
-
-/** A whole number of Hz, cut towards zero. The smallest int stands for a rate that fits none. */
-int wholeRate (double rate)
-{
-    constexpr double tooLarge = 2147483648.0;
-    return rate > -tooLarge - 1.0 && rate < tooLarge ? static_cast<int> (rate) : std::numeric_limits<int>::min();
 }
 } // namespace
 
@@ -89,7 +82,7 @@ void AudioProcessorQuendal::getStateInformation (MemoryBlock& destData)
     setSetting ("pluginversion", String (settingsVersion));
     setSetting ("date_modified", utcTimestamp());
     setSetting ("daw", hostTail (larkspire::hostExecutablePath()));
-    setSetting ("samplerate", String (wholeRate (getSampleRate())));
+    setSetting ("samplerate", String (truncateToInt (getSampleRate())));
     setSetting ("username", larkspire::loginName());
 
     for (const auto* entry : getParameters())

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "settings/ValueTexts.h"
 
+#include "frame/TruncateToInt.h"
 #include "settings/DisplayMode.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <limits>
 #include <vector>
 
 namespace larkspire
@@ -40,13 +40,6 @@ std::string signedWhole (int number)
 std::string withUnit (const std::string& number, const std::string& unit)
 {
     return number + " " + unit;
-}
-
-/** What the processor's own conversion gives: towards zero, and the smallest int for all that does not fit. */
-int truncateToInt (double x) noexcept
-{
-    constexpr double tooLarge = 2147483648.0;
-    return x > -tooLarge - 1.0 && x < tooLarge ? static_cast<int> (x) : std::numeric_limits<int>::min();
 }
 
 /** Halves go away from zero. */

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "host/RawHost.h"
 
-#include <algorithm>
 #include <array>
 #include <dlfcn.h>
 #include <stdexcept>
@@ -105,21 +104,27 @@ void RawHost::process (std::vector<float>& left, std::vector<float>& right, std:
 
 std::vector<RawHost::Call> RawHost::takeCalls()
 {
-    const auto count = std::min (callCount.exchange (0), calls.size());
-    return { calls.begin(), calls.begin() + static_cast<std::ptrdiff_t> (count) };
+    return calls.takeAll();
+}
+
+std::string RawHost::chunk (bool ofProgram)
+{
+    void* data = nullptr;
+    const auto size = dispatch (Vst2::effGetChunk, ofProgram ? 1 : 0, 0, &data);
+    return { static_cast<const char*> (data), static_cast<std::size_t> (size) };
+}
+
+void RawHost::setChunk (const std::string& bytes, bool ofProgram)
+{
+    std::vector<char> copy (bytes.begin(), bytes.end());
+    dispatch (Vst2::effSetChunk, ofProgram ? 1 : 0, static_cast<Vst2::VstIntPtr> (copy.size()), copy.data());
 }
 
 Vst2::VstIntPtr VSTCALLBACK
 RawHost::answer (Vst2::AEffect* effect, Vst2::VstInt32 opcode, Vst2::VstInt32 index, Vst2::VstIntPtr, void*, float opt)
 {
     if (effect != nullptr && effect->user != nullptr)
-    {
-        auto& host = *static_cast<RawHost*> (effect->user);
-        const auto position = host.callCount.fetch_add (1);
-
-        if (position < host.calls.size())
-            host.calls[position] = { opcode, index, opt };
-    }
+        static_cast<RawHost*> (effect->user)->calls.append ({ opcode, index, opt });
 
     return opcode == Vst2::audioMasterVersion ? kVstVersion : 0;
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include "host/CallLog.h"
+
 #include <Vst2.h>
 
-#include <array>
-#include <atomic>
 #include <string>
 #include <vector>
 
@@ -79,8 +79,14 @@ public:
         float opt = 0.0f;
     };
 
-    /** All that the plug-in has sent since the last call of this, while nothing else runs. */
+    /** All that the plug-in has sent since the last call of this, from whatever thread. */
     std::vector<Call> takeCalls();
+
+    /** What effGetChunk gives: of the program or of the bank. */
+    std::string chunk (bool ofProgram = false);
+
+    /** Hands a copy of a chunk over that ends where the chunk ends, so that memory checkers see a read behind it. */
+    void setChunk (const std::string& bytes, bool ofProgram = false);
 
 private:
     static Vst2::VstIntPtr VSTCALLBACK answer (Vst2::AEffect* effect,
@@ -92,7 +98,5 @@ private:
 
     void* library = nullptr;
     Vst2::AEffect* instance = nullptr;
-    // Written by the audio thread and the message thread: neither locks nor allocates. Calls beyond are dropped.
-    std::array<Call, 4096> calls {};
-    std::atomic<std::size_t> callCount { 0 };
+    CallLog<Call, 4096> calls;
 };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frame/LarkspireAudioProcessor.h"
+#include "support/ChannelPointer.h"
 
 /** The plug-in's processor with its insides open to the tests. */
 class OpenProcessor : public LarkspireAudioProcessor
@@ -54,7 +55,7 @@ public:
     /** Runs one stereo block in place; both lists have the same length. */
     void run (std::vector<float>& left, std::vector<float>& right)
     {
-        float* channels[] = { left.data(), right.data() };
+        float* channels[] = { channelPointer (left), channelPointer (right) };
         juce::AudioBuffer<float> buffer (channels, 2, static_cast<int> (left.size()));
         juce::MidiBuffer midi;
         processBlock (buffer, midi);

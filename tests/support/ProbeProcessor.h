@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frame/AudioProcessorQuendal.h"
+#include "support/ChannelPointer.h"
 
 #include <functional>
 #include <stdexcept>
@@ -81,7 +82,7 @@ public:
         std::vector<float*> pointers (channels.size());
 
         for (std::size_t i = 0; i < channels.size(); ++i)
-            pointers[i] = channels[i].data();
+            pointers[i] = channelPointer (channels[i]);
 
         juce::AudioBuffer<float> buffer (
             pointers.data(), static_cast<int> (channels.size()), static_cast<int> (channels.front().size()));

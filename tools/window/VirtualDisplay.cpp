@@ -117,13 +117,16 @@ VirtualDisplay::VirtualDisplay()
     if (number.empty())
         throw render::Failure (program, "does not start; is the package xvfb installed?");
 
+    if (const auto* before = std::getenv ("DISPLAY")) // NOLINT(concurrency-mt-unsafe)
+        displayBefore = before;
+
     setenv ("DISPLAY", (":" + number).c_str(), 1); // NOLINT(concurrency-mt-unsafe)
     introduceNames();
 }
 
 VirtualDisplay::~VirtualDisplay()
 {
-    unsetenv ("DISPLAY"); // NOLINT(concurrency-mt-unsafe)
+    setenv ("DISPLAY", displayBefore.c_str(), 1); // NOLINT(concurrency-mt-unsafe)
     kill (server, SIGTERM);
     waitpid (server, nullptr, 0);
 }

@@ -24,6 +24,7 @@ public:
 
 private:
     pid_t server = -1;
+    std::string displayBefore; // what DISPLAY was, and is again afterwards
 };
 
 } // namespace larkspire::window

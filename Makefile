@@ -58,15 +58,15 @@ fuzz: fuzzer
 
 # The tests of the classes and of the library on that same build, and the fuzzer for a moment.
 sanitize: fuzzer
-	@cmake --build --preset asan --target larkspire-unit-tests larkspire-host-tests
+	@cmake --build --preset asan --target larkspire-unit-tests larkspire-host-tests larkspire-editor-host-tests
 	@scripts/sanitize asan
 	@scripts/fuzz build/asan $(SHORT_FUZZ_SECONDS)
 
 # The tests with threads, on a build with ThreadSanitizer.
 tsan: setup
 	$(call configure-preset,tsan)
-	@cmake --build --preset tsan --target larkspire-unit-tests larkspire-host-tests
-	@scripts/sanitize tsan '*Thread*:*WhileAudioRuns*:CallLog.*:LatencyNotice.*'
+	@cmake --build --preset tsan --target larkspire-unit-tests larkspire-host-tests larkspire-editor-host-tests
+	@scripts/sanitize tsan '*Thread*:*WhileAudioRuns*:CallLog.*:LatencyNotice.*:EditorLife.*'
 
 # Sine and arc tangent at every float there is: minutes, where the tests above take a sample near zero and far out.
 exhaustive: configure

@@ -37,9 +37,9 @@ Vst2::VstIntPtr answerWithText (void* destination, const char* text)
 }
 } // namespace
 
-void HostedPlugin::Close::operator() (Vst2::AEffect* effect) const
+void HostedPlugin::Close::operator() (Vst2::AEffect* instance) const
 {
-    effect->dispatcher (effect, Vst2::effClose, 0, 0, nullptr, 0.0f);
+    instance->dispatcher (instance, Vst2::effClose, 0, 0, nullptr, 0.0f);
 }
 
 HostedPlugin::HostedPlugin (const PluginLibrary& library, const PluginSetup& setup)

@@ -39,9 +39,9 @@ answerWhileChecking (Vst2::AEffect*, Vst2::VstInt32 opcode, Vst2::VstInt32, Vst2
 }
 } // namespace
 
-void PluginLibrary::Unload::operator() (void* handle) const noexcept
+void PluginLibrary::Unload::operator() (void* library) const noexcept
 {
-    dlclose (handle);
+    dlclose (library);
 }
 
 PluginLibrary::PluginLibrary (const std::filesystem::path& path) : libraryPath (path)

@@ -94,7 +94,7 @@ void Mouse::turnWheel (int notches)
 
 void Mouse::key (Key key, bool down)
 {
-    const auto symbol = key == Key::alt ? XK_Alt_L : XK_Control_L;
+    const KeySym symbol = key == Key::alt ? XK_Alt_L : XK_Control_L;
     (key == Key::alt ? altIsDown : controlIsDown) = down;
     XTestFakeKeyEvent (
         window.connection(), XKeysymToKeycode (window.connection(), symbol), down ? True : False, CurrentTime);

@@ -66,7 +66,7 @@ sanitize: fuzzer
 tsan: setup
 	$(call configure-preset,tsan)
 	@cmake --build --preset tsan --target larkspire-unit-tests larkspire-host-tests larkspire-editor-host-tests
-	@scripts/sanitize tsan '*Thread*:*WhileAudioRuns*:CallLog.*:LatencyNotice.*:EditorLife.*'
+	@scripts/sanitize tsan '*Thread*:*WhileAudioRuns*:CallLog.*:LatencyNotice.*:EditorLife.*Audio*'
 
 # Sine and arc tangent at every float there is: minutes, where the tests above take a sample near zero and far out.
 exhaustive: configure

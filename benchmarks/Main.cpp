@@ -36,6 +36,7 @@ int main (int argc, char** argv)
                     "--benchmark_report_aggregates_only=true" });
 
     std::vector<char*> pointers;
+    pointers.reserve (words.size());
 
     for (auto& word : words)
         pointers.push_back (word.data());

@@ -25,10 +25,11 @@ struct ToldHost : juce::AudioProcessorListener
 
 class Editor : public testing::Test
 {
-protected:
+public:
     Editor() { processor.addListener (&host); }
     ~Editor() override { processor.removeListener (&host); }
 
+protected:
     juce::AudioParameterFloatQuendal& mode() { return *processor.modeParameter; }
 
     GuiTest gui;

@@ -49,6 +49,7 @@ TEST (CallLog, LosesNothingOfThreadsThatAppendWhileItIsTaken)
     CallLog<Entry, 64> log;
     std::atomic<int> running { threadCount };
     std::vector<std::thread> threads;
+    threads.reserve (threadCount);
 
     for (int thread = 0; thread < threadCount; ++thread)
         threads.emplace_back (

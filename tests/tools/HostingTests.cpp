@@ -29,7 +29,8 @@ protected:
     {
         further.insert (further.end(),
                         { "--plugin", LARKSPIRE_STAND_IN_PATH, folder / "voice.wav", "-o", folder / "result.wav" });
-        outcome = run (Call { .arguments = further, .environment = { { "LARKSPIRE_STAND_IN_LOG", folder / "log" } } });
+        outcome = run (
+            Call { .arguments = std::move (further), .environment = { { "LARKSPIRE_STAND_IN_LOG", folder / "log" } } });
         return linesOf (bytesOf (folder / "log"));
     }
 

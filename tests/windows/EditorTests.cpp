@@ -24,7 +24,7 @@ Picture readPpm (const std::string& path)
     Picture picture;
     file >> magic >> picture.width >> picture.height >> depth;
     file.get();
-    picture.pixels.resize (static_cast<std::size_t> (picture.width * picture.height));
+    picture.pixels.resize (static_cast<std::size_t> (picture.width) * static_cast<std::size_t> (picture.height));
     file.read (reinterpret_cast<char*> (picture.pixels.data()),
                static_cast<std::streamsize> (picture.pixels.size() * 3));
     EXPECT_TRUE (file.good() && magic == "P6");

@@ -3,16 +3,14 @@
 
 #include "host/RawHost.h"
 #include "host/editor/Mouse.h"
+#include "support/Panel.h"
 #include "window/EditorWindow.h"
 #include "window/VirtualDisplay.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cmath>
 #include <memory>
-#include <numbers>
-#include <optional>
 
 /** The four positions of the knob, as values of the parameter. */
 inline constexpr std::array<float, 4> knobValues { 0.0f, 1.0f / 9.0f, 2.0f / 9.0f, 3.0f / 9.0f };
@@ -20,31 +18,6 @@ inline constexpr std::array<float, 4> knobValues { 0.0f, 1.0f / 9.0f, 2.0f / 9.0
 /** Where the knob's centre stands in the window, in pixels. */
 inline constexpr int knobX = 125;
 inline constexpr int knobY = 120;
-
-/** The position that the knob's pointer shows in a picture of the window: at each position's angle the middle of the
-    pointer is light if it is there and the knob's grey if it is not. None if not exactly one is light. */
-inline std::optional<int> shownPosition (const larkspire::window::Picture& picture)
-{
-    std::optional<int> shown;
-
-    for (int position = 0; position < 4; ++position)
-    {
-        // From seven o'clock to five, clockwise; 20 pixels from the centre the pointer is at its middle.
-        const double angle = std::numbers::pi * (1.2 + 1.6 * position / 3.0);
-        const auto x = static_cast<int> (125.0 + 20.0 * std::sin (angle));
-        const auto y = static_cast<int> (120.5 - 20.0 * std::cos (angle));
-
-        if (picture.at (x, y).red < 0xd0)
-            continue;
-
-        if (shown)
-            return std::nullopt;
-
-        shown = position;
-    }
-
-    return shown;
-}
 
 /** An instance of the built library with its editor open in a window, on a display of the test's own. */
 class OpenEditor

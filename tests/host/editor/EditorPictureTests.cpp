@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // What the window looks like, and in which letters.
+#include "support/Panel.h"
 #include "tools/TemporaryFolder.h"
 #include "window/Picture.h"
 
@@ -40,28 +41,6 @@ public:
 private:
     TemporaryFolder folder;
 };
-
-/** How many pixels of a rectangle are lighter than what is behind the letters. */
-int lightPixels (const Picture& picture, int left, int top, int right, int bottom, int background)
-{
-    int count = 0;
-
-    for (int y = top; y < bottom; ++y)
-        for (int x = left; x < right; ++x)
-            if (picture.at (x, y).red > background + 0x18)
-                ++count;
-
-    return count;
-}
-
-/** Each of the four texts stands in its place. */
-void expectAllTexts (const Picture& picture)
-{
-    EXPECT_GT (lightPixels (picture, 0, 5, 250, 30, 0x00), 200) << "title";
-    EXPECT_GT (lightPixels (picture, 90, 50, 160, 67, 0x30), 60) << "Amount";
-    EXPECT_GT (lightPixels (picture, 90, 164, 160, 182, 0x30), 60) << "mode";
-    EXPECT_GT (lightPixels (picture, 180, 230, 246, 250, 0x30), 60) << "version";
-}
 
 int channelDifference (Colour a, Colour b)
 {

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <complex>
 #include <cstring>
+#include <limits>
 #include <random>
 
 namespace
@@ -108,6 +109,21 @@ TEST (PeakingDesign, CapsAlpha)
     EXPECT_EQ (wide.a0, 1.0f + 1.5f / amplitude);
     const auto narrow = designed ({ 96000.0f, 12.0f, 15000.0f, 1.8f });
     EXPECT_LT (narrow.a0, wide.a0);
+}
+
+// At 0 Hz the bandwidth's term is 0 / 0, and what is no number anyway stays none on the way.
+TEST (PeakingDesign, TakesTheCapForAnAlphaThatIsNoNumber)
+{
+    const float amplitude = std::pow (10.0f, 6.0f * 0.025f);
+
+    for (const float bandwidth : { 1.0f, std::numeric_limits<float>::quiet_NaN() })
+    {
+        const auto filter = designed ({ 48000.0f, 6.0f, 0.0f, bandwidth });
+        EXPECT_EQ (filter.b0, 1.0f + 1.5f * amplitude);
+        EXPECT_EQ (filter.b2, 1.0f - 1.5f * amplitude);
+        EXPECT_EQ (filter.a0, 1.0f + 1.5f / amplitude);
+        EXPECT_EQ (filter.a2, 1.0f - 1.5f / amplitude);
+    }
 }
 
 TEST (PeakingDesign, HasTheAskedGainAtItsCentre)

@@ -1,7 +1,7 @@
 # What people type. The build itself is CMake's; see CMakePresets.json for other builds.
 .DEFAULT_GOAL := build
 .PHONY: setup configure build demo screenshot lint test fuzz fuzzer sanitize tsan exhaustive bench performance \
-	windows test-windows install uninstall clean
+	test-hosts windows test-windows install uninstall clean
 
 PRESET := release
 LIBRARY := dist/linux/Quendal Larkspire.so
@@ -83,6 +83,13 @@ performance: configure
 	@cmake --build --preset $(PRESET) --target larkspire-bench
 	@mkdir -p docs
 	@build/$(PRESET)/benchmarks/larkspire-bench --benchmark_out=build/$(PRESET)/performance.json --markdown=docs/performance.md
+
+# The library in a DAW as Debian packages it, without a window.
+test-hosts:
+	@scripts/setup scripts/hosts/packages.txt
+	$(call configure-preset,$(PRESET))
+	@cmake --build --preset $(PRESET) --target larkspire-hosts-tests
+	@build/$(PRESET)/tests/hosts/larkspire-hosts-tests
 
 # The Windows library, cross-built.
 windows:

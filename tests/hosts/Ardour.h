@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include "tools/TemporaryFolder.h"
+
+#include <string>
+#include <vector>
+
+/** The DAW Ardour without a window, in a home folder of its own that holds a copy of the library. Each call runs a
+    program of Ardour's and throws std::runtime_error, with what it wrote, if it fails or takes longer than a minute. */
+class Ardour
+{
+public:
+    /** Installs the library for it and lets it scan that. */
+    Ardour();
+
+    /** What a scan of the library writes. */
+    std::string scan() const;
+
+    /** What is put on the one track of a session, at 48 kHz. */
+    struct Track
+    {
+        std::vector<std::vector<float>> channels; // of equal length
+        float parameter = 0.0f;                   // of the plug-in
+        bool active = true;                       // the plug-in
+    };
+
+    /** Makes a session of this name with the plug-in on its track, and saves it. */
+    void makeSession (const std::string& name, const Track& track) const;
+
+    /** The session as it was saved. */
+    std::string sessionPath (const std::string& name) const;
+
+    /** Opens the session and gives what it says of the plug-in: lines of a name, a colon and a value. */
+    std::string openSession (const std::string& name) const;
+
+    /** Opens the session and exports it, which gives the channels of its main output. On a busy machine Ardour 7.3
+        corrupts its memory in about one export of ten, without any plug-in too: it aborts, or blocks of garbage
+        are in the file. So an export counts when a second one has the same samples. */
+    std::vector<std::vector<float>> exportSession (const std::string& name) const;
+
+private:
+    std::vector<std::vector<float>> exportOnce (const std::string& name) const;
+    std::string run (const std::vector<std::string>& command) const;
+    std::string libraryPath() const { return folder / "vst/Quendal Larkspire.so"; }
+
+    TemporaryFolder folder;
+};

@@ -276,4 +276,24 @@ TEST (HighPass, IsTheFrameworksToTheBitOnAnyFloats)
 {
     expectTheFrameworksOwnBits (&Samples::next);
 }
+
+// Silence comes out as the memory alone, here on either side of what the framework snaps to zero and right upon it.
+TEST (HighPass, SnapsToZeroWhereTheFrameworkDoes)
+{
+    const float limit = 1.0e-8f;
+
+    for (const float memory : { limit, std::nextafter (limit, 1.0f), std::nextafter (limit, 0.0f) })
+        for (const float sign : { 1.0f, -1.0f })
+        {
+            OpenHighPass filter;
+            OpenHighPass wanted;
+            designHighPass (filter, wanted, 48000.0, modeForIndex (2).highPass);
+            filter.v1 = wanted.v1 = sign * memory;
+            OpenHighPass other;
+            designHighPass (other, other, 48000.0, modeForIndex (2).highPass);
+            const auto [left, right] = sampleOf (highPass (filter, other, pairOf ({ 0.0f, 0.0f })));
+            EXPECT_EQ (bits (left), bits (wanted.processSingleSampleRaw (0.0f))) << sign * memory;
+            EXPECT_EQ (right, 0.0f);
+        }
+}
 } // namespace

@@ -143,6 +143,12 @@ StereoSample withAir (StereoSample body, StereoSample air, StereoSample dry)
     return sampleOf (addSaturatedAir (pairOf (body), pairOf (air), pairOf (dry)));
 }
 
+TEST (AirTerm, HasItsConstantsInSinglePrecision)
+{
+    EXPECT_EQ (airDrive, 50.0f);
+    EXPECT_EQ (airLevel, 0.02f);
+}
+
 TEST (AirTerm, AddsTheSqueezedDifferenceToTheBody)
 {
     const auto [left, right] = withAir ({ 0.1f, 0.2f }, { 0.3f, 0.4f }, { 0.3f, 0.5f });

@@ -72,8 +72,9 @@ void Ardour::makeSession (const std::string& name, const Track& track) const
 {
     std::array<char, 32> value {};
     std::snprintf (value.data(), value.size(), "%.9g", static_cast<double> (track.parameter));
+    const std::string script = LARKSPIRE_HOST_SCRIPTS "/make-session.lua";
     run ({ "ardour7-lua",
-           LARKSPIRE_HOST_SCRIPTS "/make-session.lua",
+           script,
            folder / name,
            std::to_string (track.channels.size()),
            value.data(),

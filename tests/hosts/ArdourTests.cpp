@@ -29,8 +29,8 @@ float position (int index)
 
 using Channels = std::vector<std::vector<float>>;
 
-constexpr std::size_t block = 1024;       // frames that Ardour processes at a time
-constexpr std::size_t leadIn = 2 * 48000; // frames that an export runs ahead of its start
+constexpr std::size_t block = 1024;   // frames that Ardour processes at a time
+constexpr std::size_t leadIn = 96000; // frames that an export runs ahead of its start, two seconds
 
 /** What the library makes of two channels when it is called directly, after that many frames of silence. */
 Channels processed (Channels channels, int index, std::size_t silence = leadIn)

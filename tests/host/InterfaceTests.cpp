@@ -43,6 +43,17 @@ TEST (Interface, GivesNoInstanceToAHostWithoutAVersion)
     EXPECT_EQ (RawHost::entryPoint (RawHost::pluginPath()) (mute), nullptr);
 }
 
+// Hosts send numbers; a wrong one in our header would be wrong on both sides of every other test.
+TEST (Interface, UsesTheNumbersThatHostsUse)
+{
+    EXPECT_EQ (static_cast<int> (Vst2::effSetBypass), 44);
+    EXPECT_EQ (static_cast<int> (Vst2::effGetChunk), 23);
+    EXPECT_EQ (static_cast<int> (Vst2::effSetChunk), 24);
+    EXPECT_EQ (static_cast<int> (Vst2::effSetSpeakerArrangement), 42);
+    EXPECT_EQ (static_cast<int> (Vst2::audioMasterAutomate), 0);
+    EXPECT_EQ (static_cast<int> (Vst2::audioMasterIOChanged), 13);
+}
+
 TEST (Interface, NamesItsOneParameter)
 {
     RawHost host;

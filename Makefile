@@ -1,7 +1,7 @@
 # What people type. The build itself is CMake's; see CMakePresets.json for other builds.
 .DEFAULT_GOAL := build
 .PHONY: setup configure build demo screenshot lint test fuzz fuzzer sanitize tsan exhaustive bench performance \
-	test-hosts windows test-windows install uninstall clean
+	test-hosts windows test-windows package install uninstall clean
 
 PRESET := release
 LIBRARY := dist/linux/Quendal Larkspire.so
@@ -101,6 +101,11 @@ windows:
 test-windows: windows configure
 	@cmake --build --preset $(PRESET) --target larkspire-windows-tests
 	@build/$(PRESET)/tests/windows/larkspire-windows-tests
+
+# The packages for Debian, for other Linux systems and for Windows, in dist/packages/.
+package: build windows
+	@scripts/setup scripts/packaging/packages.txt
+	@scripts/packaging/package
 
 install:
 	@test -f "$(LIBRARY)" || { echo "install: there is no $(LIBRARY) yet; run make first" >&2; exit 1; }

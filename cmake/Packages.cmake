@@ -1,0 +1,46 @@
+# What the packages hold, one install component a package: debian, portable (other Linux systems) and windows. Nothing of
+# it is installed by a plain cmake --install; scripts/packaging/package makes the packages.
+set (LARKSPIRE_MAINTAINER "Quendal <maintainers@quendal.invalid>" CACHE STRING
+    "Who answers for the Debian package, as name and address; the given one has no mail box")
+set (documents "${CMAKE_BINARY_DIR}/packaging")
+
+# Documents carry the release's number and date and the licences of what was linked, so they are written anew each time.
+add_custom_target (larkspire-documents
+    COMMAND ${CMAKE_COMMAND}
+        "-DDOCUMENTS=${documents}"
+        "-DLARKSPIRE_JUCE=${LARKSPIRE_JUCE}"
+        "-DLARKSPIRE_MAINTAINER=${LARKSPIRE_MAINTAINER}"
+        "-DLARKSPIRE_WINDOWS_DEPS=${LARKSPIRE_WINDOWS_DEPS}"
+        "$<$<NOT:$<BOOL:${WIN32}>>:-DRENDERER=$<TARGET_FILE:larkspire-render>>"
+        -P "${CMAKE_SOURCE_DIR}/packaging/WriteDocuments.cmake"
+    COMMENT "Writing the documents of the packages"
+    COMMAND_EXPAND_LISTS
+    VERBATIM)
+
+function (larkspire_package component folder)
+    install (FILES ${ARGN} DESTINATION "${folder}" COMPONENT ${component} EXCLUDE_FROM_ALL)
+endfunction ()
+
+# The library is no program and needs no mode of one.
+if (WIN32)
+    larkspire_package (windows .
+        "$<TARGET_FILE:Larkspire_VST>"
+        "${documents}/INSTALL.txt"
+        "${documents}/LICENSE.txt"
+        "${documents}/THIRD-PARTY.txt")
+    return ()
+endif ()
+
+larkspire_package (portable .
+    "$<TARGET_FILE:Larkspire_VST>"
+    "${documents}/larkspire-render.1"
+    "${documents}/INSTALL.txt"
+    "${documents}/THIRD-PARTY.txt"
+    "${CMAKE_SOURCE_DIR}/LICENSE")
+install (TARGETS larkspire-render DESTINATION . COMPONENT portable EXCLUDE_FROM_ALL)
+
+larkspire_package (debian lib/vst "$<TARGET_FILE:Larkspire_VST>")
+larkspire_package (debian share/doc/quendal-larkspire "${documents}/changelog.gz" "${documents}/copyright")
+larkspire_package (debian share/man/man1 "${documents}/larkspire-render.1.gz")
+larkspire_package (debian share/metainfo "${documents}/com.quendal.larkspire.metainfo.xml")
+install (TARGETS larkspire-render DESTINATION bin COMPONENT debian EXCLUDE_FROM_ALL)

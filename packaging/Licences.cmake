@@ -1,0 +1,130 @@
+# What is linked into library and renderer that others wrote, and on which terms; to be included by WriteDocuments.cmake.
+# The words of the licences come from where the linked things came from: the framework's tree and Debian's packages.
+set (juce_graphics "${LARKSPIRE_JUCE}/modules/juce_graphics")
+
+# A text as it stands, with single line ends.
+function (read_text path result)
+    if (NOT EXISTS "${path}")
+        message (FATAL_ERROR "  ${path} is missing, which holds a licence that has to come with the packages")
+    endif ()
+
+    file (READ "${path}" text)
+    string (REPLACE "\r" "" text "${text}")
+    set (${result} "${text}" PARENT_SCOPE)
+endfunction ()
+
+# The part of a text that begins with one mark and ends ahead of another, or with the text if that is empty.
+function (cut text from to result)
+    string (FIND "${text}" "${from}" start)
+
+    if (start EQUAL -1)
+        message (FATAL_ERROR "  a licence has no line '${from}' any more")
+    endif ()
+
+    string (SUBSTRING "${text}" ${start} -1 text)
+
+    if (to)
+        string (FIND "${text}" "${to}" end)
+        string (SUBSTRING "${text}" 0 ${end} text)
+    endif ()
+
+    string (STRIP "${text}" text)
+    set (${result} "${text}" PARENT_SCOPE)
+endfunction ()
+
+# A text as a field of Debian's control files: indented, and a dot where a line is empty.
+function (as_field text result)
+    string (STRIP "${text}" text)
+    string (REGEX REPLACE "[ \t]+\n" "\n" text "${text}")
+    string (REGEX REPLACE "\n\n+" "\n.\n" text "${text}")
+    string (REPLACE "\n" "\n " text "${text}")
+    set (${result} " ${text}" PARENT_SCOPE)
+endfunction ()
+
+function (read_compiler_exception result)
+    read_text (/usr/share/doc/libstdc++6/copyright text)
+    cut ("${text}" "GCC RUNTIME LIBRARY EXCEPTION" "\n\n\n" text)
+    set (${result} "${text}" PARENT_SCOPE)
+endfunction ()
+
+# Each gives a heading and the text of a licence.
+function (licence_of part)
+    if (part STREQUAL "framework")
+        set (heading "JUCE 8, by Raw Material Software Limited, the framework of the plug-in: AGPL-3.0")
+        set (text "The same licence as that of Quendal Larkspire, which stands in the file beside this one.")
+    elseif (part STREQUAL "text-shaping")
+        read_text ("${juce_graphics}/fonts/harfbuzz/COPYING" harfbuzz)
+        read_text ("${juce_graphics}/unicode/sheenbidi/LICENSE" sheenbidi)
+        set (heading "HarfBuzz and SheenBidi, which set the letters of the plug-in's window")
+        set (text "HarfBuzz:\n\n${harfbuzz}\n\nSheenBidi, by Muhammad Tayyab Akram, with JUCE's changes to its include lines:\n\n${sheenbidi}")
+    elseif (part STREQUAL "compiler-runtime")
+        read_compiler_exception (exception)
+        set (heading "GCC's libstdc++ and libgcc, by the Free Software Foundation, the C++ runtime in the plug-in: GPL-3.0 or later with this exception")
+        set (text "${exception}")
+    elseif (part STREQUAL "command-line")
+        read_text (/usr/share/doc/libcli11-dev/copyright text)
+        set (heading "CLI11, by the University of Cincinnati, which reads the command line of larkspire-render: BSD-3-Clause")
+    elseif (part STREQUAL "windows-runtime")
+        read_text ("${LARKSPIRE_WINDOWS_DEPS}/mingw/share/doc/mingw-w64-x86-64-dev/copyright" text)
+        set (heading "mingw-w64, the C runtime's start and the threads of the plug-in")
+    elseif (part STREQUAL "image-codecs")
+        read_text ("${LARKSPIRE_WINDOWS_DEPS}/codecs/share/doc/libjpeg-turbo/LICENSE.md" jpeg)
+        read_text (/usr/share/doc/libpng16-16/copyright png)
+        read_text (/usr/share/doc/libz-mingw-w64-dev/copyright zlib)
+        set (heading "libjpeg-turbo, libpng and zlib, the framework's readers of pictures")
+        set (text "libjpeg-turbo. This software is based in part on the work of the Independent JPEG Group.\n\n${jpeg}\n\nlibpng:\n\n${png}\n\nzlib:\n\n${zlib}")
+    else ()
+        message (FATAL_ERROR "  no licence is known of '${part}'")
+    endif ()
+
+    set (heading "${heading}" PARENT_SCOPE)
+    set (text "${text}" PARENT_SCOPE)
+endfunction ()
+
+# THIRD-PARTY.txt for the archives; what is linked into them is named by the caller.
+function (write_third_party)
+    set (document "What others wrote and what is in the files of this folder, and on which terms.\n")
+    string (REPEAT "=" 100 line)
+
+    foreach (part IN LISTS ARGN)
+        licence_of (${part})
+        string (STRIP "${text}" text)
+        string (APPEND document "\n\n${line}\n${heading}\n${line}\n\n${text}\n")
+    endforeach ()
+
+    if (NOT RENDERER)
+        string (REPLACE "\n" "\r\n" document "${document}")
+    endif ()
+
+    file (WRITE "${DOCUMENTS}/THIRD-PARTY.txt" "${document}")
+endfunction ()
+
+# The copyright file of the Debian package.
+function (write_debian_copyright)
+    # The line that names the format is the same in every package and has to be.
+    file (STRINGS /usr/share/doc/dpkg/copyright format REGEX "^Format:" LIMIT_COUNT 1)
+
+    if (NOT format)
+        message (FATAL_ERROR "  /usr/share/doc/dpkg/copyright has no line Format:")
+    endif ()
+
+    read_text ("${root}/LICENSE" agpl)
+    read_text ("${juce_graphics}/fonts/harfbuzz/COPYING" harfbuzz)
+    read_text (/usr/share/doc/libcli11-dev/copyright cli11)
+    string (REGEX MATCHALL "Copyright ©[^\n]*" holders "${harfbuzz}")
+    list (JOIN holders "\n " harfbuzz_holders)
+    string (REPLACE "Copyright © " "" harfbuzz_holders "${harfbuzz_holders}")
+    string (REGEX MATCH "Copyright: ([^\n]*)" line "${cli11}")
+    set (cli11_holder "${CMAKE_MATCH_1}")
+    cut ("${cli11}" " Redistribution" "" cli11)
+    string (REGEX REPLACE "\n " "\n" cli11 "${cli11}")
+    string (REGEX REPLACE "\n\\.\n" "\n\n" cli11 "${cli11}")
+    cut ("${harfbuzz}" "Permission is hereby granted" "" harfbuzz)
+    read_compiler_exception (exception)
+
+    as_field ("${agpl}" agpl_field)
+    as_field ("${harfbuzz}" harfbuzz_field)
+    as_field ("${cli11}" cli11_field)
+    as_field ("${exception}" exception_field)
+    configure_file ("${CMAKE_CURRENT_FUNCTION_LIST_DIR}/debian/copyright.in" "${DOCUMENTS}/copyright" @ONLY)
+endfunction ()

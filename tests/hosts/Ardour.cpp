@@ -8,6 +8,7 @@
 #include <memory>
 #include <sndfile.hh>
 #include <stdexcept>
+#include <utility>
 
 namespace
 {
@@ -26,15 +27,21 @@ void writeChannel (const std::string& path, const std::vector<float>& samples)
 }
 } // namespace
 
-Ardour::Ardour()
+Ardour::Ardour() : library (folder / "vst/Quendal Larkspire.so"), searchPath ("LXVST_PATH='" + (folder / "vst") + "'")
 {
     namespace fs = std::filesystem;
     fs::create_directories (folder / "home");
     fs::create_directories (folder / "vst");
-    fs::copy_file (LARKSPIRE_PLUGIN_PATH, libraryPath());
+    fs::copy_file (LARKSPIRE_PLUGIN_PATH, library);
 
     // What a scan found counts only if it is newer than the library, by whole seconds.
-    fs::last_write_time (libraryPath(), fs::file_time_type::clock::now() - std::chrono::hours (24));
+    fs::last_write_time (library, fs::file_time_type::clock::now() - std::chrono::hours (24));
+    scan();
+}
+
+Ardour::Ardour (std::filesystem::path installed) : library (std::move (installed))
+{
+    std::filesystem::create_directories (folder / "home");
     scan();
 }
 
@@ -42,9 +49,8 @@ std::string Ardour::run (const std::vector<std::string>& command) const
 {
     // Nothing of the caller's environment: neither a real display nor the caller's own settings of Ardour are touched.
     std::string line = "cd '" + folder.path().string() + "' && env -i PATH=\"$PATH\" LANG=C.UTF-8 DISPLAY=:none HOME='"
-                       + (folder / "home") + "' LXVST_PATH='" + (folder / "vst") + "' LD_LIBRARY_PATH=" + programs
-                       + " ARDOUR_DLL_PATH=" + programs
-                       + " ARDOUR_DATA_PATH=/usr/share/ardour7 ARDOUR_CONFIG_PATH=/etc/ardour7 timeout 60";
+                       + (folder / "home") + "' " + searchPath + " LD_LIBRARY_PATH=" + programs + " ARDOUR_DLL_PATH="
+                       + programs + " ARDOUR_DATA_PATH=/usr/share/ardour7 ARDOUR_CONFIG_PATH=/etc/ardour7 timeout 60";
 
     for (const auto& word : command)
         line += " '" + word + "'";
@@ -65,7 +71,7 @@ std::string Ardour::run (const std::vector<std::string>& command) const
 
 std::string Ardour::scan() const
 {
-    return run ({ programs + "ardour-vst-scanner", "-f", "-v", libraryPath() });
+    return run ({ programs + "ardour-vst-scanner", "-f", "-v", library.string() });
 }
 
 void Ardour::makeSession (const std::string& name, const Track& track) const

@@ -3,16 +3,20 @@
 
 #include "tools/TemporaryFolder.h"
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
-/** The DAW Ardour without a window, in a home folder of its own that holds a copy of the library. Each call runs a
+/** The DAW Ardour without a window, in a home folder of its own. Each call runs a
     program of Ardour's and throws std::runtime_error, with what it wrote, if it fails or takes longer than a minute. */
 class Ardour
 {
 public:
-    /** Installs the library for it and lets it scan that. */
+    /** Puts a copy of the built library into that home folder and lets Ardour scan it. */
     Ardour();
+
+    /** Lets it scan a library that is installed where it looks for plug-ins without being told. */
+    explicit Ardour (std::filesystem::path installed);
 
     /** What a scan of the library writes. */
     std::string scan() const;
@@ -42,7 +46,8 @@ public:
 private:
     std::vector<std::vector<float>> exportOnce (const std::string& name) const;
     std::string run (const std::vector<std::string>& command) const;
-    std::string libraryPath() const { return folder / "vst/Quendal Larkspire.so"; }
 
     TemporaryFolder folder;
+    std::filesystem::path library;
+    std::string searchPath {}; // as a variable of the environment; empty is Ardour's own
 };

@@ -3,6 +3,7 @@
 #include "host/RawHost.h"
 #include "host/Signals.h"
 #include "hosts/Ardour.h"
+#include "support/FirstMatch.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,7 +14,6 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
-#include <regex>
 
 namespace
 {
@@ -135,13 +135,6 @@ std::string contentOf (const std::string& path)
 {
     std::ifstream file (path, std::ios::binary);
     return { std::istreambuf_iterator<char> (file), {} };
-}
-
-/** What stands in the brackets of the pattern where it is found first; empty if it is nowhere. */
-std::string found (const std::string& text, const std::string& pattern)
-{
-    std::smatch match;
-    return std::regex_search (text, match, std::regex (pattern)) ? match[1].str() : std::string();
 }
 
 class ArdourHost : public testing::Test

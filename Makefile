@@ -1,7 +1,7 @@
 # What people type. The build itself is CMake's; see CMakePresets.json for other builds.
 .DEFAULT_GOAL := build
 .PHONY: setup configure build demo screenshot lint test fuzz fuzzer sanitize tsan exhaustive bench performance \
-	test-hosts windows test-windows package install uninstall clean
+	test-hosts windows test-windows package test-packages install uninstall clean
 
 PRESET := release
 LIBRARY := dist/linux/Quendal Larkspire.so
@@ -106,6 +106,12 @@ test-windows: windows configure
 package: build windows
 	@scripts/setup scripts/packaging/packages.txt
 	@scripts/packaging/package
+
+# Reads them, and installs and removes the one for Debian, for which it has to be run by root.
+test-packages: package
+	@scripts/setup scripts/packaging/packages.txt scripts/hosts/packages.txt
+	@cmake --build --preset $(PRESET) --target larkspire-packages-tests
+	@scripts/packaging/test
 
 install:
 	@test -f "$(LIBRARY)" || { echo "install: there is no $(LIBRARY) yet; run make first" >&2; exit 1; }

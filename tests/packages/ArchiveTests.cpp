@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// The archives for other Linux systems and for Windows, and what all packages have in common.
+#include "packages/Packages.h"
+#include "tools/Recording.h"
+#include "windows/PortableExecutable.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <regex>
+
+namespace
+{
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+const std::string linuxFolder = "quendal-larkspire-" LARKSPIRE_RELEASE "-linux-x86_64";
+const std::string windowsFolder = "quendal-larkspire-" LARKSPIRE_RELEASE "-windows-x86_64";
+
+/** The largest number behind a prefix such as "GLIBC_2." in what a file asks of the libraries that it loads. */
+int newest (const std::string& file, const std::string& prefix)
+{
+    const auto symbols = outputOf ("objdump", { "--dynamic-syms", file });
+    const std::regex version (prefix + "([0-9]+)");
+    int result = 0;
+
+    for (auto i = std::sregex_iterator (symbols.begin(), symbols.end(), version); i != std::sregex_iterator(); ++i)
+        result = std::max (result, std::stoi ((*i)[1]));
+
+    return result;
+}
+
+TEST (LinuxArchive, HoldsTheseFilesAndNoOthers)
+{
+    std::vector<std::string> listed;
+
+    for (const auto& entry : entriesOf (packages::linuxArchive()))
+    {
+        EXPECT_EQ (entry.owner, "0/0");
+        listed.push_back (entry.mode + " " + entry.path);
+    }
+
+    EXPECT_THAT (listed,
+                 ElementsAre ("drwxr-xr-x " + linuxFolder + "/",
+                              "-rw-r--r-- " + linuxFolder + "/INSTALL.txt",
+                              "-rw-r--r-- " + linuxFolder + "/LICENSE",
+                              "-rw-r--r-- " + linuxFolder + "/Quendal Larkspire.so",
+                              "-rw-r--r-- " + linuxFolder + "/THIRD-PARTY.txt",
+                              "-rwxr-xr-x " + linuxFolder + "/larkspire-render",
+                              "-rw-r--r-- " + linuxFolder + "/larkspire-render.1"));
+}
+
+TEST (LinuxArchive, HasALibraryThatExportsItsEntryAndNothingElse)
+{
+    const Unpacked archive (packages::linuxArchive());
+    const auto library = archive / (linuxFolder + "/Quendal Larkspire.so");
+    EXPECT_THAT (outputOf ("nm", { "--dynamic", "--defined-only", "--format=just-symbols", library }),
+                 "VSTPluginMain\n");
+}
+
+TEST (LinuxArchive, AsksForNothingNewerThanItsInstructionsSay)
+{
+    const Unpacked archive (packages::linuxArchive());
+    const auto instructions = bytesOf (archive / (linuxFolder + "/INSTALL.txt"));
+    ASSERT_THAT (instructions, HasSubstr ("glibc 2.35 or newer"));
+    ASSERT_THAT (instructions, HasSubstr ("GCC 11 or newer"));
+
+    for (const std::string name : { "/Quendal Larkspire.so", "/larkspire-render" })
+    {
+        EXPECT_GT (newest (archive / (linuxFolder + name), "GLIBC_2\\."), 0);
+        EXPECT_LE (newest (archive / (linuxFolder + name), "GLIBC_2\\."), 35);
+    }
+
+    // 3.4.29 is the C++ library of GCC 11.
+    EXPECT_GT (newest (archive / (linuxFolder + "/larkspire-render"), "GLIBCXX_3\\.4\\."), 0);
+    EXPECT_LE (newest (archive / (linuxFolder + "/larkspire-render"), "GLIBCXX_3\\.4\\."), 29);
+}
+
+TEST (LinuxArchive, HasARendererThatRunsWithTheLibraryBesideIt)
+{
+    const Unpacked archive (packages::linuxArchive());
+    const TemporaryFolder folder;
+    const std::string voice = "/usr/share/sounds/alsa/Front_Center.wav";
+    outputOf ("env",
+              { "--ignore-environment",
+                "--chdir=" + (archive / linuxFolder),
+                "DISPLAY=:none",
+                "HOME=" + folder.path().string(),
+                "./larkspire-render",
+                "--mode",
+                "Powerful",
+                voice,
+                "-o",
+                folder / "result.wav" });
+    const auto result = read (folder / "result.wav");
+    EXPECT_EQ (result.sampleRate, 48000);
+    EXPECT_EQ (result.samples.size(), read (voice).samples.size());
+    EXPECT_NE (result.samples, read (voice).samples);
+}
+
+TEST (WindowsArchive, HoldsTheseFilesAndNoOthers)
+{
+    EXPECT_THAT (Unpacked (packages::windowsArchive()).contents(),
+                 ElementsAre (windowsFolder,
+                              windowsFolder + "/INSTALL.txt",
+                              windowsFolder + "/LICENSE.txt",
+                              windowsFolder + "/Quendal Larkspire.dll",
+                              windowsFolder + "/THIRD-PARTY.txt"));
+}
+
+TEST (WindowsArchive, HasALibraryThatExportsItsEntryAndNothingElse)
+{
+    const Unpacked archive (packages::windowsArchive());
+    EXPECT_THAT (PortableExecutable (archive / (windowsFolder + "/Quendal Larkspire.dll")).exports,
+                 ElementsAre ("VSTPluginMain"));
+}
+
+TEST (WindowsArchive, EndsEveryLineOfItsTextsAsWindowsDoes)
+{
+    const Unpacked archive (packages::windowsArchive());
+
+    for (const std::string name : { "/INSTALL.txt", "/LICENSE.txt", "/THIRD-PARTY.txt" })
+    {
+        const auto text = bytesOf (archive / (windowsFolder + name));
+        EXPECT_TRUE (text.ends_with ("\r\n")) << name;
+        EXPECT_FALSE (std::regex_search (text, std::regex ("[^\r]\n"))) << name;
+        EXPECT_THAT (text, testing::Not (HasSubstr ("\r\r"))) << name;
+    }
+}
+
+TEST (Archives, NameWhatOthersWrote)
+{
+    const Unpacked forLinux (packages::linuxArchive());
+    const auto onLinux = bytesOf (forLinux / (linuxFolder + "/THIRD-PARTY.txt"));
+    const Unpacked forWindows (packages::windowsArchive());
+    const auto onWindows = bytesOf (forWindows / (windowsFolder + "/THIRD-PARTY.txt"));
+
+    for (const std::string text : { "JUCE", "HarfBuzz", "SheenBidi", "GCC RUNTIME LIBRARY EXCEPTION" })
+    {
+        EXPECT_THAT (onLinux, HasSubstr (text));
+        EXPECT_THAT (onWindows, HasSubstr (text));
+    }
+
+    EXPECT_THAT (onLinux, HasSubstr ("CLI11"));
+
+    for (const std::string text : { "mingw-w64", "libjpeg-turbo", "Independent JPEG Group", "libpng", "zlib" })
+        EXPECT_THAT (onWindows, HasSubstr (text));
+}
+
+TEST (Packages, AreTheSameBytesWhenTheyAreMadeAgain)
+{
+    // In another folder, by somebody whose machine has other settings.
+    const TemporaryFolder folder;
+    const std::string command = "umask 077 && exec '" LARKSPIRE_ROOT "/scripts/packaging/package' \"$0\"";
+    outputOf ("env", { "TZ=Asia/Tokyo", "LC_ALL=C", "sh", "-c", command, folder.path() });
+
+    for (const auto& package : { packages::debian(), packages::linuxArchive(), packages::windowsArchive() })
+        EXPECT_TRUE (bytesOf (package) == bytesOf (folder / package.filename().string())) << package;
+
+    EXPECT_EQ (folder.contents().size(), 3);
+}
+
+TEST (Packages, HoldNoFolderOfTheBuild)
+{
+    for (const auto& package : { packages::debian(), packages::linuxArchive(), packages::windowsArchive() })
+    {
+        const Unpacked unpacked (package);
+
+        for (const auto& file : unpacked.files())
+            EXPECT_EQ (outputOf ("zcat", { "--force", unpacked / file }).find (LARKSPIRE_ROOT), std::string::npos)
+                << file;
+    }
+}
+} // namespace

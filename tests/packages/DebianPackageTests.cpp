@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// The Debian package as a file: what it holds, says and asks for.
+#include "packages/Packages.h"
+#include "tools/Recording.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <regex>
+
+namespace
+{
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+std::string field (const std::string& name)
+{
+    auto value = outputOf ("dpkg-deb", { "--field", packages::debian(), name });
+    value.erase (value.find_last_not_of ('\n') + 1);
+    return value;
+}
+
+/** The time of the commit that is packed, as archives list it. */
+std::string timeOfCommit()
+{
+    const auto seconds = outputOf ("git", { "-C", LARKSPIRE_ROOT, "log", "-1", "--format=%ct" });
+    auto time = outputOf ("date", { "--date=@" + seconds.substr (0, seconds.find ('\n')), "+%Y-%m-%d %H:%M" });
+    time.erase (time.find ('\n'));
+    return time;
+}
+
+TEST (DebianPackage, HoldsTheseFilesAndNoOthers)
+{
+    const TemporaryFolder folder;
+    std::ofstream (folder / "files.tar", std::ios::binary)
+        << outputOf ("dpkg-deb", { "--fsys-tarfile", packages::debian() });
+    std::vector<Entry> expected;
+
+    for (const auto& [mode, path] : std::vector<std::pair<std::string, std::string>> {
+             { "drwxr-xr-x", "./" },
+             { "drwxr-xr-x", "./usr/" },
+             { "drwxr-xr-x", "./usr/bin/" },
+             { "-rwxr-xr-x", "./usr/bin/larkspire-render" },
+             { "drwxr-xr-x", "./usr/lib/" },
+             { "drwxr-xr-x", "./usr/lib/vst/" },
+             { "-rw-r--r--", "./usr/lib/vst/Quendal Larkspire.so" },
+             { "drwxr-xr-x", "./usr/share/" },
+             { "drwxr-xr-x", "./usr/share/doc/" },
+             { "drwxr-xr-x", "./usr/share/doc/quendal-larkspire/" },
+             { "-rw-r--r--", "./usr/share/doc/quendal-larkspire/changelog.gz" },
+             { "-rw-r--r--", "./usr/share/doc/quendal-larkspire/copyright" },
+             { "drwxr-xr-x", "./usr/share/man/" },
+             { "drwxr-xr-x", "./usr/share/man/man1/" },
+             { "-rw-r--r--", "./usr/share/man/man1/larkspire-render.1.gz" },
+             { "drwxr-xr-x", "./usr/share/metainfo/" },
+             { "-rw-r--r--", "./usr/share/metainfo/com.quendal.larkspire.metainfo.xml" } })
+        expected.push_back ({ mode, "0/0", timeOfCommit(), path });
+
+    EXPECT_THAT (entriesOf (folder / "files.tar"), testing::ElementsAreArray (expected));
+}
+
+TEST (DebianPackage, RunsNoScriptsWhenItIsInstalled)
+{
+    const TemporaryFolder folder;
+    outputOf ("dpkg-deb", { "--control", packages::debian(), folder / "control" });
+    EXPECT_THAT (folder.contents(), testing::ElementsAre ("control", "control/control", "control/md5sums"));
+}
+
+TEST (DebianPackage, SaysWhatItIs)
+{
+    EXPECT_EQ (field ("Package"), "quendal-larkspire");
+    EXPECT_EQ (field ("Architecture"), "amd64");
+    EXPECT_EQ (field ("Section"), "sound");
+    EXPECT_THAT (field ("Description"), HasSubstr ("spoken voice"));
+}
+
+TEST (DebianPackage, DependsOnThePackagesOfTheLibrariesThatItsFilesLoad)
+{
+    std::vector<std::string> names;
+    const auto dependencies = field ("Depends");
+    const std::regex name ("(?:^|, )([^ ,]+)");
+
+    for (auto i = std::sregex_iterator (dependencies.begin(), dependencies.end(), name); i != std::sregex_iterator();
+         ++i)
+        names.push_back ((*i)[1]);
+
+    EXPECT_THAT (names,
+                 testing::UnorderedElementsAre ("libc6",
+                                                "libfontconfig1",
+                                                "libfreetype6",
+                                                "libgcc-s1",
+                                                "libjpeg62-turbo",
+                                                "libpng16-16",
+                                                "libsndfile1",
+                                                "libstdc++6",
+                                                "zlib1g"));
+}
+
+TEST (DebianPackage, HasNoFaultThatLintianKnows)
+{
+    const auto outcome = outcomeOf ("lintian", { "--allow-root", "--fail-on=error,warning", packages::debian() });
+    EXPECT_EQ (outcome.exitStatus, 0);
+    EXPECT_EQ (outcome.output, "");
+}
+
+TEST (DebianPackage, HasAnEntryForSoftwareCatalogues)
+{
+    const Unpacked package (packages::debian());
+    const auto entry = package / "usr/share/metainfo/com.quendal.larkspire.metainfo.xml";
+    const auto outcome = outcomeOf ("appstreamcli", { "validate", "--no-net", "--pedantic", "--no-color", entry });
+    EXPECT_EQ (outcome.exitStatus, 0) << outcome.output;
+    EXPECT_THAT (outcome.output, HasSubstr ("Validation was successful."));
+
+    // An entry of an add-on is shown with the program that it names, as that program names itself.
+    const auto host = outputOf ("grep", { "-rhm1", "<id>", "/usr/share/metainfo/ardour.appdata.xml" });
+    EXPECT_THAT (host, HasSubstr ("<id>ardour7.desktop</id>"));
+    EXPECT_THAT (bytesOf (entry), HasSubstr ("<extends>ardour7.desktop</extends>"));
+}
+
+TEST (DebianPackage, HasAManPageThatIsWellFormedAndNamesEveryOption)
+{
+    const Unpacked package (packages::debian());
+    const auto page = package / "usr/share/man/man1/larkspire-render.1.gz";
+    const auto outcome = outcomeOf ("man", { "--warnings", "--local-file", page });
+    EXPECT_EQ (outcome.exitStatus, 0);
+    EXPECT_EQ (outcome.errors, "");
+    EXPECT_THAT (outcome.output, testing::ContainsRegex ("\nSYNOPSIS\n +larkspire-render +\\["));
+    EXPECT_THAT (outcome.output, testing::Not (HasSubstr ("Usage")));
+
+    const auto help = outputOf (package / "usr/bin/larkspire-render", { "--help" });
+    const std::regex option ("\n  (?:-[a-z],)?(-[-a-z]+)");
+    int count = 0;
+
+    for (auto i = std::sregex_iterator (help.begin(), help.end(), option); i != std::sregex_iterator(); ++i, ++count)
+        EXPECT_THAT (outcome.output, testing::ContainsRegex ("\n +(-h, )?" + (*i)[1].str() + "[ \n]"));
+
+    EXPECT_GE (count, 9);
+}
+
+TEST (DebianPackage, NamesTheLicenceOfEverythingThatIsLinkedIn)
+{
+    const Unpacked package (packages::debian());
+    const auto copyright = bytesOf (package / "usr/share/doc/quendal-larkspire/copyright");
+    EXPECT_THAT (copyright, testing::StartsWith ("Format: "));
+
+    for (const std::string text : { "JUCE", "HarfBuzz", "SheenBidi", "CLI11", "GCC RUNTIME LIBRARY EXCEPTION" })
+        EXPECT_THAT (copyright, HasSubstr (text));
+
+    // A short name either brings its text along or has a paragraph of its own.
+    const std::regex shortName ("\nLicense: ([^\n]+)\n(?! )");
+
+    for (auto i = std::sregex_iterator (copyright.begin(), copyright.end(), shortName); i != std::sregex_iterator();
+         ++i)
+        EXPECT_THAT (copyright, HasSubstr ("\n\nLicense: " + (*i)[1].str() + "\n "));
+
+    EXPECT_THAT (copyright, HasSubstr ("GNU AFFERO GENERAL PUBLIC LICENSE"));
+}
+} // namespace

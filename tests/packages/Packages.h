@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include "tools/Child.h"
+#include "tools/TemporaryFolder.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+/** The packages that the tests judge, in dist/packages; each the one of this release. */
+namespace packages
+{
+std::filesystem::path debian();
+std::filesystem::path linuxArchive();
+std::filesystem::path windowsArchive();
+} // namespace packages
+
+/** A file or folder as a package lists it. */
+struct Entry
+{
+    std::string mode;  // as ls writes it
+    std::string owner; // numbers of user and group
+    std::string time;  // to the minute, in UTC
+    std::string path;  // a folder's ends with a slash
+
+    bool operator== (const Entry&) const = default;
+};
+
+/** What a tar archive, compressed or not, lists. Throws std::runtime_error if it cannot be read. */
+std::vector<Entry> entriesOf (const std::filesystem::path& tar);
+
+/** Calls a program that is found in PATH, and gives what it wrote. Throws std::runtime_error if it is not there, fails
+    or takes longer than a minute. */
+std::string outputOf (const std::string& program, const std::vector<std::string>& arguments);
+
+/** Calls such a program, however it ends. */
+Outcome outcomeOf (const std::string& program, const std::vector<std::string>& arguments);
+
+/** A package's files, unpacked into a folder of the test's own. */
+class Unpacked
+{
+public:
+    explicit Unpacked (const std::filesystem::path& package);
+
+    std::string operator/ (const std::string& name) const { return folder / name; }
+    std::vector<std::string> contents() const { return folder.contents(); }
+
+    /** The contents without the folders. */
+    std::vector<std::string> files() const;
+
+private:
+    TemporaryFolder folder;
+};

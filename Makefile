@@ -1,6 +1,6 @@
 # What people type. The build itself is CMake's; see CMakePresets.json for other builds.
 .DEFAULT_GOAL := build
-.PHONY: setup configure build demo screenshot lint test fuzz fuzzer sanitize tsan exhaustive bench performance \
+.PHONY: setup configure build demo screenshot lint test fuzz fuzzer sanitize tsan torture exhaustive bench performance \
 	test-hosts windows test-windows install uninstall clean
 
 PRESET := release
@@ -14,6 +14,10 @@ JUCE_OPTION := $(if $(LARKSPIRE_JUCE),-DLARKSPIRE_JUCE="$(LARKSPIRE_JUCE)")
 # How long `make fuzz` looks for harmful state blocks, and how long the tests do.
 FUZZ_SECONDS ?= 3600
 SHORT_FUZZ_SECONDS := 30
+
+# How much `make torture` does; ten million operations take about six minutes.
+TORTURE_OPERATIONS ?= 10000000
+TORTURE_SEED ?=
 
 # Configures the build folder of a preset, without a word unless it fails.
 define configure-preset
@@ -67,6 +71,11 @@ tsan: setup
 	$(call configure-preset,tsan)
 	@cmake --build --preset tsan --target larkspire-unit-tests larkspire-host-tests larkspire-editor-host-tests
 	@scripts/sanitize tsan '*Thread*:*WhileAudioRuns*:CallLog.*:LatencyNotice.*:EditorLife.*Audio*'
+
+# Whatever a host can do, in any order, beside a model of what must come of it; TORTURE_SEED repeats a sequence.
+torture: configure
+	@cmake --build --preset $(PRESET) --target larkspire-torture
+	@build/$(PRESET)/tests/torture/larkspire-torture --operations $(TORTURE_OPERATIONS) $(TORTURE_SEED:%=--seed %)
 
 # Sine and arc tangent at every float there is: minutes, where the tests above take a sample near zero and far out.
 exhaustive: configure

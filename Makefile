@@ -1,7 +1,7 @@
 # What people type. The build itself is CMake's; see CMakePresets.json for other builds.
 .DEFAULT_GOAL := build
-.PHONY: setup configure build demo screenshot lint test fuzz fuzzer sanitize tsan exhaustive bench performance \
-	test-hosts windows test-windows package test-packages install uninstall clean
+.PHONY: setup configure build demo screenshot lint test fuzz fuzzer test-asan test-tsan torture exhaustive bench \
+	performance test-hosts windows test-windows package test-packages install uninstall clean
 
 PRESET := release
 LIBRARY := dist/linux/Quendal Larkspire.so
@@ -14,6 +14,10 @@ JUCE_OPTION := $(if $(LARKSPIRE_JUCE),-DLARKSPIRE_JUCE="$(LARKSPIRE_JUCE)")
 # How long `make fuzz` looks for harmful state blocks, and how long the tests do.
 FUZZ_SECONDS ?= 3600
 SHORT_FUZZ_SECONDS := 30
+
+# How much `make torture` does; ten million operations take about six minutes.
+TORTURE_OPERATIONS ?= 10000000
+TORTURE_SEED ?=
 
 # Configures the build folder of a preset, without a word unless it fails.
 define configure-preset
@@ -56,17 +60,26 @@ fuzzer: setup
 fuzz: fuzzer
 	@scripts/fuzz build/asan $(FUZZ_SECONDS)
 
-# The tests of the classes and of the library on that same build, and the fuzzer for a moment.
-sanitize: fuzzer
-	@cmake --build --preset asan --target larkspire-unit-tests larkspire-host-tests larkspire-editor-host-tests
-	@scripts/sanitize asan
+# The tests of the classes, of the library, its window and the tools on that same build, some torture, and the fuzzer
+# for a moment.
+test-asan: fuzzer
+	@cmake --build --preset asan --target larkspire-unit-tests larkspire-host-tests larkspire-editor-host-tests \
+		larkspire-tools-tests larkspire-torture
+	@scripts/sanitize asan larkspire-unit-tests larkspire-host-tests larkspire-editor-host-tests larkspire-tools-tests
+	@build/asan/tests/torture/larkspire-torture --seconds $(SHORT_FUZZ_SECONDS)
 	@scripts/fuzz build/asan $(SHORT_FUZZ_SECONDS)
 
 # The tests with threads, on a build with ThreadSanitizer.
-tsan: setup
+test-tsan: setup
 	$(call configure-preset,tsan)
 	@cmake --build --preset tsan --target larkspire-unit-tests larkspire-host-tests larkspire-editor-host-tests
-	@scripts/sanitize tsan '*Thread*:*WhileAudioRuns*:CallLog.*:LatencyNotice.*:EditorLife.*Audio*'
+	@LARKSPIRE_TEST_FILTER='*Thread*:*WhileAudioRuns*:CallLog.*:LatencyNotice.*:EditorLife.*Audio*' \
+		scripts/sanitize tsan larkspire-unit-tests larkspire-host-tests larkspire-editor-host-tests
+
+# Whatever a host can do, in any order, beside a model of what must come of it; TORTURE_SEED repeats a sequence.
+torture: configure
+	@cmake --build --preset $(PRESET) --target larkspire-torture
+	@build/$(PRESET)/tests/torture/larkspire-torture --operations $(TORTURE_OPERATIONS) $(TORTURE_SEED:%=--seed %)
 
 # Sine and arc tangent at every float there is: minutes, where the tests above take a sample near zero and far out.
 exhaustive: configure

@@ -31,6 +31,17 @@ double ratioOf (const Costs& costs, const std::string& name, const std::string& 
     return one == costs.end() || two == costs.end() ? 0.0 : one->second.median / two->second.median;
 }
 
+std::vector<TimeBound> promisedTimes()
+{
+    return { { "loading the library and making an instance", "library/load and first instance", 20.0 } };
+}
+
+double millisecondsOf (const Costs& costs, const std::string& name)
+{
+    const auto cost = costs.find (name);
+    return cost == costs.end() ? 0.0 : cost->second.median / 1e6;
+}
+
 bool report (const Costs& costs)
 {
     bool allHold = true;
@@ -46,6 +57,19 @@ bool report (const Costs& costs)
         const bool holds = ratio <= bound.bound;
         allHold = allHold && holds;
         std::printf ("%-42s %8.3f %8.2f%s\n", bound.what.c_str(), ratio, bound.bound, holds ? "" : "  BROKEN");
+    }
+
+    for (const auto& bound : promisedTimes())
+    {
+        const auto time = millisecondsOf (costs, bound.name);
+
+        if (time == 0.0)
+            continue;
+
+        const bool holds = time <= bound.milliseconds;
+        allHold = allHold && holds;
+        std::printf (
+            "%-42s %5.2f ms %5.0f ms%s\n", bound.what.c_str(), time, bound.milliseconds, holds ? "" : "  BROKEN");
     }
 
     return allHold;

@@ -15,8 +15,21 @@ struct Bound
     double bound;
 };
 
-/** All that the plug-in promises. Ratios only: both sides are measured on the same machine at the same time. */
+/** The ratios that the plug-in promises: both sides are measured on the same machine at the same time. */
 std::vector<Bound> promisedBounds();
+
+/** A promise about one cost, for what a person waits for, on any machine that is not much slower than a present one. */
+struct TimeBound
+{
+    std::string what;
+    std::string name;
+    double milliseconds;
+};
+
+std::vector<TimeBound> promisedTimes();
+
+/** A median in milliseconds; 0 if it was not measured. */
+double millisecondsOf (const Costs& costs, const std::string& name);
 
 /** The ratio of the two medians; 0 if one was not measured. */
 double ratioOf (const Costs& costs, const std::string& name, const std::string& other);

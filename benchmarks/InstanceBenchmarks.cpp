@@ -8,6 +8,21 @@
 
 namespace
 {
+/** What a person waits for who inserts the plug-in for the first time: nothing of it is in the process yet. The file is
+    in the system's memory, as after any scan. */
+void loadAndConstruct (benchmark::State& state)
+{
+    for (auto _ : state)
+    {
+        auto host = std::make_unique<RawHost>();
+        state.PauseTiming();
+        host.reset(); // the library goes with its only instance
+        state.ResumeTiming();
+    }
+
+    setUnitsPerIteration (state, 1);
+}
+
 /** An instance that stays keeps the library and the framework in place, as the first one in a session does. */
 void construct (benchmark::State& state)
 {
@@ -70,6 +85,7 @@ void runManyInstances (benchmark::State& state, std::size_t count)
     setUnitsPerIteration (state, static_cast<double> (rounds * count * blockSize));
 }
 
+BENCHMARK (loadAndConstruct)->Name ("library/load and first instance")->UseRealTime();
 BENCHMARK (construct)->Name ("instance/construction");
 BENCHMARK (destroy)->Name ("instance/destruction");
 BENCHMARK_CAPTURE (runManyInstances, 1, 1)->Name ("instances/1");

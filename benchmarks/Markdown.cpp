@@ -63,6 +63,12 @@ void writeBounds (std::ostream& out, const Costs& costs)
     for (const auto& bound : promisedBounds())
         out << "| " << bound.what << " | " << ratioOf (costs, bound.name, bound.other) << " | " << bound.bound
             << " |\n";
+
+    out << "\n| Time | Measured | At most |\n|---|---|---|\n";
+
+    for (const auto& bound : promisedTimes())
+        out << "| " << bound.what << " | " << millisecondsOf (costs, bound.name) << " ms | " << bound.milliseconds
+            << " ms |\n";
 }
 
 void writeFrames (std::ostream& out, const Costs& costs)

@@ -123,8 +123,21 @@ void RawHost::setChunk (const std::string& bytes, bool ofProgram)
 Vst2::VstIntPtr VSTCALLBACK
 RawHost::answer (Vst2::AEffect* effect, Vst2::VstInt32 opcode, Vst2::VstInt32 index, Vst2::VstIntPtr, void*, float opt)
 {
-    if (effect != nullptr && effect->user != nullptr)
-        static_cast<RawHost*> (effect->user)->calls.append ({ opcode, index, opt });
+    if (effect == nullptr || effect->user == nullptr) // it is only just being made
+        return opcode == Vst2::audioMasterVersion ? kVstVersion : 0;
 
-    return opcode == Vst2::audioMasterVersion ? kVstVersion : 0;
+    auto& host = *static_cast<RawHost*> (effect->user);
+    host.calls.append ({ opcode, index, opt });
+
+    switch (opcode)
+    {
+    case Vst2::audioMasterVersion:
+        return kVstVersion;
+
+    case Vst2::audioMasterGetTime:
+        return reinterpret_cast<Vst2::VstIntPtr> (host.time);
+
+    default:
+        return 0;
+    }
 }

@@ -71,6 +71,9 @@ public:
     /** Processes frames of both lists in place, from the given frame on. */
     void process (std::vector<float>& left, std::vector<float>& right, std::size_t from, std::size_t frames);
 
+    /** What the plug-in is told when it asks for the time, until another is given: nothing, at first. */
+    void setTime (const Vst2::VstTimeInfo* info) { time = info; }
+
     /** One opcode that the plug-in has sent to its host. */
     struct Call
     {
@@ -98,5 +101,6 @@ private:
 
     void* library = nullptr;
     Vst2::AEffect* instance = nullptr;
+    const Vst2::VstTimeInfo* time = nullptr;
     CallLog<Call, 4096> calls;
 };

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <memory>
 #include <pthread.h>
 #include <semaphore.h>
@@ -40,19 +41,49 @@ class RealTime : public testing::TestWithParam<int>
 {
 };
 
-TEST_P (RealTime, HoldsForEveryBlockSizeLayoutAndRate)
+constexpr std::array rates { 1234.5678f, 8000.0f,   11025.0f,  12000.0f,  16000.0f,  22050.0f, 24000.0f,
+                             32000.0f,   44100.0f,  48000.0f,  64000.0f,  88200.0f,  96000.0f, 128000.0f,
+                             176400.0f,  192000.0f, 352800.0f, 384000.0f, 705600.0f, 768000.0f };
+
+constexpr std::array<std::size_t, 18> blockSizes { 0,   1,   2,   15,  16,   17,   32,   64,   127,
+                                                   128, 256, 441, 512, 1024, 2048, 4096, 8192, 16384 };
+
+/** Once through every block size, the parameter, the host's bypass and the soundness of the samples changing between.
+ */
+void expectRealTimeMatrix (RawHost& host, int position, float rate, bool mono)
 {
-    for (const float rate : { 8000.0f, 48000.0f, 192000.0f })
+    constexpr std::size_t longest = blockSizes.back();
+    static const auto clean = noise (longest, 0.0, 2);
+    static const auto bad = withBadSamples (noise (longest, 0.0, 5));
+
+    for (const std::size_t frames : blockSizes)
+        for (const bool bypassed : { false, true })
+            for (const bool isBad : { false, true })
+                for (const int newPosition : { position, position + 1 })
+                {
+                    auto signal = isBad ? bad : clean;
+                    host.setParameter (static_cast<float> (newPosition) / 9.0f);
+                    host.dispatch (Vst2::effSetBypass, 0, bypassed ? 1 : 0);
+                    expectRealTimeBlock (host,
+                                         signal,
+                                         0,
+                                         frames,
+                                         std::to_string (frames) + " frames at " + std::to_string (rate) + " Hz"
+                                             + (mono ? ", mono" : ", stereo") + (isBad ? ", bad samples" : "")
+                                             + (bypassed ? ", host bypass" : ""));
+                }
+}
+
+TEST_P (RealTime, HoldsForEveryRateBlockSizeLayoutChangeBypassAndBadSample)
+{
+    for (const float rate : rates)
         for (const bool mono : { false, true })
         {
             RawHost host;
             host.setParameter (static_cast<float> (GetParam()) / 9.0f);
-            host.start (rate, 4096, mono);
+            host.start (rate, static_cast<int> (blockSizes.back()), mono);
             warmUp (host);
-            auto signal = noise (4096, 0.0, 2);
-
-            for (const std::size_t frames : { 0u, 1u, 17u, 64u, 512u, 4096u })
-                expectRealTimeBlock (host, signal, 0, frames, std::to_string (frames) + " frames");
+            expectRealTimeMatrix (host, GetParam(), rate, mono);
         }
 }
 
@@ -109,7 +140,7 @@ TEST_P (RealTime, HoldsAfterAStateWasLoadedAndAfterSuspendAndResume)
     expectRealTimeBlock (host, signal, 0, 512, "after a resume");
 }
 
-INSTANTIATE_TEST_SUITE_P (InMode, RealTime, testing::Values (0, 1, 2, 3, 5));
+INSTANTIATE_TEST_SUITE_P (InMode, RealTime, testing::Range (0, 9));
 
 TEST (EntryPoint, GivesNoInstanceWhenMemoryRunsOut)
 {

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "host/Signals.h"
 
-#include <array>
 #include <cmath>
-#include <limits>
 #include <random>
 #include <sndfile.hh>
 #include <stdexcept>
@@ -67,6 +65,19 @@ Signal voice (std::size_t frames)
     return signal;
 }
 
+Signal withBadSamples (Signal signal)
+{
+    const std::size_t frames = signal.left.size();
+
+    for (std::size_t i = 0; i < frames; i += 97)
+    {
+        signal.left[i] = badSamples[(i / 97) % badSamples.size()];
+        signal.right[(i + 31) % frames] = badSamples[(i / 97 + 2) % badSamples.size()];
+    }
+
+    return signal;
+}
+
 std::vector<Signal> testSignals (std::size_t frames)
 {
     std::vector<Signal> signals { constantly ("silence", frames, 0.0f), voice (frames) };
@@ -107,21 +118,8 @@ std::vector<Signal> testSignals (std::size_t frames)
 
     signals.push_back (decay);
 
-    constexpr auto infinity = std::numeric_limits<float>::infinity();
-    constexpr std::array bad { std::numeric_limits<float>::quiet_NaN(),
-                               infinity,
-                               -infinity,
-                               std::numeric_limits<float>::max(),
-                               -std::numeric_limits<float>::max() };
-    auto poisoned = noise (frames, -12.0, 45);
+    auto poisoned = withBadSamples (noise (frames, -12.0, 45));
     poisoned.name = "NaN and infinities";
-
-    for (std::size_t i = 0; i < frames; i += 97)
-    {
-        poisoned.left[i] = bad[(i / 97) % bad.size()];
-        poisoned.right[(i + 31) % frames] = bad[(i / 97 + 2) % bad.size()];
-    }
-
     signals.push_back (poisoned);
     return signals;
 }

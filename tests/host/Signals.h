@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include <array>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -11,6 +13,16 @@ struct Signal
     std::vector<float> left;
     std::vector<float> right;
 };
+
+/** What no converter gives and every plug-in gets some day: no number, the infinities, the largest numbers. */
+inline constexpr std::array badSamples { std::numeric_limits<float>::quiet_NaN(),
+                                         std::numeric_limits<float>::infinity(),
+                                         -std::numeric_limits<float>::infinity(),
+                                         std::numeric_limits<float>::max(),
+                                         -std::numeric_limits<float>::max() };
+
+/** A signal with bad samples in it, one in 97 of each channel. */
+Signal withBadSamples (Signal signal);
 
 /** The signals that library and oracle are compared on, each of this length in frames: silence, an impulse, full-scale
     squares, noise from -60 to +26 dB, the real voice, denormals, numbers with NaN and infinities among them. */

@@ -4,6 +4,17 @@
 #include <bit>
 #include <cmath>
 
+ReferencePlugin::ReferencePlugin (bool isMono)
+    : ReferencePlugin (isMono, { [] (float x) { return std::sin (x); }, [] (float x) { return std::atan (x); } })
+{
+}
+
+int ReferencePlugin::indexOf (float value)
+{
+    constexpr int noNumber = -1;
+    return std::isnan (value) ? noNumber : static_cast<int> (std::lround (9.0f * value));
+}
+
 void ReferencePlugin::process (float& left, float& right)
 {
     float l = left;
@@ -33,7 +44,7 @@ void ReferencePlugin::process (float& left, float& right)
         refresh();
     }
 
-    if (parameter != lastParameter)
+    if (parameter < lastParameter || parameter > lastParameter)
     {
         lastParameter = parameter;
         due = true;
@@ -53,7 +64,7 @@ void ReferencePlugin::refresh()
     if (hostRate > 999.0 && hostRate < 10000000001.0)
         rate = hostRate;
 
-    modeIndex = static_cast<int> (std::lround (9.0f * parameter));
+    modeIndex = indexOf (parameter);
 
     float airGain = 0, airFrequency = 0, airBandwidth = 0;
     float bodyGain = 0, bodyFrequency = 0, bodyBandwidth = 0;
@@ -266,7 +277,8 @@ void ReferencePlugin::chain (float& left, float& right)
     float br = ur;
     run (body, bl, br);
 
-    const float v[2] = { std::atan ((al - ul) * 50.0f) * 0.02f + bl, std::atan ((ar - ur) * 50.0f) * 0.02f + br };
+    const float v[2] = { functions.arcTangent ((al - ul) * 50.0f) * 0.02f + bl,
+                         functions.arcTangent ((ar - ur) * 50.0f) * 0.02f + br };
     float out[2] = {};
 
     for (std::size_t i = 0; i < 2; ++i)
@@ -296,7 +308,7 @@ void ReferencePlugin::chain (float& left, float& right)
         if (w > quarterTurn)
             w = quarterTurn;
 
-        out[i] = std::sin (w) * 0.9885f;
+        out[i] = functions.sine (w) * 0.9885f;
     }
 
     left = out[0];

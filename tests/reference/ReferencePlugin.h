@@ -13,13 +13,28 @@
 class ReferencePlugin
 {
 public:
-    explicit ReferencePlugin (bool isMono) : mono (isMono) {}
+    /** The two functions that a last bit may come from. Whoever compares to the bit gives those of the plug-in. */
+    struct Functions
+    {
+        float (*sine) (float);
+        float (*arcTangent) (float);
+    };
+
+    /** With the C library's functions. */
+    explicit ReferencePlugin (bool isMono);
+    ReferencePlugin (bool isMono, Functions given) : functions (given), mono (isMono) {}
 
     /** The host's automation value, 0 to 1. */
     void setParameter (float value) { parameter = value; }
 
     /** The host's rate in Hz, as it stands after a resume. It reaches the filters with the next refresh. */
     void setHostRate (double newRate) { hostRate = newRate; }
+
+    /** The host's layout: one channel or two. */
+    void setMono (bool isMono) { mono = isMono; }
+
+    /** What a load of a state asks for, whatever it holds. */
+    void requestRefresh() { due = true; }
 
     /** One sample in place; on a mono layout right is neither read nor written. The caller sets flush-to-zero. */
     void process (float& left, float& right);
@@ -42,11 +57,13 @@ private:
     };
 
     void refresh();
+    static int indexOf (float value);
     void chain (float& left, float& right);
     float runHighPass (int channel, float x);
     static void design (Biquad& filter, float designRate, float gainDb, float frequency, float bandwidth);
     static void run (Biquad& filter, float& left, float& right);
 
+    Functions functions;
     bool mono;
     float parameter = 2.0f / 9.0f;
     float lastParameter = -1e20f;

@@ -1,59 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // Windows that come and go while the sound goes on.
 #include "host/editor/EditorHost.h"
-
-#include <atomic>
-#include <thread>
+#include "host/editor/RunningAudio.h"
 
 namespace
 {
 class EditorLife : public WithDisplay
 {
-};
-
-/** Blocks of a tone through an instance on a thread of its own, until the end of this. */
-class RunningAudio
-{
-public:
-    explicit RunningAudio (RawHost& host) : thread ([this, &host] { run (host); }) {}
-
-    ~RunningAudio()
-    {
-        stop = true;
-        thread.join();
-    }
-
-    RunningAudio (const RunningAudio&) = delete;
-    RunningAudio& operator= (const RunningAudio&) = delete;
-
-    std::size_t blocks() const { return blockCount; }
-    bool wasAlwaysWithinItsBounds() const { return withinBounds; }
-
-private:
-    void run (RawHost& host)
-    {
-        std::vector<float> left (256);
-        std::vector<float> right (256);
-
-        while (! stop)
-        {
-            for (std::size_t i = 0; i < left.size(); ++i)
-                left[i] = right[i] = 0.25f * std::sin (0.05f * static_cast<float> (i));
-
-            host.process (left, right, 0, left.size());
-
-            for (const float sample : left)
-                if (! (std::abs (sample) <= 0.9885f))
-                    withinBounds = false;
-
-            ++blockCount;
-        }
-    }
-
-    std::atomic<bool> stop { false };
-    std::atomic<bool> withinBounds { true };
-    std::atomic<std::size_t> blockCount { 0 };
-    std::thread thread;
 };
 
 TEST_F (EditorLife, OpensAndClosesAThousandTimesWithAudioRunning)

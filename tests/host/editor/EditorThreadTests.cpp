@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// All threads of a host at once: audio, automation, saving and loading, the window.
+#include "host/editor/EditorHost.h"
+#include "host/editor/RunningAudio.h"
+
+#include <random>
+
+namespace
+{
+class EditorThreads : public WithDisplay
+{
+};
+
+/** Does something again and again on a thread of its own until the end of this. */
+template <typename Action>
+class Repeating
+{
+public:
+    explicit Repeating (Action whatToDo) : action (std::move (whatToDo)), thread ([this] { run(); }) {}
+
+    ~Repeating()
+    {
+        stop = true;
+        thread.join();
+    }
+
+    Repeating (const Repeating&) = delete;
+    Repeating& operator= (const Repeating&) = delete;
+
+    std::size_t times() const { return count; }
+
+private:
+    void run()
+    {
+        while (! stop)
+        {
+            action();
+            ++count;
+        }
+    }
+
+    Action action;
+    std::atomic<bool> stop { false };
+    std::atomic<std::size_t> count { 0 };
+    std::thread thread;
+};
+
+std::string document (int position)
+{
+    const std::string text = "<settings mode=\"0." + std::to_string (position * 1111) + "\" kept=\"entry\"/>";
+    std::string bytes = "VC2!";
+    bytes += static_cast<char> (text.size());
+    bytes.append (3, '\0');
+    return bytes + text + '\0';
+}
+
+void runAllThreads (std::size_t blocks, int lowest, int highest, bool expectBounds)
+{
+    RawHost host;
+    host.start (48000.0f);
+    const RunningAudio audio (host);
+    std::mt19937 random (7);
+
+    const Repeating automation (
+        [&host, lowest, highest, random = std::mt19937 (8)]() mutable
+        {
+            const auto range = static_cast<unsigned> (highest - lowest + 1);
+            host.setParameter (static_cast<float> (lowest + static_cast<int> (random() % range)) / 9.0f);
+            host.getParameter();
+            host.text (Vst2::effGetParamDisplay);
+        });
+
+    const Repeating state (
+        [&host, lowest, highest, random = std::mt19937 (9)]() mutable
+        {
+            const auto range = static_cast<unsigned> (highest - lowest + 1);
+            host.setChunk (document (lowest + static_cast<int> (random() % range)));
+            EXPECT_NE (host.chunk().find (" kept=\"entry\""), std::string::npos);
+        });
+
+    std::size_t openings = 0;
+
+    for (; audio.blocks() < blocks; ++openings)
+    {
+        larkspire::window::EditorWindow window (host.effect());
+        window.idle (std::chrono::milliseconds (random() % 20));
+    }
+
+    EXPECT_GT (automation.times(), blocks / 100);
+    EXPECT_GT (state.times(), blocks / 1000);
+    EXPECT_GT (openings, 10u);
+    EXPECT_TRUE (audio.wasAlwaysFinite());
+    EXPECT_TRUE (! expectBounds || audio.wasAlwaysWithinItsBounds());
+}
+
+TEST_F (EditorThreads, RunAtOnceForAHundredThousandBlocksInEveryModeButBypass)
+{
+    runAllThreads (100000, 1, 9, true);
+}
+
+TEST_F (EditorThreads, RunAtOnceInEveryModeAndInBypass)
+{
+    runAllThreads (20000, 0, 9, false);
+}
+} // namespace

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include <cmath>
+#include <vector>
+
+namespace larkspire::measure
+{
+
+/** Forty frequencies a decade from one power of ten, or a part of the way to the next, to 20 kHz; 1 kHz is among them.
+    In Hz. */
+inline std::vector<double> frequenciesFrom (double lowest)
+{
+    constexpr double perDecade = 40.0;
+    constexpr double highest = 20000.0;
+    std::vector<double> frequencies;
+
+    for (double step = std::ceil (perDecade * std::log10 (lowest)); step <= perDecade * std::log10 (highest) + 1e-9;
+         step += 1.0)
+        frequencies.push_back (std::pow (10.0, step / perDecade));
+
+    return frequencies;
+}
+
+/** What the responses are relative to, in Hz. */
+inline constexpr double referenceFrequency = 1000.0;
+
+inline constexpr int usualRate = 48000; // Hz
+
+} // namespace larkspire::measure

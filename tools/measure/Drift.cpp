@@ -74,7 +74,7 @@ double toleranceOf (std::string_view column, double value)
     if (column.ends_with ("_frames"))
         return 0.01 * std::abs (value) + 2.0;
 
-    return column.ends_with ("_ms") ? 0.1 : 0.002;
+    return 0.002;
 }
 
 std::string drift (const Table& committed, const Table& measured)

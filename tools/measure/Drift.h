@@ -9,7 +9,7 @@
 namespace larkspire::measure
 {
 
-/** By how much two measurements of a column may differ and still be the same: 0.05 dB, 1 % and two frames, 0.1 ms,
+/** By how much two measurements of a column may differ and still be the same: 0.05 dB, 1 % and two frames,
     0.002 of full scale. Another compiler's or C library's last bits stay far within.
 
     @param value  the committed number, for what is compared in proportion

@@ -68,7 +68,7 @@ Table measureFilters (const Subject&)
             values.push_back (curveOf (designed (mode.settings().air), frequency));
         }
 
-        table.add (written (frequency, 1), std::move (values));
+        table.add (written (frequency, 2), std::move (values));
     }
 
     return table;

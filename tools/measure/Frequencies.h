@@ -7,15 +7,15 @@
 namespace larkspire::measure
 {
 
-/** Forty frequencies a decade from one power of ten, or a part of the way to the next, to 20 kHz; 1 kHz is among them.
-    In Hz. */
+/** Forty frequencies a decade, the first at or just below the lowest and the last at or just below 20 kHz; 1 kHz is
+   among them. In Hz. */
 inline std::vector<double> frequenciesFrom (double lowest)
 {
     constexpr double perDecade = 40.0;
     constexpr double highest = 20000.0;
     std::vector<double> frequencies;
 
-    for (double step = std::ceil (perDecade * std::log10 (lowest)); step <= perDecade * std::log10 (highest) + 1e-9;
+    for (double step = std::floor (perDecade * std::log10 (lowest)); step <= perDecade * std::log10 (highest) + 1e-9;
          step += 1.0)
         frequencies.push_back (std::pow (10.0, step / perDecade));
 

@@ -3,6 +3,7 @@
 // tables of a document.
 #include "measure/Document.h"
 #include "measure/Measurements.h"
+#include "render/AudioInput.h"
 #include "render/Failure.h"
 
 #include <cstdio>
@@ -51,6 +52,7 @@ void run (const std::filesystem::path& libraryPath,
 {
     const auto text = textOf (document);
     const render::PluginLibrary library (libraryPath);
+    const render::AudioInput recording (voice); // it is measured last, and a wrong name should not cost the time before
     const Subject subject { .library = library, .voice = voice };
     Tables tables;
 
@@ -58,7 +60,8 @@ void run (const std::filesystem::path& libraryPath,
     {
         std::printf ("%s\n", fileOf (folder, measurement.name).c_str());
         std::fflush (stdout);
-        tables.emplace (measurement.name, measurement.measure (subject));
+        const auto csv = toCsv (measurement.measure (subject));
+        tables.emplace (measurement.name, fromCsv (std::string (measurement.name), csv));
     }
 
     const auto newText = withTables (text, tables);

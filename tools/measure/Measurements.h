@@ -21,13 +21,18 @@ struct Subject
 /** The curves of the filters alone at 48 kHz, in dB, as the chain's own design code makes them. Nothing is run. */
 Table measureFilters (const Subject& subject);
 
-/** The gain of the whole chain over frequency, in dB with 0 dB at 1 kHz, at three sample rates; a tone of -80 dBFS with
+/** The gain of the whole chain over frequency, in dB with 0 dB at 1 kHz, at three sample rates; a tone of -68 dBFS with
     the gains at rest: expander closed, leveller at 1. There the chain is linear. */
 Table measureResponse (const Subject& subject);
 
-/** The gain of the whole chain over frequency at 48 kHz, in dB with 0 dB for a pilot tone of 1 kHz and -12 dBFS that
-   holds the gains where a voice holds them; of a second, weaker tone at several levels. */
+/** The gain of the two filters with the saturated air term over frequency at 48 kHz, in dB with 0 dB at 1 kHz, by the
+    level of the tone at the plug-in's input: in the chain's own code, and of the built library at a level at which its
+    expander is open and its leveller at rest. */
 Table measureAir (const Subject& subject);
+
+/** The gain of the built library for a soft high tone beside a loud low one, by the level of the loud one; in dB, 0 dB
+    being its gain for a tone of 1 kHz. */
+Table measureAirUnderVoice (const Subject& subject);
 
 /** The settled level of a tone of 997 Hz by its input level, in dBFS, the input rising from -90 dBFS to 0, and falling
     from where the leveller is at rest. */
@@ -59,6 +64,9 @@ Table measureFold (const Subject& subject);
 /** By how much left is louder than right in the output, by how much it is in the input: at rest, where only the fold
     counts, and settled at -20 dBFS. */
 Table measureImage (const Subject& subject);
+
+/** The same over time for a 1 kHz tone of -20 dBFS that begins on the left only, the gains at rest before it. */
+Table measureImageOverTime (const Subject& subject);
 
 /** The voice and what each mode makes of it: level over 50 ms, every 25 ms. */
 Table measureVoiceLevel (const Subject& subject);

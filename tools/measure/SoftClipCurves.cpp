@@ -53,10 +53,11 @@ Table measureHarmonics (const Subject&)
 {
     Table table { .name = "harmonics", .keyColumn = "peak_dbfs", .columns = { "third_db", "fifth_db", "seventh_db" } };
 
-    for (int decibels = -30; decibels <= 12; ++decibels)
+    for (int step = 0; step <= 84; ++step)
     {
+        const double decibels = -30.0 + 0.5 * step;
         const auto harmonics = softClipHarmonics (fromDecibels (decibels));
-        table.add (written (decibels, 0), { harmonics.third, harmonics.fifth, harmonics.seventh });
+        table.add (written (decibels, 1), { harmonics.third, harmonics.fifth, harmonics.seventh });
     }
 
     return table;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // What becomes of left and right: in the fold's own code, and of the built library.
 #include "chain/StereoFold.h"
+#include "measure/Envelope.h"
 #include "measure/Instance.h"
 #include "measure/Measurements.h"
 #include "measure/Tone.h"
@@ -37,19 +38,30 @@ std::vector<float> panned (Tone& tone, std::size_t frames, double level, double 
     return interleaved;
 }
 
-/** By how much left is louder than right. */
-double differenceIn (const std::vector<float>& interleaved)
+struct Channels
 {
     std::vector<float> left;
     std::vector<float> right;
+};
+
+Channels apart (const std::vector<float>& interleaved)
+{
+    Channels channels;
 
     for (std::size_t i = 0; i < interleaved.size(); i += 2)
     {
-        left.push_back (interleaved[i]);
-        right.push_back (interleaved[i + 1]);
+        channels.left.push_back (interleaved[i]);
+        channels.right.push_back (interleaved[i + 1]);
     }
 
-    return levelOf (left) - levelOf (right);
+    return channels;
+}
+
+/** By how much left is louder than right. */
+double differenceIn (const std::vector<float>& interleaved)
+{
+    const auto channels = apart (interleaved);
+    return levelOf (channels.left) - levelOf (channels.right);
 }
 
 /** Output differences of one instance that goes through these input differences, for so long each. */
@@ -115,6 +127,40 @@ Table measureImage (const Subject& subject)
 
         table.add (std::isinf (inputs[row]) ? "left only" : written (inputs[row], 0), std::move (values));
     }
+
+    return table;
+}
+
+Table measureImageOverTime (const Subject& subject)
+{
+    constexpr std::size_t shown = 150; // periods, which are milliseconds
+    Table table { .name = "image-over-time", .keyColumn = "time_ms", .columns = columnsForModes ({ "db" }) };
+    std::vector<std::vector<double>> rows (shown);
+
+    for (const auto& mode : knob)
+    {
+        Instance instance (subject.library, mode.position, rate, 2);
+        instance.rest (mode.framesToRest());
+        Tone tone (1.0 / Envelope::period);
+        const auto [left, right] =
+            apart (instance.process (panned (tone, shown * Envelope::period, speakingLevel, INFINITY)));
+        Envelope ofLeft;
+        Envelope ofRight;
+        ofLeft.add (left);
+        ofRight.add (right);
+        constexpr auto perPeriod = Envelope::period / Envelope::hop;
+
+        for (std::size_t i = 0; i < shown; ++i)
+        {
+            const auto index = (i + 1) * perPeriod - 1;
+            rows[i].push_back (toDecibels (static_cast<double> (ofLeft.amplitudes()[index])
+                                           / static_cast<double> (ofRight.amplitudes()[index])));
+        }
+    }
+
+    // Half a millisecond past the whole one is the middle of the period.
+    for (std::size_t i = 0; i < shown; ++i)
+        table.add (written (static_cast<double> (i) + 0.5, 1), std::move (rows[i]));
 
     return table;
 }

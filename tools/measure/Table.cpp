@@ -123,10 +123,7 @@ int digitsOf (std::string_view column)
     if (column.ends_with ("_frames"))
         return 0;
 
-    if (column.ends_with ("_db") || column.ends_with ("_dbfs"))
-        return 2;
-
-    return column.ends_with ("_hz") ? 1 : 4;
+    return column.ends_with ("_db") || column.ends_with ("_dbfs") ? 3 : 4;
 }
 
 std::string toCsv (const Table& table)

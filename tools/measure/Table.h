@@ -18,7 +18,7 @@ struct Row
 };
 
 /** A measurement: rows of numbers under keys. The end of a column's name is its unit, which says how exactly it is
-    written and compared: _db, _dbfs, _hz, _ms, _frames; none for a plain factor, linear full scale 1.0. */
+    written and compared: _db, _dbfs, _frames; none for a plain number, linear full scale 1.0. */
 struct Table
 {
     std::string name; // also the file's, without its ending

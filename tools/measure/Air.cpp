@@ -2,6 +2,7 @@
 // What the air term lifts, by level: in the chain's own code, and of the built library.
 #include "chain/AirTerm.h"
 #include "chain/SideBySide.h"
+#include "measure/DesignedPeak.h"
 #include "measure/Frequencies.h"
 #include "measure/Instance.h"
 #include "measure/Measurements.h"
@@ -30,18 +31,11 @@ constexpr double foldOfMiddle = 1.5;
 constexpr std::size_t settling = usualRate / 20;
 constexpr std::size_t listening = usualRate / 5;
 
-PeakingFilter designed (const PeakSettings& peak)
-{
-    PeakingFilter filter;
-    designPeaking (filter, static_cast<float> (usualRate), peak.gainDb, peak.frequency, peak.bandwidth);
-    return filter;
-}
-
 /** The linear factor from what the fold gives to what the leveller gets. */
 double gainOfStage (const VoiceMode& mode, double level, double frequency)
 {
-    auto air = designed (mode.settings().air);
-    auto body = designed (mode.settings().body);
+    auto air = designedPeak (mode.settings().air);
+    auto body = designedPeak (mode.settings().body);
     Tone tone (frequency / usualRate);
     const auto peak = fromDecibels (level) * foldOfMiddle;
     auto samples = tone.next (settling + listening, toDecibels (peak));
@@ -74,6 +68,7 @@ std::vector<float> sum (std::vector<float> a, const std::vector<float>& b)
 Table measureAir (const Subject& subject)
 {
     std::vector<std::string> endings;
+    endings.reserve (levels.size() + 1);
 
     for (const auto level : levels)
         endings.push_back ("at_" + written (level, 0) + "_db");
@@ -114,6 +109,7 @@ Table measureAirUnderVoice (const Subject& subject)
     constexpr double vowel = 250.0;          // Hz
     constexpr double consonant = 12000.0;    // Hz
     constexpr double consonantLevel = -48.0; // dBFS
+    constexpr std::size_t settlingOnVowel = usualRate * std::size_t { 2 };
     Table table { .name = "air-under-voice", .keyColumn = "vowel_dbfs", .columns = columnsForModes ({ "db" }) };
     const std::array vowelLevels { -36.0, -24.0, -18.0, -12.0, -6.0, 0.0 };
     std::vector<std::vector<double>> rows (vowelLevels.size());
@@ -130,7 +126,7 @@ Table measureAirUnderVoice (const Subject& subject)
         {
             const auto next = [&] (std::size_t frames)
             { return sum (loud.next (frames, vowelLevels[i]), soft.next (frames, consonantLevel)); };
-            instance.process (next (2 * usualRate));
+            instance.process (next (settlingOnVowel));
             const auto output = instance.process (next (usualRate / 2));
             const auto gainOfVowel = componentAt (output, vowel / usualRate) / fromDecibels (vowelLevels[i]);
             const auto gainOfConsonant = componentAt (output, consonant / usualRate) / fromDecibels (consonantLevel);

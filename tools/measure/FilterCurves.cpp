@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The filters alone: what the chain's design code says of them.
 #include "chain/HighPass.h"
-#include "chain/PeakingFilter.h"
+#include "measure/DesignedPeak.h"
 #include "measure/Frequencies.h"
 #include "measure/Measurements.h"
 #include "measure/Tone.h"
@@ -40,12 +40,6 @@ double curveOf (const juce::IIRFilter& filter, double frequency)
     return toDecibels (std::abs (above / below));
 }
 
-PeakingFilter designed (const PeakSettings& peak)
-{
-    PeakingFilter filter;
-    designPeaking (filter, static_cast<float> (usualRate), peak.gainDb, peak.frequency, peak.bandwidth);
-    return filter;
-}
 } // namespace
 
 Table measureFilters (const Subject&)
@@ -64,8 +58,8 @@ Table measureFilters (const Subject&)
             juce::IIRFilter right;
             designHighPass (left, right, usualRate, mode.settings().highPass);
             values.push_back (curveOf (left, frequency));
-            values.push_back (curveOf (designed (mode.settings().body), frequency));
-            values.push_back (curveOf (designed (mode.settings().air), frequency));
+            values.push_back (curveOf (designedPeak (mode.settings().body), frequency));
+            values.push_back (curveOf (designedPeak (mode.settings().air), frequency));
         }
 
         table.add (written (frequency, 2), std::move (values));

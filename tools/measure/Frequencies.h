@@ -13,10 +13,11 @@ inline std::vector<double> frequenciesFrom (double lowest)
 {
     constexpr double perDecade = 40.0;
     constexpr double highest = 20000.0;
+    const auto stepOf = [] (double frequency)
+    { return static_cast<int> (std::floor (perDecade * std::log10 (frequency))); };
     std::vector<double> frequencies;
 
-    for (double step = std::floor (perDecade * std::log10 (lowest)); step <= perDecade * std::log10 (highest) + 1e-9;
-         step += 1.0)
+    for (int step = stepOf (lowest); step <= stepOf (highest); ++step)
         frequencies.push_back (std::pow (10.0, step / perDecade));
 
     return frequencies;

@@ -20,7 +20,7 @@ Instance::Instance (const render::PluginLibrary& library, render::Mode mode, int
 
 std::vector<float> Instance::process (std::vector<float> interleaved)
 {
-    const auto most = static_cast<std::size_t> (blockSize * channels);
+    const auto most = static_cast<std::size_t> (blockSize) * static_cast<std::size_t> (channels);
 
     for (std::span<float> rest (interleaved); ! rest.empty();)
     {

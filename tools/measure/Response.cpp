@@ -6,6 +6,7 @@
 #include "measure/Tone.h"
 #include "measure/VoiceModes.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace larkspire::measure
@@ -24,17 +25,15 @@ Table measureResponse (const Subject& subject)
 
     for (const auto& mode : knob)
         for (const int rate : { 44100, 48000, 96000 })
-            lists.push_back (restingGains (subject, mode, rate, frequencies));
+        {
+            auto& gains = lists.emplace_back (restingGains (subject, mode, rate, frequencies));
+            const auto reference = gains.front();
+            std::transform (
+                gains.begin(), gains.end(), gains.begin(), [&] (double gain) { return toDecibels (gain / reference); });
+        }
 
     for (std::size_t row = 1; row < frequencies.size(); ++row)
-    {
-        std::vector<double> values;
-
-        for (const auto& gains : lists)
-            values.push_back (toDecibels (gains[row] / gains.front()));
-
-        table.add (written (frequencies[row], 2), std::move (values));
-    }
+        table.addAcross (written (frequencies[row], 2), lists, row);
 
     return table;
 }

@@ -90,14 +90,7 @@ Table measureStaticLevel (const Subject& subject)
     }
 
     for (std::size_t row = 0; row <= steps; ++row)
-    {
-        std::vector<double> values;
-
-        for (const auto& list : lists)
-            values.push_back (list[row]);
-
-        table.add (written (inputAt (static_cast<int> (row)), 1), std::move (values));
-    }
+        table.addAcross (written (inputAt (static_cast<int> (row)), 1), lists, row);
 
     return table;
 }

@@ -119,14 +119,7 @@ Table measureImage (const Subject& subject)
     }
 
     for (std::size_t row = 0; row < inputs.size(); ++row)
-    {
-        std::vector<double> values;
-
-        for (const auto& list : lists)
-            values.push_back (list[row]);
-
-        table.add (std::isinf (inputs[row]) ? "left only" : written (inputs[row], 0), std::move (values));
-    }
+        table.addAcross (std::isinf (inputs[row]) ? "left only" : written (inputs[row], 0), lists, row);
 
     return table;
 }

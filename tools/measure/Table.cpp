@@ -58,6 +58,17 @@ void Table::add (std::string key, std::vector<double> values)
     rows.push_back ({ std::move (key), std::move (values) });
 }
 
+void Table::addAcross (std::string key, const std::vector<std::vector<double>>& lists, std::size_t place)
+{
+    std::vector<double> values;
+    values.reserve (lists.size());
+
+    for (const auto& list : lists)
+        values.push_back (list[place]);
+
+    add (std::move (key), std::move (values));
+}
+
 std::size_t Table::columnOf (std::string_view column) const
 {
     const auto found = std::find (columns.begin(), columns.end(), column);
@@ -169,7 +180,7 @@ Table fromCsv (const std::string& name, const std::string& text)
         const auto fields = fieldsOf (line);
 
         if (fields.size() != headings.size())
-            throw std::runtime_error (name + ": the line '" + line + "' has another number of fields than the heading");
+            throw std::runtime_error (name + ": a line has another number of fields than the heading");
 
         std::vector<double> values;
         std::transform (fields.begin() + 1, fields.end(), std::back_inserter (values), numberIn);

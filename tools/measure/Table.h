@@ -29,6 +29,9 @@ struct Table
     /** Appends a row; the values must be as many as the columns. Throws std::logic_error if they are not. */
     void add (std::string key, std::vector<double> values);
 
+    /** Appends a row of the numbers that stand at one place in lists, of which there is one a column. */
+    void addAcross (std::string key, const std::vector<std::vector<double>>& lists, std::size_t place);
+
     /** Where a column stands. Throws std::out_of_range if there is none of that name. */
     std::size_t columnOf (std::string_view column) const;
 

@@ -5,9 +5,12 @@
 #include "measure/Measurements.h"
 #include "measure/VoiceModes.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <functional>
+#include <iterator>
 #include <limits>
 
 namespace larkspire::measure
@@ -140,10 +143,7 @@ Table measureTimes (const Subject& subject)
     const auto add = [&] (const char* what, double Times::*time)
     {
         std::vector<double> values;
-
-        for (const auto& times : all)
-            values.push_back (times.*time);
-
+        std::transform (all.begin(), all.end(), std::back_inserter (values), std::mem_fn (time));
         table.add (what, std::move (values));
     };
 
@@ -232,12 +232,7 @@ Table measureSteps (const Subject& subject)
         if (time < -50.0 || (time > 60.0 && row % 5 != 0))
             continue;
 
-        std::vector<double> values;
-
-        for (const auto& list : lists)
-            values.push_back (list[row]);
-
-        table.add (written (time, 1), std::move (values));
+        table.addAcross (written (time, 1), lists, row);
     }
 
     return table;

@@ -99,14 +99,7 @@ Table measureVoiceLevel (const Subject& subject)
         lists.push_back (levelsOf (version, voices.rate));
 
     for (std::size_t row = 0; row < lists.front().size(); ++row)
-    {
-        std::vector<double> values;
-
-        for (const auto& list : lists)
-            values.push_back (list[row]);
-
-        table.add (written (static_cast<double> (row) * levelHop + 0.5 * levelWindow, 3), std::move (values));
-    }
+        table.addAcross (written (static_cast<double> (row) * levelHop + 0.5 * levelWindow, 3), lists, row);
 
     return table;
 }

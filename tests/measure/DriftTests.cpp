@@ -10,7 +10,17 @@
 
 #include <algorithm>
 #include <limits>
+#include <ostream>
 #include <string>
+
+namespace larkspire::measure
+{
+/** What the test framework shows of a parameter. */
+static void PrintTo (const Measurement& measurement, std::ostream* stream)
+{
+    *stream << measurement.name;
+}
+} // namespace larkspire::measure
 
 namespace
 {
@@ -36,7 +46,9 @@ TEST_P (Committed, IsWhatTheLibraryAsBuiltGives)
 
     const render::PluginLibrary library (LARKSPIRE_PLUGIN_PATH);
     const auto measured = GetParam().measure ({ .library = library, .voice = voice });
-    EXPECT_EQ (drift (committed (GetParam().name), measured), "")
+    const auto moved = drift (committed (GetParam().name), measured);
+    EXPECT_TRUE (moved.empty())
+        << moved
         << "The sound has changed, or the way it is measured. If that is meant: make docs, and look at the pictures.";
 }
 

@@ -10,6 +10,7 @@
 #include <exception>
 #include <fstream>
 #include <iterator>
+#include <string>
 
 namespace
 {
@@ -58,7 +59,7 @@ void run (const std::filesystem::path& libraryPath,
 
     for (const auto& measurement : measurements())
     {
-        std::printf ("%s\n", fileOf (folder, measurement.name).c_str());
+        std::printf ("measuring: %s\n", std::string (measurement.name).c_str());
         std::fflush (stdout);
         const auto csv = toCsv (measurement.measure (subject));
         tables.emplace (measurement.name, fromCsv (std::string (measurement.name), csv));

@@ -51,11 +51,12 @@ TEST (Envelope, IsTheAmplitudeOfItsToneAtAnyPhase)
 {
     for (const double phase : { 0.0, 0.3, 1.7 })
     {
-        std::vector<float> samples;
+        std::vector<float> samples (480);
 
-        for (int i = 0; i < 480; ++i)
-            samples.push_back (0.25f
-                               * static_cast<float> (std::sin (2.0 * std::numbers::pi * i / Envelope::period + phase)));
+        for (std::size_t i = 0; i < samples.size(); ++i)
+            samples[i] = 0.25f
+                         * static_cast<float> (
+                             std::sin (2.0 * std::numbers::pi * static_cast<double> (i) / Envelope::period + phase));
 
         Envelope envelope;
         envelope.add (samples);

@@ -55,6 +55,7 @@ std::span<const float> stretch (const std::vector<float>& version, std::size_t f
 std::vector<std::string> columnsWithInput (const std::vector<std::string>& endings)
 {
     std::vector<std::string> columns;
+    columns.reserve (endings.size() * (knob.size() + 1));
 
     for (const auto& ending : endings)
         columns.push_back ("input_" + ending);

@@ -1,6 +1,6 @@
 # What people type. The build itself is CMake's; see CMakePresets.json for other builds.
 .DEFAULT_GOAL := build
-.PHONY: setup configure build demo screenshot lint test fuzz fuzzer test-asan test-tsan torture exhaustive bench \
+.PHONY: setup configure build demo screenshot docs lint test fuzz fuzzer test-asan test-tsan torture exhaustive bench \
 	performance test-hosts windows test-windows package test-packages install uninstall clean
 
 PRESET := release
@@ -43,6 +43,16 @@ demo: build
 screenshot: configure
 	@cmake --build --preset $(PRESET) --target Larkspire_VST larkspire-screenshot
 	@JUCE_FONT_PATH=/usr/share/fonts/truetype/liberation2 build/$(PRESET)/tools/larkspire-screenshot "$(LIBRARY)" docs
+
+# The measurements and pictures of docs/sound.md, of the library as built, and the pictures of the window. What the
+# plug-in costs depends on the machine, and is measured by make performance.
+docs: screenshot
+	@scripts/setup scripts/docs/packages.txt
+	@cmake --build --preset $(PRESET) --target larkspire-join larkspire-measure
+	@LARKSPIRE_BUILD=build/$(PRESET) scripts/voice build/$(PRESET)/voice.wav
+	@DISPLAY=:none build/$(PRESET)/tools/measure/larkspire-measure "$(LIBRARY)" build/$(PRESET)/voice.wav \
+		docs/sound/data docs/sound.md
+	@scripts/docs/draw docs/sound/data docs/sound
 
 lint: configure
 	@cmake --build --preset $(PRESET) --target lint

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// docs/sound.md, its tables and pictures, and the program that writes them.
+#include "measure/CommittedTables.h"
+#include "measure/Document.h"
+#include "tools/Child.h"
+#include "tools/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <stdexcept>
+#include <string>
+
+namespace
+{
+using namespace larkspire::measure;
+using testing::HasSubstr;
+
+const std::filesystem::path docs = LARKSPIRE_DOCS_PATH;
+
+std::set<std::string> stemsIn (const std::filesystem::path& folder, const std::string& extension)
+{
+    std::set<std::string> stems;
+
+    for (const auto& entry : std::filesystem::directory_iterator (folder))
+        if (entry.path().extension() == extension)
+            stems.insert (entry.path().stem().string());
+
+    return stems;
+}
+
+TEST (Document, HoldsTheTablesOfTheCommittedMeasurements)
+{
+    const auto text = textOf (docs / "sound.md");
+    EXPECT_NE (text.find ("<!-- table: "), std::string::npos);
+    EXPECT_TRUE (withTables (text, allCommitted()) == text)
+        << "docs/sound.md is not that of docs/sound/data: make docs";
+}
+
+TEST (Document, ShowsEveryPictureAndEveryPictureHasItsScript)
+{
+    const auto text = textOf (docs / "sound.md");
+    auto scripts = stemsIn (LARKSPIRE_PICTURE_SCRIPTS_PATH, ".gp");
+    EXPECT_EQ (scripts.erase ("style"), 1u);
+    EXPECT_EQ (stemsIn (docs / "sound", ".png"), scripts);
+
+    for (const auto& name : scripts)
+        EXPECT_NE (text.find ("(sound/" + name + ".png)"), std::string::npos) << name;
+}
+
+TEST (Document, KeepsWhatIsNoTable)
+{
+    const std::string before = "Text.\n<!-- table: fold -->\nold\n<!-- end of table -->\nMore.\n";
+    const auto after = withTables (before, allCommitted());
+    EXPECT_TRUE (after.starts_with ("Text.\n<!-- table: fold -->\n\n| Source |")) << after;
+    EXPECT_TRUE (after.ends_with (" |\n\n<!-- end of table -->\nMore.\n")) << after;
+    EXPECT_EQ (withTables (after, allCommitted()), after);
+    EXPECT_EQ (withTables ("No table.\n", allCommitted()), "No table.\n");
+}
+
+TEST (Document, IsRefusedIfATableIsUnknownOrHasNoEnd)
+{
+    EXPECT_THROW (withTables ("<!-- table: nobody -->\n<!-- end of table -->\n", allCommitted()), std::runtime_error);
+    EXPECT_THROW (withTables ("<!-- table: fold -->\n", allCommitted()), std::runtime_error);
+    EXPECT_THROW (withTables ("<!-- table: fold\n<!-- end of table -->\n", allCommitted()), std::runtime_error);
+}
+
+TEST (Measure, ExplainsABadCallInOneLineAndWritesNothing)
+{
+    const TemporaryFolder folder;
+    std::ofstream (folder / "sound.md") << "Text.\n";
+    const auto call = [&] (const std::vector<std::string>& arguments)
+    { return run (Call { .arguments = arguments, .program = LARKSPIRE_MEASURE_PATH }); };
+
+    EXPECT_EQ (call ({ "one" }).exitStatus, 2);
+
+    const auto noDocument = call ({ LARKSPIRE_PLUGIN_PATH, folder / "no.wav", folder / "data", folder / "no.md" });
+    EXPECT_EQ (noDocument.exitStatus, 1);
+    EXPECT_EQ (noDocument.errors, "larkspire-measure: " + (folder / "no.md") + ": cannot be read\n");
+
+    const auto noLibrary = call ({ folder / "no.so", folder / "no.wav", folder / "data", folder / "sound.md" });
+    EXPECT_EQ (noLibrary.exitStatus, 1);
+    EXPECT_EQ (linesOf (noLibrary.errors).size(), 1u) << noLibrary.errors;
+
+    const auto noVoice = call ({ LARKSPIRE_PLUGIN_PATH, folder / "no.wav", folder / "data", folder / "sound.md" });
+    EXPECT_EQ (noVoice.exitStatus, 1);
+    EXPECT_THAT (noVoice.errors, HasSubstr ("no.wav"));
+    EXPECT_EQ (folder.contents(), std::vector<std::string> { "sound.md" });
+}
+} // namespace

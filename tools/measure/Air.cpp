@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// What the air term lifts, by level: in the chain's own code, and of the built library.
+#include "chain/AirTerm.h"
+#include "chain/SideBySide.h"
+#include "measure/DesignedPeak.h"
+#include "measure/Frequencies.h"
+#include "measure/Instance.h"
+#include "measure/Measurements.h"
+#include "measure/RestingGains.h"
+#include "measure/Tone.h"
+#include "measure/VoiceModes.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace larkspire::measure
+{
+
+namespace
+{
+constexpr std::array levels { -54.0, -42.0, -30.0, -18.0, -6.0 }; // dBFS
+
+// The expander, once open, stays open at it in each mode, and the leveller is at rest whatever the air adds.
+constexpr double levelOfLibrary = -54.0; // dBFS
+constexpr double openingLevel = -42.0;   // dBFS, likewise
+
+// Both channels alike come out of the fold so much louder.
+constexpr double foldOfMiddle = 1.5;
+
+constexpr std::size_t settling = usualRate / 20;
+constexpr std::size_t listening = usualRate / 5;
+
+/** The linear factor from what the fold gives to what the leveller gets. */
+double gainOfStage (const VoiceMode& mode, double level, double frequency)
+{
+    auto air = designedPeak (mode.settings().air);
+    auto body = designedPeak (mode.settings().body);
+    Tone tone (frequency / usualRate);
+    const auto peak = fromDecibels (level) * foldOfMiddle;
+    auto samples = tone.next (settling + listening, toDecibels (peak));
+
+    for (auto& sample : samples)
+    {
+        const auto dry = everywhere (sample);
+        const auto filtered = filterSideBySide (air, body, dry);
+        sample = addSaturatedAir (upperHalf (filtered), lowerHalf (filtered), dry)[0];
+    }
+
+    return componentAt (std::span (samples).subspan (settling), frequency / usualRate) / peak;
+}
+
+double gainOfLibrary (Instance& instance, double frequency)
+{
+    Tone tone (frequency / usualRate);
+    instance.process (tone.next (settling, levelOfLibrary));
+    const auto output = instance.process (tone.next (listening, levelOfLibrary));
+    return componentAt (output, frequency / usualRate) / fromDecibels (levelOfLibrary);
+}
+
+std::vector<float> sum (std::vector<float> a, const std::vector<float>& b)
+{
+    std::transform (a.begin(), a.end(), b.begin(), a.begin(), std::plus<>());
+    return a;
+}
+} // namespace
+
+Table measureAir (const Subject& subject)
+{
+    std::vector<std::string> endings;
+    endings.reserve (levels.size() + 1);
+
+    for (const auto level : levels)
+        endings.push_back ("at_" + written (level, 0) + "_db");
+
+    endings.push_back ("library_at_" + written (levelOfLibrary, 0) + "_db");
+    Table table { .name = "air", .keyColumn = "frequency_hz", .columns = columnsForModes (endings) };
+    const auto frequencies = frequenciesFrom (500.0);
+    std::vector<std::vector<double>> rows (frequencies.size());
+
+    for (const auto& mode : knob)
+    {
+        for (const auto level : levels)
+        {
+            const auto reference = gainOfStage (mode, level, referenceFrequency);
+
+            for (std::size_t i = 0; i < frequencies.size(); ++i)
+                rows[i].push_back (toDecibels (gainOfStage (mode, level, frequencies[i]) / reference));
+        }
+
+        Instance instance (subject.library, mode.position, usualRate);
+        instance.rest (mode.framesToRest());
+        Tone opening (referenceFrequency / usualRate);
+        instance.process (opening.next (usualRate, openingLevel));
+        const auto reference = gainOfLibrary (instance, referenceFrequency);
+
+        for (std::size_t i = 0; i < frequencies.size(); ++i)
+            rows[i].push_back (toDecibels (gainOfLibrary (instance, frequencies[i]) / reference));
+    }
+
+    for (std::size_t i = 0; i < frequencies.size(); ++i)
+        table.add (written (frequencies[i], 2), std::move (rows[i]));
+
+    return table;
+}
+
+Table measureAirUnderVoice (const Subject& subject)
+{
+    constexpr double vowel = 250.0;          // Hz
+    constexpr double consonant = 12000.0;    // Hz
+    constexpr double consonantLevel = -48.0; // dBFS
+    constexpr std::size_t settlingOnVowel = usualRate * std::size_t { 2 };
+    Table table { .name = "air-under-voice", .keyColumn = "vowel_dbfs", .columns = columnsForModes ({ "db" }) };
+    const std::array vowelLevels { -36.0, -24.0, -18.0, -12.0, -6.0, 0.0 };
+    std::vector<std::vector<double>> rows (vowelLevels.size());
+
+    for (const auto& mode : knob)
+    {
+        // The vowel's own gain shows where the leveller stands, once the filters' share in it is known.
+        const auto atRest = restingGains (subject, mode, usualRate, { referenceFrequency, vowel });
+        Instance instance (subject.library, mode.position, usualRate);
+        Tone loud (vowel / usualRate);
+        Tone soft (consonant / usualRate);
+
+        for (std::size_t i = 0; i < vowelLevels.size(); ++i)
+        {
+            const auto next = [&] (std::size_t frames)
+            { return sum (loud.next (frames, vowelLevels[i]), soft.next (frames, consonantLevel)); };
+            instance.process (next (settlingOnVowel));
+            const auto output = instance.process (next (usualRate / 2));
+            const auto gainOfVowel = componentAt (output, vowel / usualRate) / fromDecibels (vowelLevels[i]);
+            const auto gainOfConsonant = componentAt (output, consonant / usualRate) / fromDecibels (consonantLevel);
+            rows[i].push_back (toDecibels (gainOfConsonant / gainOfVowel * atRest[1] / atRest[0]));
+        }
+    }
+
+    for (std::size_t i = 0; i < vowelLevels.size(); ++i)
+        table.add (written (vowelLevels[i], 0), std::move (rows[i]));
+
+    return table;
+}
+
+} // namespace larkspire::measure

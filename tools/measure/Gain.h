@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include "measure/Envelope.h"
+#include "measure/Instance.h"
+#include "measure/Tone.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace larkspire::measure
+{
+
+/** A tone of 48 frames a period that changes its level now and then, and the gain that an instance gives it. */
+class Gain
+{
+public:
+    explicit Gain (Instance& measured) : instance (measured) {}
+
+    /** Plays on at this peak level in dBFS; at least a period and whole periods, so that steps fall on zeros. */
+    void play (std::size_t periods, double peakDb);
+
+    /** How many frames have been played. */
+    std::size_t frames() const noexcept { return played; }
+
+    /** The gain of the last period, in dB. */
+    double now() const { return at (output.amplitudes().size() - 1); }
+
+    /** How many frames behind a step the gain is for the last time further from its end than this, in dB. The middle of
+       a period counts. Where it ends so far off, that is NaN. */
+    double settlingTime (std::size_t stepFrame, double endDb, double within) const;
+
+    /** Amplitudes, linear, as Envelope numbers them. */
+    const std::vector<float>& inputAmplitudes() const { return input.amplitudes(); }
+    const std::vector<float>& outputAmplitudes() const { return output.amplitudes(); }
+
+private:
+    double at (std::size_t index) const;
+
+    Instance& instance;
+    Tone tone { 1.0 / Envelope::period };
+    Envelope input;
+    Envelope output;
+    std::size_t played = 0;
+};
+
+} // namespace larkspire::measure

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// Where a tone settles, of the built library.
+#include "measure/Instance.h"
+#include "measure/Measurements.h"
+#include "measure/SoftClipHarmonics.h"
+#include "measure/Tone.h"
+#include "measure/VoiceModes.h"
+
+#include <array>
+#include <cstddef>
+#include <limits>
+
+namespace larkspire::measure
+{
+
+namespace
+{
+constexpr int rate = 48000;
+
+// Of no simple ratio to the rate, so that the samples meet every part of the wave.
+constexpr double frequency = 997.0 / rate;
+
+constexpr std::size_t settling = 48000; // frames at each level
+constexpr std::size_t listening = 24000;
+
+constexpr double lowest = -90.0; // dBFS
+constexpr double step = 0.5;     // dB
+constexpr int steps = 180;
+
+// With room to spare below the input at which the leveller begins to work.
+constexpr double highestFalling = -42.0; // dBFS
+
+constexpr double speakingLevel = -20.0; // dBFS
+
+constexpr double none = std::numeric_limits<double>::quiet_NaN();
+
+double inputAt (int index)
+{
+    return lowest + step * index;
+}
+
+double settledLevel (Instance& instance, Tone& tone, double input)
+{
+    instance.process (tone.next (settling, input));
+    return levelOf (instance.process (tone.next (listening, input)));
+}
+
+/** The output levels from the lowest input to the highest. */
+std::vector<double> risingLevels (const Subject& subject, const VoiceMode& mode)
+{
+    Instance instance (subject.library, mode.position, rate);
+    instance.rest (mode.framesToRest());
+    Tone tone (frequency);
+    std::vector<double> levels;
+
+    for (int i = 0; i <= steps; ++i)
+        levels.push_back (settledLevel (instance, tone, inputAt (i)));
+
+    return levels;
+}
+
+/** The same on the way down, NaN for inputs above the highest of it. */
+std::vector<double> fallingLevels (const Subject& subject, const VoiceMode& mode)
+{
+    Instance instance (subject.library, mode.position, rate);
+    instance.rest (mode.framesToRest());
+    Tone tone (frequency);
+    settledLevel (instance, tone, highestFalling);
+    std::vector<double> levels (steps + 1, none);
+
+    for (int i = steps; i >= 0; --i)
+        if (inputAt (i) <= highestFalling)
+            levels[static_cast<std::size_t> (i)] = settledLevel (instance, tone, inputAt (i));
+
+    return levels;
+}
+} // namespace
+
+Table measureStaticLevel (const Subject& subject)
+{
+    Table table { .name = "static-level",
+                  .keyColumn = "input_dbfs",
+                  .columns = columnsForModes ({ "rising_dbfs", "falling_dbfs" }) };
+    std::vector<std::vector<double>> lists;
+
+    for (const auto& mode : knob)
+    {
+        lists.push_back (risingLevels (subject, mode));
+        lists.push_back (fallingLevels (subject, mode));
+    }
+
+    for (std::size_t row = 0; row <= steps; ++row)
+        table.addAcross (written (inputAt (static_cast<int> (row)), 1), lists, row);
+
+    return table;
+}
+
+Table measurePlateau (const Subject& subject)
+{
+    Table table { .name = "plateau",
+                  .keyColumn = "mode",
+                  .columns = { "held",
+                               "peak",
+                               "level_dbfs",
+                               "third_db",
+                               "fifth_db",
+                               "clip_alone_third_db",
+                               "clip_alone_fifth_db" } };
+
+    for (const auto& mode : knob)
+    {
+        Instance instance (subject.library, mode.position, rate);
+        Tone tone (frequency);
+        instance.process (tone.next (2 * settling, speakingLevel));
+        const auto output = instance.process (tone.next (settling, speakingLevel));
+        const auto fundamental = componentAt (output, frequency);
+        const auto harmonic = [&] (int order)
+        { return toDecibels (componentAt (output, order * frequency) / fundamental); };
+
+        const auto& leveller = mode.settings().leveller;
+        const auto held = static_cast<double> (leveller.threshold) * static_cast<double> (leveller.outputGain);
+        const auto alone = softClipHarmonics (held);
+        table.add (std::string (mode.name),
+                   { held, peakOf (output), levelOf (output), harmonic (3), harmonic (5), alone.third, alone.fifth });
+    }
+
+    return table;
+}
+
+} // namespace larkspire::measure

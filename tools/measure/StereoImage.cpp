@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// What becomes of left and right: in the fold's own code, and of the built library.
+#include "chain/StereoFold.h"
+#include "measure/Envelope.h"
+#include "measure/Instance.h"
+#include "measure/Measurements.h"
+#include "measure/Tone.h"
+#include "measure/VoiceModes.h"
+
+#include <cmath>
+#include <cstddef>
+
+namespace larkspire::measure
+{
+
+namespace
+{
+constexpr int rate = 48000;
+constexpr double frequency = 997.0 / rate;
+constexpr double speakingLevel = -20.0; // dBFS
+constexpr double restLevel = -80.0;     // dBFS
+constexpr int largestDifference = 30;   // dB
+
+/** A tone on the left, and on the right by so many dB weaker; infinity for none. */
+std::vector<float> panned (Tone& tone, std::size_t frames, double level, double difference)
+{
+    const auto left = tone.next (frames, level);
+    const auto factor = static_cast<float> (std::pow (10.0, -difference / 20.0));
+    std::vector<float> interleaved;
+    interleaved.reserve (2 * frames);
+
+    for (const auto sample : left)
+    {
+        interleaved.push_back (sample);
+        interleaved.push_back (factor * sample);
+    }
+
+    return interleaved;
+}
+
+struct Channels
+{
+    std::vector<float> left;
+    std::vector<float> right;
+};
+
+Channels apart (const std::vector<float>& interleaved)
+{
+    Channels channels;
+
+    for (std::size_t i = 0; i < interleaved.size(); i += 2)
+    {
+        channels.left.push_back (interleaved[i]);
+        channels.right.push_back (interleaved[i + 1]);
+    }
+
+    return channels;
+}
+
+/** By how much left is louder than right. */
+double differenceIn (const std::vector<float>& interleaved)
+{
+    const auto channels = apart (interleaved);
+    return levelOf (channels.left) - levelOf (channels.right);
+}
+
+/** Output differences of one instance that goes through these input differences, for so long each. */
+std::vector<double>
+differences (Instance& instance, const std::vector<double>& inputs, double level, std::size_t settling)
+{
+    Tone tone (frequency);
+    std::vector<double> outputs;
+
+    for (const auto input : inputs)
+    {
+        instance.process (panned (tone, settling, level, input));
+        outputs.push_back (differenceIn (instance.process (panned (tone, rate, level, input))));
+    }
+
+    return outputs;
+}
+} // namespace
+
+Table measureFold (const Subject&)
+{
+    Table table { .name = "fold", .keyColumn = "source", .columns = { "left", "right" } };
+    const auto add = [&] (const char* source, float left, float right)
+    {
+        const auto folded = sampleOf (foldTowardsMiddle (pairOf ({ left, right })));
+        table.add (source, { static_cast<double> (folded.first), static_cast<double> (folded.second) });
+    };
+    add ("middle", 1.0f, 1.0f);
+    add ("left only", 1.0f, 0.0f);
+    add ("right only", 0.0f, 1.0f);
+    add ("out of phase", 1.0f, -1.0f);
+    return table;
+}
+
+Table measureImage (const Subject& subject)
+{
+    Table table { .name = "image", .keyColumn = "input_db", .columns = columnsForModes ({ "settled_db" }) };
+    table.columns.insert (table.columns.begin(), "at_rest_db");
+
+    // From one side to the middle: so the weaker channel rises, and its leveller settles by its quick way.
+    std::vector<double> inputs { INFINITY };
+
+    for (int difference = largestDifference; difference >= 0; --difference)
+        inputs.push_back (difference);
+
+    const auto& medium = knob[1];
+    Instance atRest (subject.library, medium.position, rate, 2);
+    atRest.rest (medium.framesToRest());
+    std::vector<std::vector<double>> lists { differences (atRest, inputs, restLevel, rate / 10) };
+
+    for (const auto& mode : knob)
+    {
+        Instance instance (subject.library, mode.position, rate, 2);
+        lists.push_back (differences (instance, inputs, speakingLevel, rate));
+    }
+
+    for (std::size_t row = 0; row < inputs.size(); ++row)
+        table.addAcross (std::isinf (inputs[row]) ? "left only" : written (inputs[row], 0), lists, row);
+
+    return table;
+}
+
+Table measureImageOverTime (const Subject& subject)
+{
+    constexpr std::size_t shown = 150; // periods, which are milliseconds
+    Table table { .name = "image-over-time", .keyColumn = "time_ms", .columns = columnsForModes ({ "db" }) };
+    std::vector<std::vector<double>> rows (shown);
+
+    for (const auto& mode : knob)
+    {
+        Instance instance (subject.library, mode.position, rate, 2);
+        instance.rest (mode.framesToRest());
+        Tone tone (1.0 / Envelope::period);
+        const auto [left, right] =
+            apart (instance.process (panned (tone, shown * Envelope::period, speakingLevel, INFINITY)));
+        Envelope ofLeft;
+        Envelope ofRight;
+        ofLeft.add (left);
+        ofRight.add (right);
+        constexpr auto perPeriod = Envelope::period / Envelope::hop;
+
+        for (std::size_t i = 0; i < shown; ++i)
+        {
+            const auto index = (i + 1) * perPeriod - 1;
+            rows[i].push_back (toDecibels (static_cast<double> (ofLeft.amplitudes()[index])
+                                           / static_cast<double> (ofRight.amplitudes()[index])));
+        }
+    }
+
+    // Half a millisecond past the whole one is the middle of the period.
+    for (std::size_t i = 0; i < shown; ++i)
+        table.add (written (static_cast<double> (i) + 0.5, 1), std::move (rows[i]));
+
+    return table;
+}
+
+} // namespace larkspire::measure

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace larkspire::measure
+{
+
+/** What stands under one key: a number a column, NaN where there is none. */
+struct Row
+{
+    std::string key;
+    std::vector<double> values;
+};
+
+/** A measurement: rows of numbers under keys. The end of a column's name is its unit, which says how exactly it is
+    written and compared: _db, _dbfs, _frames; none for a plain number, linear full scale 1.0. */
+struct Table
+{
+    std::string name; // also the file's, without its ending
+    std::string keyColumn;
+    std::vector<std::string> columns;
+    std::vector<Row> rows = {};
+
+    /** Appends a row; the values must be as many as the columns. Throws std::logic_error if they are not. */
+    void add (std::string key, std::vector<double> values);
+
+    /** Appends a row of the numbers that stand at one place in lists, of which there is one a column. */
+    void addAcross (std::string key, const std::vector<std::vector<double>>& lists, std::size_t place);
+
+    /** Where a column stands. Throws std::out_of_range if there is none of that name. */
+    std::size_t columnOf (std::string_view column) const;
+
+    /** The row under a key. Throws std::out_of_range if there is none. */
+    const Row& rowOf (std::string_view key) const;
+
+    /** The number under a key in a column. Throws std::out_of_range if there is none. */
+    double at (std::string_view key, std::string_view column) const;
+
+    /** A column from top to bottom. Throws std::out_of_range if there is none of that name. */
+    std::vector<double> column (std::string_view column) const;
+
+    /** The keys as numbers. Throws std::invalid_argument where one is none. */
+    std::vector<double> keys() const;
+};
+
+/** A number with so many digits behind the point, and no sign on a zero. */
+std::string written (double value, int digits);
+
+/** How many digits behind the point a column is written with. */
+int digitsOf (std::string_view column);
+
+/** The table as comma-separated values, one heading line, an empty field for NaN. */
+std::string toCsv (const Table& table);
+
+/** The table that toCsv has written, as exact as it was written. Throws std::runtime_error where the text is none. */
+Table fromCsv (const std::string& name, const std::string& text);
+
+/** Where a table's file lies in a folder. */
+std::filesystem::path fileOf (const std::filesystem::path& folder, std::string_view table);
+
+} // namespace larkspire::measure

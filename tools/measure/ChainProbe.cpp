@@ -21,17 +21,18 @@ namespace larkspire::measure
 
 namespace
 {
-/** What the plug-in lets into the chain: its block loop limits samples, and what is no number becomes the lower bound.
-    Should that ever change, the probe stops matching. */
-StereoSample limited (float left, float right)
+/** What the plug-in lets into the chain: its block loop limits samples, what is no number becomes the lower bound, and
+    a single channel stands for both. Should that ever change, the probe stops matching. */
+StereoSample asLetIn (std::span<const float> frame)
 {
-    const auto within = [] (float sample, float lowest)
+    const auto limited = [] (float sample, float lowest)
     {
         const float raised = sample > lowest ? sample : lowest;
         return raised < 20.0f ? raised : 20.0f;
     };
 
-    return { within (left, -30.0f), within (right, -20.0f) };
+    const auto left = limited (frame[0], -30.0f);
+    return { left, frame.size() > 1 ? limited (frame[1], -20.0f) : left };
 }
 
 /** The same bits; any two that are no numbers are the same. */
@@ -165,11 +166,10 @@ void ChainProbe::add (std::span<const float> input, std::span<const float> outpu
 
     for (std::size_t i = 0; i < input.size() && equal; i += channels)
     {
-        const auto right = i + channels - 1;
-        const auto result = chain->process (limited (input[i], input[right]));
+        const auto result = chain->process (asLetIn (input.subspan (i, channels)));
         chain->expanderGains.add (chain->expander, channels, expanderCourse);
         chain->levellerGains.add (chain->leveller, channels, levellerCourse);
-        equal = isSame (result.first, output[i]) && (channels == 1 || isSame (result.second, output[right]));
+        equal = isSame (result.first, output[i]) && (channels == 1 || isSame (result.second, output[i + 1]));
     }
 }
 

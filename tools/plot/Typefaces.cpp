@@ -12,8 +12,7 @@ Typefaces::Typefaces()
     const auto names = juce::Font::findAllTypefaceNames();
 
     if (names.isEmpty())
-        throw render::Failure ("no font",
-                               "is installed, and pictures have words; install the package fonts-liberation2");
+        throw render::Failure ("picture", "has words, and no font is installed; install the package fonts-liberation2");
 
     family = names.contains (preferred) ? preferred : juce::Font::getDefaultSansSerifFontName();
 }

@@ -148,7 +148,13 @@ std::variant<CommandLine, std::string> parseCommandLine (int argumentCount, cons
     }
     catch (const CLI::CallForHelp&)
     {
-        return parser.help();
+        auto text = parser.help();
+
+        // The parser puts two empty lines between the options and what follows.
+        if (const auto gap = text.find ("\n\n\n"); gap != std::string::npos)
+            text.erase (gap, 1);
+
+        return text;
     }
     catch (const CLI::CallForVersion&)
     {

@@ -39,9 +39,17 @@ TEST (Axis, IsStraightAndMayRunUpwards)
 TEST (Ticks, StandAtWholeMultiplesWithinTheAxis)
 {
     const Axis axis { .first = -22.0, .last = 2.0, .firstPixel = 1.0, .lastPixel = 0.0 };
-    EXPECT_THAT (labelsOf (ticksEvery (10.0, axis, 0)), ElementsAre ("\u221220", "\u221210", "0"));
+    EXPECT_THAT (labelsOf (ticksEvery (10.0, axis)), ElementsAre ("\u221220", "\u221210", "0"));
     const Axis wave { .first = -0.2, .last = 0.2, .firstPixel = 1.0, .lastPixel = 0.0 };
-    EXPECT_THAT (labelsOf (ticksEvery (0.1, wave, 1)), ElementsAre ("\u22120.2", "\u22120.1", "0.0", "0.1", "0.2"));
+    EXPECT_THAT (labelsOf (ticksEvery (0.1, wave)), ElementsAre ("\u22120.2", "\u22120.1", "0.0", "0.1", "0.2"));
+}
+
+TEST (Ticks, HaveTheDecimalsOfTheirStep)
+{
+    const Axis axis { .first = 0.0, .last = 0.5, .firstPixel = 1.0, .lastPixel = 0.0 };
+    EXPECT_THAT (labelsOf (ticksEvery (0.25, axis)), ElementsAre ("0.00", "0.25", "0.50"));
+    const Axis large { .first = 0.0, .last = 5.0, .firstPixel = 1.0, .lastPixel = 0.0 };
+    EXPECT_THAT (labelsOf (ticksEvery (2.5, large)), ElementsAre ("0.0", "2.5", "5.0"));
 }
 
 TEST (Ticks, OfTimeAreRoundAndNeverMoreThanTwelve)

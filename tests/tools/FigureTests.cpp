@@ -269,7 +269,7 @@ TEST_F (Report, FollowsTheInputsWithALineBetween)
     write (folder / "second.wav", wav16, makeNoise (1, 30000, 16));
     const auto outcome = run ({ "--report", folder / "speech.wav", folder / "second.wav", "-o", folder / "results" });
     const auto first = outcome.output.find ((folder / "speech.wav") + "  4.8 s");
-    const auto second = outcome.output.find ("\n\n" + (folder / "second.wav") + "  0.6 s");
+    const auto second = outcome.output.find ("\n\n" + (folder / "second.wav") + "  0.625 s");
     ASSERT_NE (first, std::string::npos);
     ASSERT_NE (second, std::string::npos);
     EXPECT_LT (first, second);

@@ -38,10 +38,17 @@ double timeStep (double seconds)
     return std::ceil (least / hour) * hour;
 }
 
-/** Decimals that tell the multiples of a step apart. */
-int decimalsFor (double step)
+/** Decimals that a number has, up to nine. */
+int decimalsOf (double number)
 {
-    return std::max (0, static_cast<int> (-std::floor (std::log10 (step) + 1e-9)));
+    constexpr int most = 9;
+    int decimals = 0;
+
+    for (auto scaled = number; decimals < most && std::abs (scaled - std::round (scaled)) > 1e-6 * scaled;
+         scaled *= 10.0)
+        ++decimals;
+
+    return decimals;
 }
 
 std::string clockText (double seconds, bool withHours)
@@ -62,6 +69,11 @@ std::string numberText (double value, int decimals)
     return value < 0.0 && ! isZero ? "\xe2\x88\x92" + digits : digits;
 }
 
+std::string secondsText (double seconds)
+{
+    return numberText (seconds, seconds < 1.0 ? 3 : 1);
+}
+
 double roundedUp (double value)
 {
     const auto power = std::pow (10.0, std::floor (std::log10 (value)));
@@ -73,9 +85,10 @@ double roundedUp (double value)
     return 10.0 * power;
 }
 
-std::vector<Tick> ticksEvery (double step, const Axis& axis, int decimals)
+std::vector<Tick> ticksEvery (double step, const Axis& axis)
 {
     std::vector<Tick> ticks;
+    const auto decimals = decimalsOf (step);
     const auto lowest = std::min (axis.first, axis.last);
     const auto highest = std::max (axis.first, axis.last);
 
@@ -91,7 +104,7 @@ std::vector<Tick> ticksEvery (double step, const Axis& axis, int decimals)
 std::vector<Tick> timeTicks (const Axis& axis)
 {
     const auto step = timeStep (axis.last);
-    auto ticks = ticksEvery (step, axis, decimalsFor (step));
+    auto ticks = ticksEvery (step, axis);
 
     if (axis.last > fewMinutes)
         for (auto& tick : ticks)

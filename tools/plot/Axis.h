@@ -29,9 +29,9 @@ struct Tick
     std::string label;
 };
 
-/** Marks at whole multiples of a step, from one end to the other, written with as many decimals. A minus is a true
-    minus sign, in UTF-8. */
-std::vector<Tick> ticksEvery (double step, const Axis& axis, int decimals);
+/** Marks at whole multiples of a step, from one end to the other, written with as many decimals as the step has. A
+   minus is a true minus sign, in UTF-8. */
+std::vector<Tick> ticksEvery (double step, const Axis& axis);
 
 /** Marks for a time axis from 0 to a number of seconds: about ten, at round numbers of seconds, minutes or hours. */
 std::vector<Tick> timeTicks (const Axis& axis);
@@ -41,6 +41,9 @@ std::string timeUnit (const Axis& axis);
 
 /** The smallest of 1, 2 and 5 times a power of ten that is not below a positive value. */
 double roundedUp (double value);
+
+/** A duration in seconds as people write it: with one decimal, and three where one would hide too much. */
+std::string secondsText (double seconds);
 
 /** A number as people write it: with so many decimals, a true minus sign and no negative zero. */
 std::string numberText (double value, int decimals);

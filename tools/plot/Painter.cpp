@@ -68,7 +68,7 @@ public:
     void drawTitle (const Title& title, const Measurement& measurement)
     {
         const auto& shape = measurement.shape;
-        const auto facts = utf8 (numberText (measurement.seconds(), 1)) + " s, " + juce::String (shape.sampleRate)
+        const auto facts = utf8 (secondsText (measurement.seconds())) + " s, " + juce::String (shape.sampleRate)
                            + " Hz, " + (shape.channels == 1 ? "mono" : "stereo");
         const auto factsFont = fonts.regular (headingHeight);
         const auto factsWidth = juce::GlyphArrangement::getStringWidthInt (factsFont, facts) + 4;
@@ -175,10 +175,15 @@ public:
     /** Words in the middle of a panel that has nothing to show. */
     void drawNote (Rows rows, const juce::String& text)
     {
+        const auto font = fonts.regular (headingHeight);
+        const auto width = juce::GlyphArrangement::getStringWidthInt (font, text) + 24;
+        const juce::Rectangle<int> place (
+            (leftColumn + rightColumn - width) / 2, (rows.top + rows.bottom) / 2 - 14, width, 28);
+        graphics.setColour (juce::Colours::white);
+        graphics.fillRect (place);
         graphics.setColour (paleInk);
-        graphics.setFont (fonts.regular (headingHeight));
-        graphics.drawText (
-            text, leftColumn, rows.top, columnCount, rows.bottom - rows.top, juce::Justification::centred, false);
+        graphics.setFont (font);
+        graphics.drawText (text, place, juce::Justification::centred, false);
     }
 
     void drawWaveform (Rows rows,
@@ -343,8 +348,7 @@ void drawWaveformPanel (Sheet& sheet,
                         const Entry& waveform,
                         const Course& course)
 {
-    const auto decimals = values.last < 0.15 ? 2 : (values.last < 1.5 ? 1 : 0);
-    sheet.drawPanel (rows, axes.time, values, ticksEvery (values.last / 2, values, decimals));
+    sheet.drawPanel (rows, axes.time, values, ticksEvery (values.last / 2, values));
     sheet.drawWaveform (rows, axes, values, measurement, course, waveform.colour);
     sheet.drawFrame (rows);
     sheet.drawHeading (rows, waveform.text, {});
@@ -358,26 +362,38 @@ juce::String withLoudness (const juce::String& side, const measure::Figure& inte
 void drawLoudness (Sheet& sheet, const Axes& axes, const Measurement& measurement)
 {
     const auto analysis = measurement.analysis();
-    const auto momentary = measure::LoudnessMeter::momentarySeconds;
     const auto shortTerm = measure::LoudnessMeter::shortTermSeconds;
     const auto& before = measurement.before.loudness();
     const auto& after = measurement.after.loudness();
     constexpr float pale = 0.5f;
+    constexpr float thin = 1.4f;
+    constexpr float thick = 2.6f;
 
-    sheet.drawPanel (loudnessRows, axes.time, axes.loudness, ticksEvery (10.0, axes.loudness, 0));
-    sheet.drawLine (
-        loudnessRows, loudnessPoints (axes, before.momentary(), momentary), beforeColour.withAlpha (pale), 1.4f);
-    sheet.drawLine (
-        loudnessRows, loudnessPoints (axes, after.momentary(), momentary), afterColour.withAlpha (pale), 1.4f);
-    sheet.drawLine (loudnessRows, loudnessPoints (axes, before.shortTerm(), shortTerm), beforeColour, 2.6f);
-    sheet.drawLine (loudnessRows, loudnessPoints (axes, after.shortTerm(), shortTerm), afterColour, 2.6f);
+    // In a longer sound the words stand so close that their loudness is a grey wall.
+    constexpr double longestWithMomentary = 60.0;
+
+    sheet.drawPanel (loudnessRows, axes.time, axes.loudness, ticksEvery (10.0, axes.loudness));
+    std::vector<Entry> legend { { withLoudness ("before", analysis.before.integratedLufs), beforeColour, thick },
+                                { withLoudness ("after", analysis.after.integratedLufs), afterColour, thick },
+                                { "short-term, 3 s", paleInk, thick } };
+
+    if (measurement.seconds() <= longestWithMomentary)
+    {
+        const auto draw = [&] (const measure::LoudnessMeter& meter, juce::Colour colour)
+        {
+            const auto points = loudnessPoints (axes, meter.momentary(), measure::LoudnessMeter::momentarySeconds);
+            sheet.drawLine (loudnessRows, points, colour.withAlpha (pale), thin);
+        };
+
+        draw (before, beforeColour);
+        draw (after, afterColour);
+        legend.push_back ({ "momentary, 0.4 s", paleInk.withAlpha (pale), thin });
+    }
+
+    sheet.drawLine (loudnessRows, loudnessPoints (axes, before.shortTerm(), shortTerm), beforeColour, thick);
+    sheet.drawLine (loudnessRows, loudnessPoints (axes, after.shortTerm(), shortTerm), afterColour, thick);
     sheet.drawFrame (loudnessRows);
-    sheet.drawHeading (loudnessRows,
-                       "Loudness (LUFS)",
-                       { { withLoudness ("before", analysis.before.integratedLufs), beforeColour, 2.6f },
-                         { withLoudness ("after", analysis.after.integratedLufs), afterColour, 2.6f },
-                         { "short-term, 3 s", paleInk, 2.6f },
-                         { "momentary, 0.4 s", paleInk.withAlpha (pale), 1.4f } });
+    sheet.drawHeading (loudnessRows, "Loudness (LUFS)", legend);
 
     if (! analysis.before.integratedLufs && ! analysis.after.integratedLufs)
         sheet.drawNote (loudnessRows, "no loudness: silence, or shorter than 0.4 s");
@@ -385,7 +401,7 @@ void drawLoudness (Sheet& sheet, const Axes& axes, const Measurement& measuremen
 
 void drawGains (Sheet& sheet, const Axes& axes, const Measurement& measurement)
 {
-    sheet.drawPanel (gainRows, axes.time, axes.gain, ticksEvery (axes.gain.first < -30.0 ? 10.0 : 5.0, axes.gain, 0));
+    sheet.drawPanel (gainRows, axes.time, axes.gain, ticksEvery (axes.gain.first < -30.0 ? 10.0 : 5.0, axes.gain));
     std::vector<Entry> legend;
 
     switch (measurement.gainsKnown())

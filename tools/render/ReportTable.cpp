@@ -87,7 +87,8 @@ std::string headline (const Rendering& rendering)
     std::array<char, 96> facts {};
     std::snprintf (facts.data(),
                    facts.size(),
-                   "  %.1f s, %d Hz, %s",
+                   "  %.*f s, %d Hz, %s",
+                   report.seconds < 1.0 ? 3 : 1,
                    report.seconds,
                    report.shape.sampleRate,
                    report.shape.channels == 1 ? "mono" : "stereo");

@@ -93,10 +93,14 @@ std::vector<Tick> ticksEvery (double step, const Axis& axis)
     const auto highest = std::max (axis.first, axis.last);
 
     // Counted in whole steps, so that no sum of rounded steps runs away.
-    const auto end = std::floor (highest / step + 1e-9);
+    const auto first = std::lround (std::ceil (lowest / step - 1e-9));
+    const auto end = std::lround (std::floor (highest / step + 1e-9));
 
-    for (auto multiple = std::ceil (lowest / step - 1e-9); multiple <= end; multiple += 1.0)
-        ticks.push_back ({ .value = multiple * step, .label = numberText (multiple * step, decimals) });
+    for (auto multiple = first; multiple <= end; ++multiple)
+    {
+        const auto value = static_cast<double> (multiple) * step;
+        ticks.push_back ({ .value = value, .label = numberText (value, decimals) });
+    }
 
     return ticks;
 }

@@ -4,6 +4,7 @@
 #include "Announcer.h"
 #include "Failure.h"
 #include "ProgressBar.h"
+#include "Signals.h"
 
 #include <atomic>
 #include <cstdio>
@@ -45,14 +46,16 @@ public:
     /** Does jobs until there are none, or until an interruption. */
     void help()
     {
-        while (! interrupted)
+        while (next < plan.jobs.size())
         {
-            const auto index = next++;
-
-            if (index >= plan.jobs.size())
+            if (stopRequested())
+            {
+                interrupted = true;
                 return;
+            }
 
-            doJob (index);
+            if (const auto index = next++; index < plan.jobs.size())
+                doJob (index);
         }
     }
 
@@ -72,7 +75,7 @@ private:
         Rendering rendering { .job = plan.jobs[index], .report = {}, .fault = {} };
         std::function<void (const RenderProgress&)> progress = [] (const RenderProgress&) {};
 
-        if (ProgressBar::isVisible())
+        if (ProgressBar::wouldBeSeen())
             progress = [this, index] (const RenderProgress& soFar) { announcer.progress (index, soFar); };
 
         try

@@ -2,6 +2,7 @@
 #include "FolderScan.h"
 
 #include "FileDescriptor.h"
+#include "Signals.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -86,7 +87,7 @@ public:
         try
         {
             for (const auto& entry : sortedEntriesOf (folder))
-                if (! isHidden (entry.path()))
+                if (! isHidden (entry.path()) && ! stopRequested())
                     lookAt (entry);
         }
         catch (const Failure& fault)

@@ -27,6 +27,8 @@ struct FolderContents
     are passed over without a word. A link to a file is taken like the file; a link to a folder is not followed, as it
     may lead round in a circle or out into the world, and is left out.
 
+    A signal that asks for an end cuts the search short.
+
     @param except  folders below it that are not looked into, those of the results; where there is none yet, nothing
 */
 FolderContents scanFolder (const std::filesystem::path& folder, const std::vector<std::optional<FileIdentity>>& except);

@@ -29,6 +29,7 @@ bool standardOutputIsFine()
 ExitStatus run (const CommandLine& call)
 {
     const auto plan = planBatch (call);
+    endBySignal(); // a large folder is a long look
     const PluginLibrary library (call.plugin ? std::filesystem::path (*call.plugin) : findPlugin());
 
     switch (runBatch (library, plan))

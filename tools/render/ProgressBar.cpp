@@ -77,14 +77,13 @@ std::string paceText (const RenderProgress& progress)
 }
 } // namespace
 
-bool ProgressBar::isVisible()
+bool ProgressBar::wouldBeSeen()
 {
     return isatty (STDERR_FILENO) == 1;
 }
 
 ProgressBar::ProgressBar (const std::string& title)
-    : onTerminal (isVisible()),
-      name (shortened (printable (title), std::max (8, terminalWidth() - widthBesideName)))
+    : name (shortened (printable (title), std::max (8, terminalWidth() - widthBesideName)))
 {
 }
 
@@ -102,7 +101,7 @@ void ProgressBar::show (const RenderProgress& progress)
     const auto percent = known ? static_cast<int> (std::clamp (done, 0.0, 1.0) * 100.0) : 0;
     const auto now = Clock::now();
 
-    if (! onTerminal || (shown && percent == shownPercent && now - shownAt < longestStand))
+    if (shown && percent == shownPercent && now - shownAt < longestStand)
         return;
 
     shown = true;

@@ -10,13 +10,13 @@ namespace larkspire::render
 {
 
 /** A line on the terminal behind stderr that shows how far one file is: its name, percent, how many times faster than
-    real time, and the time left, or at the end the time taken. Nothing at all where stderr is no terminal. The line is
-    ended when the bar goes away. */
+    real time, and the time left, or at the end the time taken. The line is ended when the bar goes away. There shall be
+    none where stderr is no terminal. */
 class ProgressBar
 {
 public:
     /** Whether stderr is a terminal. */
-    static bool isVisible();
+    static bool wouldBeSeen();
 
     /** @param title  a file's name, shortened where the terminal is narrow */
     explicit ProgressBar (const std::string& title);
@@ -31,7 +31,6 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    bool onTerminal;
     std::string name;
     int shownPercent = -1;
     bool shown = false;

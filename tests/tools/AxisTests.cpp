@@ -16,6 +16,7 @@ using testing::ElementsAre;
 std::vector<std::string> labelsOf (const std::vector<Tick>& ticks)
 {
     std::vector<std::string> labels;
+    labels.reserve (ticks.size());
 
     for (const auto& tick : ticks)
         labels.push_back (tick.label);

@@ -24,7 +24,7 @@ SoundFigures figuresOf (const std::vector<float>& interleaved, const AudioShape&
 {
     SoundMeter meter (shape);
     std::span<const float> rest (interleaved);
-    const auto block = static_cast<std::size_t> (777 * shape.channels);
+    const auto block = std::size_t { 777 } * static_cast<std::size_t> (shape.channels);
 
     while (! rest.empty())
     {
@@ -101,7 +101,7 @@ TEST (TruePeak, IsFoundBetweenTheSamples)
 
 TEST (TruePeak, IsThatOfTheLouderChannel)
 {
-    std::vector<float> sound (2 * 4800);
+    std::vector<float> sound (9600);
 
     for (std::size_t frame = 0; frame < 4800; ++frame)
         sound[2 * frame + 1] = static_cast<float> (0.5 * std::sin (0.05 * double (frame)));
@@ -166,7 +166,7 @@ TEST (Noise, IsNotLookedForWhereTheRecordingIsDigitalSilence)
 
 TEST (Figures, AreMissingForSilence)
 {
-    EXPECT_EQ (figuresOf (std::vector<float> (10 * 96000), stereo), SoundFigures {});
+    EXPECT_EQ (figuresOf (std::vector<float> (960000), stereo), SoundFigures {});
 }
 
 TEST (Figures, AreMissingWhereTheSoundIsTooShort)

@@ -117,7 +117,7 @@ TEST_F (Drawing, OfSilenceHasFlatLines)
 TEST_F (Drawing, ShowsTheHeightOfTheWaveformOverTime)
 {
     // Two seconds at 0.4 of full scale and two at 0.2, upwards only.
-    std::vector<float> sound (4 * 48000);
+    std::vector<float> sound (192000);
 
     for (std::size_t i = 0; i < sound.size(); ++i)
         sound[i] = i % 2 == 0 ? 0.0f : (i < sound.size() / 2 ? 0.4f : 0.2f);
@@ -138,7 +138,7 @@ TEST_F (Drawing, ShowsTheHeightOfTheWaveformOverTime)
 
 TEST_F (Drawing, ShowsTheChannelsInOneWaveform)
 {
-    std::vector<float> sound (2 * 48000);
+    std::vector<float> sound (96000);
 
     for (std::size_t frame = 0; frame < 48000; ++frame)
     {

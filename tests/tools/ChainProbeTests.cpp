@@ -85,7 +85,7 @@ TEST (ChainProbe, TellsNothingWhereOneBitDiffers)
     auto output = sound;
     beside.plugin.process (output);
 
-    for (const std::size_t place : { std::size_t { 0 }, std::size_t { 777 }, output.size() - 1 })
+    for (const std::size_t place : { std::size_t { 0 }, std::size_t { 776 }, std::size_t { 777 }, output.size() - 1 })
     {
         auto different = output;
         different[place] = std::nextafter (different[place], 2.0f);

@@ -2,7 +2,7 @@
 // The gains that are read beside the library, on sounds for which they are known, and held against the real library.
 #include "Recording.h"
 #include "Tone.h"
-#include "measure/ChainProbe.h"
+#include "meter/ChainProbe.h"
 #include "render/HostedPlugin.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@
 
 namespace
 {
-using namespace larkspire::measure;
+using namespace larkspire::meter;
 using namespace larkspire::render;
 
 /** What of a mode makes its gains, written down once more. */

@@ -2,9 +2,9 @@
 // The meters on signals whose figures are known: those of the EBU's own test signals, and those that follow from
 // arithmetic.
 #include "Tone.h"
-#include "measure/Course.h"
-#include "measure/MeanGain.h"
-#include "measure/SoundMeter.h"
+#include "meter/Course.h"
+#include "meter/MeanGain.h"
+#include "meter/SoundMeter.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@
 
 namespace
 {
-using namespace larkspire::measure;
+using namespace larkspire::meter;
 using larkspire::render::AudioShape;
 
 /** The figures of a sound that comes in blocks of a strange size. */

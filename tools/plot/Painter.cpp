@@ -16,8 +16,8 @@ namespace larkspire::plot
 
 namespace
 {
-using measure::Course;
-using measure::Measurement;
+using meter::Course;
+using meter::Measurement;
 
 // Dark enough for white paper, and told apart by eyes that do not see red and green alike.
 const juce::Colour ink (0xff222222);
@@ -300,7 +300,7 @@ std::vector<juce::Point<double>> loudnessPoints (const Axes& axes, const std::ve
 
     for (std::size_t step = 0; step < course.size(); ++step)
     {
-        const auto end = double (step + 1) * measure::LoudnessMeter::stepSeconds;
+        const auto end = double (step + 1) * meter::LoudnessMeter::stepSeconds;
         points.emplace_back (axes.time.pixelOf (end - window / 2),
                              std::isfinite (course[step]) ? axes.loudness.pixelOf (double { course[step] }) : nothing);
     }
@@ -330,7 +330,7 @@ std::vector<juce::Point<double>> gainPoints (const Axes& axes, const Measurement
 
         if (last || axes.time.pixelOf ((double (bin) + 1.5) * secondsPerBin) >= firstInColumn + 1.0)
         {
-            const auto decibels = measure::amplitudeDecibels (sum / count);
+            const auto decibels = meter::amplitudeDecibels (sum / count);
             points.emplace_back (0.5 * (firstInColumn + x), decibels ? axes.gain.pixelOf (*decibels) : nothing);
             sum = 0.0;
             count = 0;
@@ -354,7 +354,7 @@ void drawWaveformPanel (Sheet& sheet,
     sheet.drawHeading (rows, waveform.text, {});
 }
 
-juce::String withLoudness (const juce::String& side, const measure::Figure& integrated)
+juce::String withLoudness (const juce::String& side, const meter::Figure& integrated)
 {
     return integrated ? side + ", " + utf8 (numberText (*integrated, 1)) + " LUFS integrated" : side;
 }
@@ -362,7 +362,7 @@ juce::String withLoudness (const juce::String& side, const measure::Figure& inte
 void drawLoudness (Sheet& sheet, const Axes& axes, const Measurement& measurement)
 {
     const auto analysis = measurement.analysis();
-    const auto shortTerm = measure::LoudnessMeter::shortTermSeconds;
+    const auto shortTerm = meter::LoudnessMeter::shortTermSeconds;
     const auto& before = measurement.before.loudness();
     const auto& after = measurement.after.loudness();
     constexpr float pale = 0.5f;
@@ -379,9 +379,9 @@ void drawLoudness (Sheet& sheet, const Axes& axes, const Measurement& measuremen
 
     if (measurement.seconds() <= longestWithMomentary)
     {
-        const auto draw = [&] (const measure::LoudnessMeter& meter, juce::Colour colour)
+        const auto draw = [&] (const meter::LoudnessMeter& meter, juce::Colour colour)
         {
-            const auto points = loudnessPoints (axes, meter.momentary(), measure::LoudnessMeter::momentarySeconds);
+            const auto points = loudnessPoints (axes, meter.momentary(), meter::LoudnessMeter::momentarySeconds);
             sheet.drawLine (loudnessRows, points, colour.withAlpha (pale), thin);
         };
 
@@ -406,17 +406,17 @@ void drawGains (Sheet& sheet, const Axes& axes, const Measurement& measurement)
 
     switch (measurement.gainsKnown())
     {
-    case measure::GainsKnown::yes:
+    case meter::GainsKnown::yes:
         sheet.drawLine (
             gainRows, gainPoints (axes, measurement, measurement.chain.expanderGain()), expanderColour, 2.0f);
         sheet.drawLine (
             gainRows, gainPoints (axes, measurement, measurement.chain.levellerGain()), levellerColour, 2.0f);
         legend = { { "expander", expanderColour }, { "leveller, without make-up", levellerColour } };
         break;
-    case measure::GainsKnown::noStageRuns:
+    case meter::GainsKnown::noStageRuns:
         sheet.drawNote (gainRows, "bypass: no stage runs");
         break;
-    case measure::GainsKnown::otherPlugin:
+    case meter::GainsKnown::otherPlugin:
         sheet.drawNote (gainRows, "unknown: the library gives another sound than the chain that this program knows");
         break;
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "measure/Measurement.h"
+#include "meter/Measurement.h"
 
 #include <string>
 #include <vector>
@@ -21,6 +21,6 @@ struct Title
 
     It needs neither a window nor a display. Any thread. Throws render::Failure where no font is installed.
 */
-std::vector<char> paintPng (const measure::Measurement& measurement, const Title& title);
+std::vector<char> paintPng (const meter::Measurement& measurement, const Title& title);
 
 } // namespace larkspire::plot

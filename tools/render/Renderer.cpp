@@ -55,16 +55,16 @@ public:
         measurement->add (input, block, asWritten);
     }
 
-    const std::optional<measure::Measurement>& result() const { return measurement; }
+    const std::optional<meter::Measurement>& result() const { return measurement; }
 
 private:
     SampleType samples;
-    std::optional<measure::Measurement> measurement;
+    std::optional<meter::Measurement> measurement;
     std::vector<float> input;
     std::vector<float> asWritten;
 };
 
-void paint (const measure::Measurement& measurement, const Job& job, PartialFile& file)
+void paint (const meter::Measurement& measurement, const Job& job, PartialFile& file)
 {
     const plot::Title title { .name = printable (job.input.filename().string()), .mode = nameOf (job.mode) };
     const auto png = plot::paintPng (measurement, title);

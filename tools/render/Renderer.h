@@ -5,7 +5,7 @@
 #include "Encoding.h"
 #include "HostedPlugin.h"
 #include "Levels.h"
-#include "measure/Measurement.h"
+#include "meter/Measurement.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -39,7 +39,7 @@ struct RenderReport
     AudioShape shape;
     double seconds = 0.0;       // of sound
     double timesRealTime = 0.0; // how many seconds of sound a second of work gave; 0 where there was no sound
-    std::optional<measure::Analysis> analysis; // there if it was asked for
+    std::optional<meter::Analysis> analysis; // there if it was asked for
 };
 
 /** How far a job is. */

@@ -13,12 +13,12 @@ namespace
 using Json = nlohmann::ordered_json;
 
 /** To a thousandth, which is far finer than a measurement. */
-Json number (const measure::Figure& figure)
+Json number (const meter::Figure& figure)
 {
     return figure ? Json (std::round (*figure * 1000.0) / 1000.0 + 0.0) : Json();
 }
 
-Json describe (const measure::SoundFigures& figures)
+Json describe (const meter::SoundFigures& figures)
 {
     return { { "integrated_lufs", number (figures.integratedLufs) },
              { "loudness_range_lu", number (figures.loudnessRangeLu) },
@@ -26,7 +26,7 @@ Json describe (const measure::SoundFigures& figures)
              { "noise_dbfs", number (figures.noiseDbfs) } };
 }
 
-Json describe (const measure::StageGains& gains)
+Json describe (const meter::StageGains& gains)
 {
     return { { "high_pass_db", number (gains.highPassDb) },     { "expander_mean_db", number (gains.expanderDb) },
              { "stereo_fold_db", number (gains.foldDb) },       { "air_and_body_db", number (gains.airAndBodyDb) },
@@ -34,21 +34,21 @@ Json describe (const measure::StageGains& gains)
              { "soft_clip_db", number (gains.softClipDb) } };
 }
 
-void addAnalysis (Json& entry, const measure::Analysis& analysis)
+void addAnalysis (Json& entry, const meter::Analysis& analysis)
 {
     entry["before"] = describe (analysis.before);
     entry["after"] = describe (analysis.after);
 
     switch (analysis.gainsKnown)
     {
-    case measure::GainsKnown::yes:
+    case meter::GainsKnown::yes:
         entry["gains"] = describe (analysis.gains);
         break;
-    case measure::GainsKnown::noStageRuns:
+    case meter::GainsKnown::noStageRuns:
         entry["gains"] = nullptr;
         entry["gains_missing"] = "in bypass no stage runs";
         break;
-    case measure::GainsKnown::otherPlugin:
+    case meter::GainsKnown::otherPlugin:
         entry["gains"] = nullptr;
         entry["gains_missing"] = "the library gives another sound than the chain that this program knows";
         break;
@@ -80,9 +80,9 @@ Json describe (const Rendering& rendering, bool stats)
         addAnalysis (entry, *report.analysis);
 
     if (stats)
-        entry["stats"] = { { "peak_dbfs", number (measure::finite (report.levels.peakDecibels())) },
-                           { "rms_dbfs", number (measure::finite (report.levels.rmsDecibels())) },
-                           { "times_real_time", number (measure::finite (report.timesRealTime)) } };
+        entry["stats"] = { { "peak_dbfs", number (meter::finite (report.levels.peakDecibels())) },
+                           { "rms_dbfs", number (meter::finite (report.levels.rmsDecibels())) },
+                           { "times_real_time", number (meter::finite (report.timesRealTime)) } };
 
     return entry;
 }

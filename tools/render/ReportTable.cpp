@@ -15,11 +15,11 @@ namespace larkspire::render
 
 namespace
 {
-using measure::Analysis;
-using measure::Figure;
-using measure::GainsKnown;
-using measure::SoundFigures;
-using measure::StageGains;
+using meter::Analysis;
+using meter::Figure;
+using meter::GainsKnown;
+using meter::SoundFigures;
+using meter::StageGains;
 
 constexpr int labelWidth = 32;
 constexpr int columnWidth = 10;

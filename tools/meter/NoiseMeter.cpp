@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "measure/NoiseMeter.h"
+#include "meter/NoiseMeter.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace larkspire::measure
+namespace larkspire::meter
 {
 
 NoiseMeter::NoiseMeter (const render::AudioShape& shape)
@@ -45,4 +45,4 @@ Figure NoiseMeter::levelWhere (const NoiseMeter& recording) const
     return powerDecibels (double { *place });
 }
 
-} // namespace larkspire::measure
+} // namespace larkspire::meter

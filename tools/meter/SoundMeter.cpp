@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "measure/SoundMeter.h"
+#include "meter/SoundMeter.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace larkspire::measure
+namespace larkspire::meter
 {
 
 SoundMeter::SoundMeter (const render::AudioShape& shape)
@@ -49,4 +49,4 @@ SoundFigures SoundMeter::figures (const SoundMeter& recording) const
              .noiseDbfs = noiseMeter.levelWhere (recording.noiseMeter) };
 }
 
-} // namespace larkspire::measure
+} // namespace larkspire::meter

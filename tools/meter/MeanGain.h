@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "measure/Decibels.h"
+#include "meter/Decibels.h"
 
 #include <cmath>
 #include <cstdint>
 
-namespace larkspire::measure
+namespace larkspire::meter
 {
 
 /** The mean over time of a gain in dB: every sample counts alike, as on the needle of a gain meter.
@@ -46,4 +46,4 @@ private:
     std::int64_t count = 0;
 };
 
-} // namespace larkspire::measure
+} // namespace larkspire::meter

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "measure/Decibels.h"
+#include "meter/Decibels.h"
 #include "render/AudioShape.h"
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 #include <span>
 #include <vector>
 
-namespace larkspire::measure
+namespace larkspire::meter
 {
 
 /** Loudness and true peak as EBU R 128 has them (ITU-R BS.1770), by libebur128.
@@ -64,4 +64,4 @@ private:
     std::vector<float> shortTermCourse;
 };
 
-} // namespace larkspire::measure
+} // namespace larkspire::meter

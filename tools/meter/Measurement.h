@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "measure/ChainProbe.h"
-#include "measure/SoundMeter.h"
+#include "meter/ChainProbe.h"
+#include "meter/SoundMeter.h"
 
 #include <span>
 
-namespace larkspire::measure
+namespace larkspire::meter
 {
 
 /** What of a rendering's gains can be told. */
@@ -72,4 +72,4 @@ struct Measurement
     std::int64_t frames = 0;
 };
 
-} // namespace larkspire::measure
+} // namespace larkspire::meter

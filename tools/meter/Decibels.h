@@ -4,7 +4,7 @@
 #include <cmath>
 #include <optional>
 
-namespace larkspire::measure
+namespace larkspire::meter
 {
 
 /** A figure, or nothing where there is none: silence has no level. */
@@ -28,4 +28,4 @@ inline Figure powerDecibels (double ratio)
     return finite (10.0 * std::log10 (ratio));
 }
 
-} // namespace larkspire::measure
+} // namespace larkspire::meter

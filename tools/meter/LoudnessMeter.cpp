@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "measure/LoudnessMeter.h"
+#include "meter/LoudnessMeter.h"
 
 #include <ebur128.h>
 
@@ -7,7 +7,7 @@
 #include <cmath>
 #include <limits>
 
-namespace larkspire::measure
+namespace larkspire::meter
 {
 
 struct LoudnessMeter::Library
@@ -130,4 +130,4 @@ Figure LoudnessMeter::truePeak() const
     return amplitudeDecibels (peak);
 }
 
-} // namespace larkspire::measure
+} // namespace larkspire::meter

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "measure/Decibels.h"
+#include "meter/Decibels.h"
 
-namespace larkspire::measure
+namespace larkspire::meter
 {
 
 /** What is said of a sound in numbers; how each is measured stands with its meter. */
@@ -17,4 +17,4 @@ struct SoundFigures
     bool operator== (const SoundFigures&) const = default;
 };
 
-} // namespace larkspire::measure
+} // namespace larkspire::meter

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "measure/Course.h"
-#include "measure/StageGains.h"
+#include "meter/Course.h"
+#include "meter/StageGains.h"
 #include "render/AudioShape.h"
 
 #include <memory>
 #include <span>
 
-namespace larkspire::measure
+namespace larkspire::meter
 {
 
 /** The plug-in's chain run once more beside the plug-in, to read what the plug-in does not show: its gains.
@@ -55,4 +55,4 @@ private:
     bool equal = true;
 };
 
-} // namespace larkspire::measure
+} // namespace larkspire::meter

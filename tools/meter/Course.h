@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace larkspire::measure
+namespace larkspire::meter
 {
 
 /** How a value went over time, in bins of equal length, for drawing.
@@ -84,4 +84,4 @@ private:
     std::int64_t samplesInLast = 0;
 };
 
-} // namespace larkspire::measure
+} // namespace larkspire::meter

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "measure/Course.h"
-#include "measure/LoudnessMeter.h"
-#include "measure/NoiseMeter.h"
-#include "measure/SoundFigures.h"
+#include "meter/Course.h"
+#include "meter/LoudnessMeter.h"
+#include "meter/NoiseMeter.h"
+#include "meter/SoundFigures.h"
 
 #include <span>
 
-namespace larkspire::measure
+namespace larkspire::meter
 {
 
 /** Hears one sound from front to back and tells its figures and its courses. */
@@ -37,4 +37,4 @@ private:
     bool allNumbers = true;
 };
 
-} // namespace larkspire::measure
+} // namespace larkspire::meter

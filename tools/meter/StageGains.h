@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "measure/Decibels.h"
+#include "meter/Decibels.h"
 
-namespace larkspire::measure
+namespace larkspire::meter
 {
 
 /** What each stage of the chain did to the level, in dB, in the order of the signal.
@@ -28,4 +28,4 @@ struct StageGains
     bool operator== (const StageGains&) const = default;
 };
 
-} // namespace larkspire::measure
+} // namespace larkspire::meter

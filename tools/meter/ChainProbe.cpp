@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "measure/ChainProbe.h"
+#include "meter/ChainProbe.h"
 
 #include "chain/AirTerm.h"
 #include "chain/Expander.h"
@@ -9,14 +9,14 @@
 #include "chain/SideBySide.h"
 #include "chain/SoftClip.h"
 #include "chain/StereoFold.h"
-#include "measure/MeanGain.h"
+#include "meter/MeanGain.h"
 
 #include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
 
-namespace larkspire::measure
+namespace larkspire::meter
 {
 
 namespace
@@ -187,4 +187,4 @@ StageGains ChainProbe::gains() const
              .softClipDb = chain->ratio (Chain::behindSoftClip, Chain::behindLeveller) };
 }
 
-} // namespace larkspire::measure
+} // namespace larkspire::meter

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "measure/Decibels.h"
+#include "meter/Decibels.h"
 #include "render/AudioShape.h"
 
 #include <cstddef>
 #include <span>
 #include <vector>
 
-namespace larkspire::measure
+namespace larkspire::meter
 {
 
 /** The level of the noise between words: the 10th percentile of the RMS levels of 50 ms windows, in dBFS.
@@ -47,4 +47,4 @@ private:
     std::vector<float> powers; // mean squares of the whole windows
 };
 
-} // namespace larkspire::measure
+} // namespace larkspire::meter

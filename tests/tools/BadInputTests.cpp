@@ -38,11 +38,12 @@ TEST (BadInput, ThatIsMissingIsReported)
     expectFailure (folder, "missing.wav", "cannot be read: No such file or directory");
 }
 
-TEST (BadInput, ThatIsAFolderIsReported)
+TEST (BadInput, ThatIsAFolderWithoutRecordingsIsReported)
 {
     const TemporaryFolder folder;
     std::filesystem::create_directory (folder / "folder.wav");
-    expectFailure (folder, "folder.wav", "is a folder, not an audio file");
+    writeBytes (folder / "folder.wav/text.txt", "no sound");
+    expectFailure (folder, "folder.wav", "holds no WAV, FLAC, AIFF or Ogg file");
 }
 
 TEST (BadInput, ThatIsEmptyIsReported)

@@ -180,6 +180,9 @@ Outcome Child::wait()
     if (WIFEXITED (status))
         outcome.exitStatus = WEXITSTATUS (status);
 
+    if (WIFSIGNALED (status))
+        outcome.signal = WTERMSIG (status);
+
     outcome.output = contentOf (outputFile);
 
     if (! onTerminal)

@@ -24,6 +24,7 @@ struct Call
 struct Outcome
 {
     int exitStatus = -1; // -1 where a signal ended it
+    int signal = 0;      // that signal
     std::string output;  // what it wrote to stdout
     std::string errors;  // and to stderr
 };

@@ -15,19 +15,28 @@ namespace
 using testing::HasSubstr;
 using testing::StartsWith;
 
-TEST (CommandLine, HelpBeginsWithExamples)
+/** Where a text begins a line of another, or fails. */
+std::size_t lineOf (const std::string& help, const std::string& text)
+{
+    const auto place = help.find ("\n" + text);
+    EXPECT_NE (place, std::string::npos) << text;
+    return place;
+}
+
+TEST (CommandLine, HelpHasTheShapeThatAManualPageIsMadeOf)
 {
     for (const std::string flag : { "--help", "-h" })
     {
         const auto outcome = run ({ flag });
         EXPECT_EQ (outcome.exitStatus, 0);
         EXPECT_EQ (outcome.errors, "");
-        EXPECT_THAT (outcome.output, StartsWith ("Examples:\n  larkspire-render "));
-        const auto usage = outcome.output.find ("\nUsage:\n");
-        const auto options = outcome.output.find ("\nOptions:\n");
-        ASSERT_NE (usage, std::string::npos);
-        ASSERT_NE (options, std::string::npos);
-        EXPECT_LT (usage, options);
+        EXPECT_THAT (outcome.output, StartsWith ("Usage: larkspire-render [OPTION]... IN... -o OUT\n"));
+        const auto options = lineOf (outcome.output, "Options:\n  -h, --help  ");
+        const auto statuses = lineOf (outcome.output, "Exit status:\n  0  ");
+        const auto examples = lineOf (outcome.output, "Examples:\n  larkspire-render ");
+        EXPECT_LT (options, statuses);
+        EXPECT_LT (statuses, examples);
+        EXPECT_THAT (outcome.output, testing::Not (HasSubstr ("\n\n\n")));
     }
 }
 
@@ -35,18 +44,26 @@ TEST (CommandLine, HelpNamesEveryOptionAndWhatMaySurprise)
 {
     const auto help = run ({ "--help" }).output;
 
-    for (const std::string text : { "-o OUT",
-                                    "--mode bypass|Gentle|Medium|Powerful",
-                                    "--format wav|flac",
-                                    "--bits 16|24|32f",
-                                    "--block N",
-                                    "--plugin PATH",
-                                    "--stats",
-                                    "--version",
-                                    "no dither",
-                                    "replaced in one step",
-                                    "Exit status" })
-        EXPECT_THAT (help, HasSubstr (text));
+    for (const std::string option : { "-o OUT",
+                                      "--mode MODE",
+                                      "--compare",
+                                      "--format KIND",
+                                      "--bits WIDTH",
+                                      "--report",
+                                      "--json",
+                                      "--plot PNG",
+                                      "--stats",
+                                      "-j, --jobs N",
+                                      "--block N",
+                                      "--plugin PATH",
+                                      "--version" })
+        lineOf (help, "  " + option + "  ");
+
+    // Broken anywhere, texts are found all the same.
+    auto flowing = std::regex_replace (help, std::regex ("\\s+"), " ");
+
+    for (const std::string text : { "there is no dither", "replaced in one step", "links to folders", "128+n" })
+        EXPECT_THAT (flowing, HasSubstr (text));
 
     for (const auto& line : linesOf (help))
         EXPECT_LE (line.size(), 120) << line;
@@ -85,6 +102,12 @@ TEST (CommandLine, RefusesWrongCallsInOneLine)
         { "--bits", "32", input, "-o", result },
         { "--format", "ogg", input, "-o", result },
         { "--unknown", input, "-o", result },
+        { "--jobs", "-1", input, "-o", result },
+        { "--jobs", "257", input, "-o", result },
+        { "--plot", "", input, "-o", result },
+        { "--plot", folder / "picture.jpg", input, "-o", result },
+        { "--plot", result, input, "-o", result },
+        { "--compare", "--mode", "Gentle", input, "-o", result },
         { input, "-o", result, "-o", result },
         { "--mode", "Gentle", "--mode", "Medium", input, "-o", result },
     };

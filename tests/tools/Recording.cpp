@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cmath>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -41,6 +42,17 @@ SoundFile create (const std::string& path, int format, const Recording& shape)
         sf_command (file.get(), SFC_UPDATE_HEADER_NOW, nullptr, 0);
 
     return file;
+}
+
+/** A little-endian number of four bytes. */
+std::string fourBytes (std::uint32_t number)
+{
+    std::string bytes;
+
+    for (int shift = 0; shift < 32; shift += 8)
+        bytes += static_cast<char> (number >> shift);
+
+    return bytes;
 }
 
 bool holdsFractions (int format)
@@ -88,9 +100,9 @@ void write (const std::string& path, int format, const Recording& recording)
         throw std::runtime_error (path + ": " + sf_strerror (file.get()));
 }
 
-void writeFloats (const std::string& path, int format, int channels, const std::vector<float>& samples)
+void writeFloats (const std::string& path, int format, int channels, const std::vector<float>& samples, int sampleRate)
 {
-    const auto file = create (path, format, { .channels = channels });
+    const auto file = create (path, format, { .channels = channels, .sampleRate = sampleRate });
 
     if (sf_write_float (file.get(), samples.data(), std::ssize (samples)) != std::ssize (samples))
         throw std::runtime_error (path + ": " + sf_strerror (file.get()));
@@ -120,6 +132,16 @@ std::vector<float> readFloats (const std::string& path)
         samples.insert (samples.end(), part.begin(), part.begin() + count);
 
     return samples;
+}
+
+void writeLongSilence (const std::string& path)
+{
+    constexpr std::uint32_t size = 2000000000;
+    const auto twoBytes = [] (std::uint32_t number) { return fourBytes (number).substr (0, 2); };
+    writeBytes (path,
+                "RIFF" + fourBytes (size + 36) + "WAVEfmt " + fourBytes (16) + twoBytes (1) + twoBytes (1)
+                    + fourBytes (48000) + fourBytes (96000) + twoBytes (2) + twoBytes (16) + "data" + fourBytes (size));
+    std::filesystem::resize_file (path, std::uintmax_t { 44 } + size);
 }
 
 SF_INFO describe (const std::string& path)

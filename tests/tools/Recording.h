@@ -24,11 +24,15 @@ Recording makeNoise (int channels, int frames, int bits, unsigned seed = 1, int 
 /** Writes a sound file. The format is the library's, container and sample type; floats are written as fractions of full
     scale. */
 void write (const std::string& path, int format, const Recording& recording);
-void writeFloats (const std::string& path, int format, int channels, const std::vector<float>& samples);
+void writeFloats (
+    const std::string& path, int format, int channels, const std::vector<float>& samples, int sampleRate = 48000);
 
 /** Reads a sound file as whole numbers, or as floats. */
 Recording read (const std::string& path);
 std::vector<float> readFloats (const std::string& path);
+
+/** Writes a WAV file of silence that takes minutes to render and next to no room on the disk. */
+void writeLongSilence (const std::string& path);
 
 /** What the library says of a file. */
 SF_INFO describe (const std::string& path);

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 /** A new empty folder of a test's own, gone with everything in it when the test ends. */
@@ -46,6 +48,23 @@ public:
 
         std::sort (names.begin(), names.end());
         return names;
+    }
+
+    /** Waits until a name that contains a text is in it; false if that takes more than 20 seconds. */
+    bool showsSoon (const std::string& text) const
+    {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds (20);
+
+        while (std::chrono::steady_clock::now() < end)
+        {
+            for (const auto& name : contents())
+                if (name.find (text) != std::string::npos)
+                    return true;
+
+            std::this_thread::sleep_for (std::chrono::milliseconds (2));
+        }
+
+        return false;
     }
 
 private:

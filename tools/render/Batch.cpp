@@ -1,41 +1,108 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "Batch.h"
 
+#include "Announcer.h"
 #include "Failure.h"
 #include "ProgressBar.h"
+#include "Signals.h"
 
+#include <atomic>
 #include <cstdio>
+#include <thread>
 
 namespace larkspire::render
 {
 
 namespace
 {
-void makeFolder (const std::filesystem::path& folder)
+void makeFolders (const BatchPlan& plan)
 {
     std::error_code error;
-    std::filesystem::create_directories (folder, error);
 
-    if (error)
-        throw Failure (folder, "cannot be made: " + error.message());
+    for (const auto& folder : plan.folders)
+    {
+        std::filesystem::create_directories (folder, error);
+
+        if (error)
+            throw Failure (folder, "cannot be made: " + error.message());
+    }
+
+    // Where one of these is in the way of something, only the results below it fail, and say so.
+    for (const auto& folder : plan.subfolders)
+        std::filesystem::create_directories (folder, error);
 }
 
-void printStats (const std::filesystem::path& path, const RenderReport& report)
+/** The jobs of a plan, handed out one by one to whoever asks. */
+class Work
 {
-    std::printf ("%s  peak %.2f dBFS  RMS %.2f dBFS  length %.3f s  %.1f times faster than real time\n",
-                 printable (path.string()).c_str(),
-                 report.levels.peakDecibels(),
-                 report.levels.rmsDecibels(),
-                 report.seconds,
-                 report.timesRealTime);
-    std::fflush (stdout);
-}
+public:
+    Work (const PluginLibrary& pluginLibrary, const BatchPlan& planOfJobs)
+        : library (pluginLibrary),
+          plan (planOfJobs),
+          announcer (planOfJobs)
+    {
+    }
 
-RenderReport renderWithProgress (const PluginLibrary& library, const Job& job, const RenderSettings& settings)
-{
-    ProgressBar bar (job.input.filename().string());
-    return render (library, job, settings, [&bar] (double done) { bar.show (done); });
-}
+    /** Does jobs until there are none, or until an interruption. */
+    void help()
+    {
+        while (next < plan.jobs.size())
+        {
+            if (stopRequested())
+            {
+                interrupted = true;
+                return;
+            }
+
+            if (const auto index = next++; index < plan.jobs.size())
+                doJob (index);
+        }
+    }
+
+    BatchEnd end()
+    {
+        announcer.end();
+
+        if (interrupted)
+            return BatchEnd::interrupted;
+
+        return failed ? BatchEnd::someFailed : BatchEnd::allDone;
+    }
+
+private:
+    void doJob (std::size_t index)
+    {
+        Rendering rendering { .job = plan.jobs[index], .report = {}, .fault = {} };
+        std::function<void (const RenderProgress&)> progress = [] (const RenderProgress&) {};
+
+        if (ProgressBar::wouldBeSeen())
+            progress = [this, index] (const RenderProgress& soFar) { announcer.progress (index, soFar); };
+
+        try
+        {
+            rendering.report = render (library, rendering.job, plan.settings, progress);
+        }
+        catch (const Interrupted& interruption)
+        {
+            rendering.fault = interruption.what();
+            interrupted = true;
+        }
+        catch (const std::exception& fault)
+        {
+            rendering.fault = fault.what();
+            failed = true;
+        }
+
+        announcer.finished (index, std::move (rendering));
+    }
+
+    const PluginLibrary& library;
+    const BatchPlan& plan;
+    Announcer announcer;
+    std::atomic<std::size_t> next { 0 };
+    std::atomic<bool> interrupted { false };
+    std::atomic<bool> failed { false };
+};
 } // namespace
 
 void complain (const std::exception& fault)
@@ -43,35 +110,30 @@ void complain (const std::exception& fault)
     std::fprintf (stderr, "larkspire-render: %s\n", fault.what());
 }
 
-bool runBatch (const PluginLibrary& library, const BatchPlan& plan, bool stats)
+BatchEnd runBatch (const PluginLibrary& library, const BatchPlan& plan)
 {
-    if (plan.folder.has_value())
-        makeFolder (*plan.folder);
+    for (const auto& note : plan.notes)
+        std::fprintf (stderr, "larkspire-render: %s\n", note.c_str());
 
-    bool allDone = true;
+    for (const auto& fault : plan.faults)
+        complain (fault);
 
-    for (const auto& job : plan.jobs)
+    if (! plan.jobs.empty())
+        makeFolders (plan);
+
+    Work work (library, plan);
+
     {
-        try
-        {
-            const auto report = renderWithProgress (library, job, plan.settings);
+        std::vector<std::jthread> helpers;
 
-            if (stats)
-                printStats (job.output, report);
-        }
-        catch (const Interrupted& interruption)
-        {
-            complain (interruption);
-            return false;
-        }
-        catch (const std::exception& fault)
-        {
-            complain (fault);
-            allDone = false;
-        }
+        for (unsigned helper = 1; helper < plan.workers && helper < plan.jobs.size(); ++helper)
+            helpers.emplace_back ([&work] { work.help(); });
+
+        work.help();
     }
 
-    return allDone;
+    const auto end = work.end();
+    return end == BatchEnd::allDone && ! plan.faults.empty() ? BatchEnd::someFailed : end;
 }
 
 } // namespace larkspire::render

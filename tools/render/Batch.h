@@ -6,13 +6,20 @@
 namespace larkspire::render
 {
 
+/** What has become of a batch. */
+enum class BatchEnd
+{
+    allDone,
+    someFailed,
+    interrupted
+};
+
 /** Writes one line about a fault to stderr. */
 void complain (const std::exception& fault);
 
-/** Does the jobs of a plan one after the other. A job that fails is reported on stderr and the others go on; an
-    interruption ends them all. Returns whether every job was done. Throws Failure if the folder cannot be made.
-
-    @param stats  whether to print a line on stdout for every result */
-bool runBatch (const PluginLibrary& library, const BatchPlan& plan, bool stats);
+/** Does the jobs of a plan, several at once if it says so, and prints what it says. A job that fails is reported on
+    stderr and the others go on; an interruption ends them all. Throws Failure if the folder for the results cannot be
+    made. */
+BatchEnd runBatch (const PluginLibrary& library, const BatchPlan& plan);
 
 } // namespace larkspire::render

@@ -2,25 +2,42 @@
 #pragma once
 
 #include "CommandLine.h"
+#include "Failure.h"
 #include "Renderer.h"
 
 #include <filesystem>
-#include <optional>
+#include <set>
+#include <string>
 #include <vector>
 
 namespace larkspire::render
 {
 
+/** What is printed on stdout. */
+struct Telling
+{
+    bool stats = false;
+    bool report = false; // as a table, unless json
+    bool json = false;
+};
+
 /** All that a call will do. */
 struct BatchPlan
 {
     RenderSettings settings;
-    std::vector<Job> jobs;
-    std::optional<std::filesystem::path> folder; // to be made ahead of the jobs
+    Telling telling;
+    std::vector<Job> jobs; // in the order of the inputs, all modes of an input one after the other
+    std::size_t modesPerInput = 1;
+    unsigned workers = 1;
+    std::set<std::filesystem::path> folders;    // to be made ahead of the jobs
+    std::set<std::filesystem::path> subfolders; // below those, made where that works
+    std::vector<std::string> notes;             // one line each, what was left out
+    std::vector<Failure> faults;                // inputs that give no job
 };
 
-/** Works out which file goes where, without touching any. Throws WrongCall if two results would get the same name, if a
-    result would replace one of the inputs, by whatever path or link, or if the options contradict each other. */
+/** Works out which file goes where, and touches none but for a look into folders. Throws WrongCall if two results would
+    get the same name, if a result would replace one of the inputs, by whatever path or link, if a name is ambiguous or
+    if the options contradict each other. */
 BatchPlan planBatch (const CommandLine& call);
 
 } // namespace larkspire::render

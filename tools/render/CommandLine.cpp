@@ -20,9 +20,18 @@ constexpr const char* programName = "larkspire-render";
 template <typename Value>
 using Choice = std::vector<std::pair<std::string, Value>>;
 
-const Choice<Mode> modes {
-    { "bypass", Mode::bypass }, { "Gentle", Mode::gentle }, { "Medium", Mode::medium }, { "Powerful", Mode::powerful }
-};
+/** The modes by the plug-in's own names. */
+Choice<Mode> namedModes()
+{
+    Choice<Mode> choice;
+
+    for (const auto mode : allModes)
+        choice.emplace_back (nameOf (mode), mode);
+
+    return choice;
+}
+
+const Choice<Mode> modes = namedModes();
 const Choice<Container> containers { { "wav", Container::wav }, { "flac", Container::flac } };
 const Choice<SampleType> sampleTypes { { "16", SampleType::pcm16 },
                                        { "24", SampleType::pcm24 },
@@ -52,13 +61,25 @@ CLI::IsMember oneOf (const Choice<Value>& choice)
     return CLI::IsMember (namesOf (choice), CLI::ignore_case);
 }
 
-/** The parser's own help with our usage, which names every option. */
+/** The parser's own help with our usage ahead of all, and a space between the names of an option. */
 class HelpFormatter : public CLI::Formatter
 {
 public:
-    HelpFormatter() { column_width (34); }
+    HelpFormatter() { column_width (24); }
 
-    std::string make_usage (const CLI::App*, std::string) const override { return helpUsage; }
+    std::string make_description (const CLI::App*) const override { return helpHead; }
+    std::string make_usage (const CLI::App*, std::string) const override { return {}; }
+    std::string make_footer (const CLI::App*) const override { return helpFoot; }
+
+    std::string make_option_name (const CLI::Option* option, bool isPositional) const override
+    {
+        auto names = CLI::Formatter::make_option_name (option, isPositional);
+
+        if (const auto comma = names.find (','); comma != std::string::npos)
+            names.insert (comma + 1, " ");
+
+        return names;
+    }
 };
 
 /** The arguments in the order that the parser wants them, the last first. It takes "[a,b]" for a list, so a file of
@@ -81,32 +102,45 @@ std::vector<std::string> reversedArguments (int count, const char* const* argume
 std::variant<CommandLine, std::string> parseCommandLine (int argumentCount, const char* const* arguments)
 {
     CommandLine call;
-    std::string mode = "Medium";
+    std::string mode;
     std::string bits = "24";
     std::string format;
     std::string plugin;
+    std::string picture;
 
-    CLI::App parser (helpExamples, programName);
-    parser.footer (helpNotes);
+    CLI::App parser ({}, programName);
     parser.formatter (std::make_shared<HelpFormatter>());
     parser.set_help_flag ("-h,--help", "Show this text");
     parser.set_version_flag ("--version", std::string (programName) + " " + LARKSPIRE_RELEASE, "Show the version");
-    parser.add_option ("IN", call.inputs, "Recordings to render")->required()->option_text ("...");
+    parser.add_option ("IN", call.inputs, "Recordings, or folders of recordings")->required()->group ("");
     parser.add_option ("-o", call.output, "The result, or the folder for the results")->required()->option_text ("OUT");
-    parser.add_option ("--mode", mode, "Position of the knob (Medium)")
+    parser.add_option ("--mode", mode, "Position of the knob: bypass, Gentle, Medium (the default) or Powerful")
         ->transform (oneOf (modes))
-        ->option_text ("bypass|Gentle|Medium|Powerful");
-    parser.add_option ("--format", format, "Kind of the results (what the name of OUT says, or wav)")
+        ->option_text ("MODE");
+    parser.add_flag ("--compare", call.compare, "Render all four modes, with the mode in the name: voice-Medium.wav");
+    parser
+        .add_option (
+            "--format", format, "Kind of the results, wav or flac; without it what the name of OUT says, or wav")
         ->transform (oneOf (containers))
-        ->option_text ("wav|flac");
-    parser.add_option ("--bits", bits, "Width of the results' samples; 32f is floats, in WAV only (24)")
+        ->option_text ("KIND");
+    parser
+        .add_option ("--bits", bits, "Width of the results' samples: 16, 24 (the default) or 32f, floats, in WAV only")
         ->transform (oneOf (sampleTypes))
-        ->option_text ("16|24|32f");
-    parser.add_option ("--block", call.blockSize, "Sample frames that the plug-in gets at once, 1 to 524288 (4096)")
+        ->option_text ("WIDTH");
+    parser.add_flag (
+        "--report", call.report, "Print loudness, true peak and noise before and after, and the stages' gains");
+    parser.add_flag ("--json", call.json, "Print the report as a JSON document and nothing else");
+    parser.add_option ("--plot", picture, "Draw waveforms, loudness and gains over time")->option_text ("PNG");
+    parser.add_flag ("--stats", call.stats, "Print path, peak, RMS, length and times faster than real time");
+    parser.add_option ("-j,--jobs", call.workers, "Files to render at once, 0 for one on each core; without it 1")
+        ->check (CLI::Range (0, 256))
+        ->option_text ("N");
+    parser
+        .add_option (
+            "--block", call.blockSize, "Sample frames that the plug-in gets at once, 1 to 524288; without it 4096")
         ->check (CLI::Range (1, 524288))
         ->option_text ("N");
     parser.add_option ("--plugin", plugin, "The plug-in's library")->option_text ("PATH");
-    parser.add_flag ("--stats", call.stats, "Print path, peak, RMS, length and times faster than real time");
 
     try
     {
@@ -114,7 +148,13 @@ std::variant<CommandLine, std::string> parseCommandLine (int argumentCount, cons
     }
     catch (const CLI::CallForHelp&)
     {
-        return parser.help();
+        auto text = parser.help();
+
+        // The parser puts two empty lines between the options and what follows.
+        if (const auto gap = text.find ("\n\n\n"); gap != std::string::npos)
+            text.erase (gap, 1);
+
+        return text;
     }
     catch (const CLI::CallForVersion&)
     {
@@ -125,7 +165,9 @@ std::variant<CommandLine, std::string> parseCommandLine (int argumentCount, cons
         throw WrongCall (std::string (error.what()) + " (--help shows how to call it)");
     }
 
-    call.mode = valueOf (modes, mode);
+    if (! mode.empty())
+        call.mode = valueOf (modes, mode);
+
     call.samples = valueOf (sampleTypes, bits);
 
     if (! format.empty())
@@ -133,6 +175,9 @@ std::variant<CommandLine, std::string> parseCommandLine (int argumentCount, cons
 
     if (parser.count ("--plugin") > 0)
         call.plugin = plugin;
+
+    if (parser.count ("--plot") > 0)
+        call.picture = picture;
 
     return call;
 }

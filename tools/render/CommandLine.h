@@ -17,12 +17,17 @@ struct CommandLine
 {
     std::vector<std::string> inputs;
     std::string output;
-    Mode mode = Mode::medium;
+    std::optional<Mode> mode;
     int blockSize = 4096;
+    int workers = 1; // 0 is one for each processor core
     std::optional<std::string> plugin;
     std::optional<Container> container;
     SampleType samples = SampleType::pcm24;
+    std::optional<std::string> picture;
+    bool compare = false;
     bool stats = false;
+    bool report = false;
+    bool json = false;
 };
 
 /** Understands a call, or gives the text that it asks for (help, version). Throws WrongCall. */

@@ -4,38 +4,69 @@
 namespace larkspire::render
 {
 
-// What --help says around the list of options: examples come first, since most people look no further.
+// What --help says around the list of options. The manual page is made of it by help2man, so the usage line, the
+// headings with a colon and the two columns are in the shape that help2man looks for.
 
-inline constexpr const char* helpExamples = R"(Examples:
+inline constexpr const char* helpHead =
+    R"(Usage: larkspire-render [OPTION]... IN... -o OUT
+Take recordings of a voice through the plug-in Quendal Larkspire, as a host would.
+
+IN is WAV, FLAC, AIFF or Ogg Vorbis, mono or stereo, or a folder of such files. A result has its input's length, sample
+rate and channels, sample for sample; in mode bypass nothing changes, down to the last bit.
+)";
+
+inline constexpr const char* helpFoot =
+    R"(Results:
+  With one recording OUT is the result. With several, with a folder, or where OUT is a folder or ends with a slash, the
+  results are <name of IN>.wav or .flac in the folder OUT, which is made if it is missing. A folder as IN is taken with
+  all below it, and its tree is kept in OUT. Files in it that are no recordings are left out and counted on standard
+  error; hidden files, links to folders and the folder of the results are passed over.
+
+  A result appears when it is complete; a file that has its name is replaced in one step. Results and inputs must all
+  be different files. Whole numbers are rounded to the nearest and limited to full scale, also at 16 bits: there is no
+  dither. WAV files that would be larger than 4 GB are written as RF64.
+
+  Every file gets a plug-in of its own. Without --plugin, "Quendal Larkspire.so" is looked for beside this program, in
+  ~/.vst, in the folders of VST_PATH and in /usr/lib/vst. The results and what is printed do not depend on --jobs, but
+  for the speeds. One file at a time is the default, since somebody may be at work on the machine with sound running.
+
+Report:
+  Integrated loudness, loudness range and true peak are those of EBU R 128; a mono file counts as one channel. The noise
+  between words is the level that a tenth of all 50 ms windows do not exceed: RMS in dBFS, 0 dBFS being a square wave of
+  full scale. Windows in which the recording is digital silence do not count.
+
+  The gains of expander and leveller are means over time, the leveller's without its make-up; what the other stages did
+  is the RMS behind the stage to the RMS in front of it. They are read in the chain that this program has inside, which
+  runs beside the library, and are left out where the two do not agree to the bit.
+
+  A dash, or null in JSON, is a figure that there is not: of silence, or of less than 0.4 s (loudness) or 4 s (range).
+
+  The JSON document is an array with an object for each result, in the order of the inputs: input, output, mode,
+  picture (if there is one), sample_rate_hz, channels, length_s; before and after, each with integrated_lufs,
+  loudness_range_lu, true_peak_dbtp and noise_dbfs; gains, with high_pass_db, expander_mean_db, stereo_fold_db,
+  air_and_body_db, leveller_mean_db, make_up_db and soft_clip_db, or null with the reason in gains_missing; and with
+  --stats stats, with peak_dbfs, rms_dbfs and times_real_time. Where a file failed, error follows mode and is the last.
+
+Pictures:
+  A picture shows waveforms and loudness before and after, and the gains of expander and leveller. With one recording
+  PNG is the picture; with several, with a folder, or where PNG is a folder or ends with a slash, the pictures are in
+  the folder PNG and have the names of the results. The name of one picture for several recordings is refused.
+
+Exit status:
+  0      done
+  1      at least one file could not be rendered
+  2      the call makes no sense and nothing was done
+  128+n  ended by signal n, as by Ctrl-C; nothing half-written stays
+
+Examples:
   larkspire-render voice.wav -o clear.wav
-      one recording in mode Medium, the result a 24-bit WAV file
-  larkspire-render --mode Gentle --format flac takes/*.wav -o finished/
-      a folder of recordings, every result a FLAC file in another folder
-  larkspire-render --mode Powerful --bits 32f --stats shout.flac -o shout.wav
-      floats as the plug-in gives them, and a line with levels, length and speed
-)";
-
-inline constexpr const char* helpUsage = R"(Usage:
-  larkspire-render [--mode bypass|Gentle|Medium|Powerful] [--block N] [--plugin PATH]
-                   [--format wav|flac] [--bits 16|24|32f] [--stats] IN... -o OUT
-)";
-
-inline constexpr const char* helpNotes =
-    R"(IN is WAV, FLAC, AIFF or Ogg Vorbis, mono or stereo. A result has its input's length, sample rate and channels,
-sample for sample; in mode bypass nothing changes, down to the last bit. With several INs, or an OUT that is a folder
-or ends with a slash, the results are <name of IN>.wav or .flac in the folder OUT, which is made if it is missing; every
-file gets a plug-in of its own.
-
-Whole numbers are rounded to the nearest and limited to full scale, also at 16 bits: there is no dither. WAV files that
-would be larger than 4 GB are written as RF64.
-
-A result appears when it is complete; a file that has its name is replaced in one step. Input and output must not be the
-same file.
-
-Without --plugin, "Quendal Larkspire.so" is looked for beside this program, in ~/.vst, in the folders of VST_PATH and in
-/usr/lib/vst.
-
-Exit status: 0 done, 1 at least one file could not be rendered, 2 the call makes no sense and nothing was done.
+         one recording in mode Medium, the result a 24-bit WAV file
+  larkspire-render --mode Gentle --format flac takes -o finished
+         a folder of recordings with all below it, every result a FLAC file in another folder
+  larkspire-render --compare --report --plot voice.png voice.wav -o clear.wav
+         clear-bypass.wav to clear-Powerful.wav, a table of their figures and a picture of each
+  larkspire-render --json --jobs 0 takes -o finished
+         on all cores, with the figures for another program
 )";
 
 } // namespace larkspire::render

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdio>
+#include <mutex>
 #include <string>
 
 namespace larkspire::render
@@ -16,6 +17,13 @@ namespace
 constexpr float knobSteps = 9.0f;
 
 constexpr Vst2::VstIntPtr processLevelOffline = 4;
+
+/** Held while an instance is made, prepared or closed. */
+std::mutex& lifeOfInstances()
+{
+    static std::mutex mutex;
+    return mutex;
+}
 
 Vst2::VstSpeakerArrangement arrangementOf (int channels)
 {
@@ -42,34 +50,51 @@ void HostedPlugin::Close::operator() (Vst2::AEffect* instance) const
     instance->dispatcher (instance, Vst2::effClose, 0, 0, nullptr, 0.0f);
 }
 
-HostedPlugin::HostedPlugin (const PluginLibrary& library, const PluginSetup& setup)
-    : settings (setup),
-      effect (library.createEffect (answer))
+HostedPlugin::HostedPlugin (const PluginLibrary& library, const PluginSetup& setup) : settings (setup)
+{
+    const std::lock_guard lock (lifeOfInstances());
+
+    // In here, so that a failure closes the instance before the next one's turn.
+    try
+    {
+        effect.reset (library.createEffect (answer));
+        prepare (library);
+    }
+    catch (...)
+    {
+        effect.reset();
+        throw;
+    }
+}
+
+void HostedPlugin::prepare (const PluginLibrary& library)
 {
     for (auto* side : { &inputs, &outputs })
         for (auto& buffer : *side)
-            buffer.resize (static_cast<std::size_t> (setup.blockSize));
+            buffer.resize (static_cast<std::size_t> (settings.blockSize));
 
     effect->resvd1 = reinterpret_cast<Vst2::VstIntPtr> (this);
     dispatch (Vst2::effOpen);
 
-    auto input = arrangementOf (setup.shape.channels);
+    auto input = arrangementOf (settings.shape.channels);
     auto output = input;
 
     if (dispatch (Vst2::effSetSpeakerArrangement, reinterpret_cast<Vst2::VstIntPtr> (&input), &output) == 0)
-        throw Failure (library.path(), "does not take " + std::to_string (setup.shape.channels) + " channels");
+        throw Failure (library.path(), "does not take " + std::to_string (settings.shape.channels) + " channels");
 
-    dispatch (Vst2::effSetSampleRate, 0, nullptr, static_cast<float> (setup.shape.sampleRate));
-    dispatch (Vst2::effSetBlockSize, setup.blockSize);
-    effect->setParameter (effect.get(), 0, static_cast<float> (setup.mode) / knobSteps);
+    dispatch (Vst2::effSetSampleRate, 0, nullptr, static_cast<float> (settings.shape.sampleRate));
+    dispatch (Vst2::effSetBlockSize, settings.blockSize);
+    effect->setParameter (effect.get(), 0, static_cast<float> (settings.mode) / knobSteps);
     dispatch (Vst2::effMainsChanged, 1);
     dispatch (Vst2::effStartProcess);
 }
 
 HostedPlugin::~HostedPlugin()
 {
+    const std::lock_guard lock (lifeOfInstances());
     dispatch (Vst2::effStopProcess);
     dispatch (Vst2::effMainsChanged, 0);
+    effect.reset();
 }
 
 void HostedPlugin::process (std::span<float> interleaved)

@@ -4,6 +4,7 @@
 #include "AudioShape.h"
 #include "PluginLibrary.h"
 
+#include <array>
 #include <memory>
 #include <span>
 #include <vector>
@@ -20,6 +21,16 @@ enum class Mode
     powerful = 3
 };
 
+/** All of them, in the order of the knob. */
+inline constexpr std::array<Mode, 4> allModes { Mode::bypass, Mode::gentle, Mode::medium, Mode::powerful };
+
+/** What the plug-in calls a mode. */
+constexpr const char* nameOf (Mode mode)
+{
+    constexpr std::array<const char*, allModes.size()> names { "bypass", "Gentle", "Medium", "Powerful" };
+    return names.at (static_cast<std::size_t> (mode));
+}
+
 /** What an instance is prepared with. */
 struct PluginSetup
 {
@@ -28,7 +39,11 @@ struct PluginSetup
     int blockSize = 512; // the most sample frames that it gets at once
 };
 
-/** One running instance of the plug-in, with this program as its host. */
+/** One running instance of the plug-in, with this program as its host.
+
+    Each belongs to one thread; instances in several threads may be made, run and closed at the same time. Making and
+    closing take turns, since hosts do that in one thread and plug-ins may count on it.
+*/
 class HostedPlugin
 {
 public:
@@ -54,6 +69,8 @@ private:
 
     /** The record keeps it in a field that belongs to hosts; null until the constructor has put it there. */
     static const HostedPlugin* ownerOf (const Vst2::AEffect& effect);
+
+    void prepare (const PluginLibrary& library);
 
     static Vst2::VstIntPtr
     answer (Vst2::AEffect*, Vst2::VstInt32 opcode, Vst2::VstInt32, Vst2::VstIntPtr, void* data, float);

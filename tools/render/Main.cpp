@@ -29,8 +29,22 @@ bool standardOutputIsFine()
 ExitStatus run (const CommandLine& call)
 {
     const auto plan = planBatch (call);
+    endBySignal(); // a large folder is a long look
     const PluginLibrary library (call.plugin ? std::filesystem::path (*call.plugin) : findPlugin());
-    return runBatch (library, plan, call.stats) ? done : workFailed;
+
+    switch (runBatch (library, plan))
+    {
+    case BatchEnd::allDone:
+        return done;
+    case BatchEnd::someFailed:
+        return workFailed;
+    case BatchEnd::interrupted:
+        break;
+    }
+
+    std::fflush (stdout);
+    endBySignal();
+    return workFailed;
 }
 
 ExitStatus runOrExplain (int argumentCount, const char* const* arguments)

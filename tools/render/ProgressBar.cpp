@@ -7,6 +7,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstdio>
 
 namespace larkspire::render
@@ -14,8 +16,8 @@ namespace larkspire::render
 
 namespace
 {
-constexpr int barWidth = 30;
-constexpr int widthBesideName = barWidth + 10; // "  100 % [" and "]" and a free column
+constexpr int barWidth = 20;
+constexpr int widthBesideName = barWidth + 37; // "  100 % [", "]  12345x  1:23:45 left" and a free column
 
 int terminalWidth()
 {
@@ -40,31 +42,83 @@ std::string shortened (const std::string& text, int mostCharacters)
 
     return text.substr (0, end);
 }
+/** A duration as a clock counts it down: min:s, from an hour h:min:s. */
+std::string clockText (double seconds)
+{
+    constexpr double longest = 359999.0; // 99:59:59
+    const auto whole = std::lround (std::clamp (seconds, 0.0, longest));
+    std::array<char, 32> text {};
+
+    if (whole < 3600)
+        std::snprintf (text.data(), text.size(), "%ld:%02ld", whole / 60, whole % 60);
+    else
+        std::snprintf (text.data(), text.size(), "%ld:%02ld:%02ld", whole / 3600, whole / 60 % 60, whole % 60);
+
+    return text.data();
+}
+
+/** What stands behind the bar: the speed, and the time that is left or was taken. */
+std::string paceText (const RenderProgress& progress)
+{
+    const auto timesRealTime = progress.secondsOfWork > 0.0 ? progress.secondsDone / progress.secondsOfWork : 0.0;
+    std::array<char, 32> speed {};
+    std::snprintf (speed.data(), speed.size(), timesRealTime < 10.0 ? "%6.1fx" : "%6.0fx", timesRealTime);
+    std::string text (speed.data());
+
+    if (! progress.secondsInAll.has_value())
+        return text + "  " + clockText (progress.secondsDone) + " done";
+
+    const auto secondsToGo = *progress.secondsInAll - progress.secondsDone;
+
+    if (secondsToGo <= 0.0)
+        return text + "  in " + clockText (progress.secondsOfWork);
+
+    return timesRealTime > 0.0 ? text + "  " + clockText (secondsToGo / timesRealTime) + " left" : text;
+}
 } // namespace
 
+bool ProgressBar::wouldBeSeen()
+{
+    return isatty (STDERR_FILENO) == 1;
+}
+
 ProgressBar::ProgressBar (const std::string& title)
-    : onTerminal (isatty (STDERR_FILENO) == 1),
-      name (shortened (printable (title), std::max (8, terminalWidth() - widthBesideName)))
+    : name (shortened (printable (title), std::max (8, terminalWidth() - widthBesideName)))
 {
 }
 
 ProgressBar::~ProgressBar()
 {
-    if (shownPercent >= 0)
+    if (shown)
         std::fputc ('\n', stderr);
 }
 
-void ProgressBar::show (double done)
+void ProgressBar::show (const RenderProgress& progress)
 {
-    const auto percent = static_cast<int> (std::clamp (done, 0.0, 1.0) * 100.0);
+    constexpr std::chrono::milliseconds longestStand (500);
+    const auto known = progress.secondsInAll.has_value();
+    const auto done = known ? progress.secondsDone / std::max (*progress.secondsInAll, 1e-9) : 0.0;
+    const auto percent = known ? static_cast<int> (std::clamp (done, 0.0, 1.0) * 100.0) : 0;
+    const auto now = Clock::now();
 
-    if (! onTerminal || percent == shownPercent)
+    if (shown && percent == shownPercent && now - shownAt < longestStand)
         return;
 
+    shown = true;
     shownPercent = percent;
+    shownAt = now;
     const auto filled = static_cast<std::size_t> (percent * barWidth / 100);
-    const auto bar = std::string (filled, '#') + std::string (barWidth - filled, '.');
-    std::fprintf (stderr, "\r%s  %3d %% [%s]", name.c_str(), percent, bar.c_str());
+    const auto bar =
+        known ? std::string (filled, '#') + std::string (barWidth - filled, '.') : std::string (barWidth, '?');
+    const auto percentText = known ? std::to_string (percent) : "?";
+
+    // What an earlier, longer text left behind is cleared.
+    std::fprintf (stderr,
+                  "\r%s  %3s %% [%s]%s\x1b[K",
+                  name.c_str(),
+                  percentText.c_str(),
+                  bar.c_str(),
+                  paceText (progress).c_str());
     std::fflush (stderr);
 }
 

@@ -1,16 +1,23 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include "Renderer.h"
+
+#include <chrono>
 #include <string>
 
 namespace larkspire::render
 {
 
-/** A line on the terminal behind stderr that shows how far one file is; nothing at all where stderr is no terminal. The
-    line is ended when the bar goes away. */
+/** A line on the terminal behind stderr that shows how far one file is: its name, percent, how many times faster than
+    real time, and the time left, or at the end the time taken. The line is ended when the bar goes away. There shall be
+    none where stderr is no terminal. */
 class ProgressBar
 {
 public:
+    /** Whether stderr is a terminal. */
+    static bool wouldBeSeen();
+
     /** @param title  a file's name, shortened where the terminal is narrow */
     explicit ProgressBar (const std::string& title);
     ~ProgressBar();
@@ -18,13 +25,16 @@ public:
     ProgressBar (const ProgressBar&) = delete;
     ProgressBar& operator= (const ProgressBar&) = delete;
 
-    /** Redraws the line if that changes it. @param done  0 to 1 */
-    void show (double done);
+    /** Redraws the line if the percentage changes, or if it has stood for a while. */
+    void show (const RenderProgress& progress);
 
 private:
-    bool onTerminal;
+    using Clock = std::chrono::steady_clock;
+
     std::string name;
     int shownPercent = -1;
+    bool shown = false;
+    Clock::time_point shownAt;
 };
 
 } // namespace larkspire::render

@@ -4,7 +4,10 @@
 #include "AudioInput.h"
 #include "AudioOutput.h"
 #include "Failure.h"
+#include "PartialFile.h"
+#include "Quantiser.h"
 #include "Signals.h"
+#include "plot/Painter.h"
 
 #include <chrono>
 #include <vector>
@@ -12,22 +15,86 @@
 namespace larkspire::render
 {
 
+namespace
+{
+using Clock = std::chrono::steady_clock;
+
+double secondsSince (Clock::time_point start)
+{
+    return std::chrono::duration<double> (Clock::now() - start).count();
+}
+
+/** Listens to a rendering where that is wanted, and else does nothing. */
+class Listener
+{
+public:
+    Listener (const Job& job, const RenderSettings& settings, const AudioShape& shape)
+        : samples (settings.encoding.samples)
+    {
+        if (settings.measure || job.picture.has_value())
+            measurement.emplace (static_cast<int> (job.mode), shape);
+    }
+
+    void hearInput (std::span<const float> block)
+    {
+        if (measurement.has_value())
+            input.assign (block.begin(), block.end());
+    }
+
+    void hearOutput (std::span<const float> block)
+    {
+        if (! measurement.has_value())
+            return;
+
+        asWritten.assign (block.begin(), block.end());
+
+        if (samples != SampleType::float32)
+            for (const Quantiser quantiser (bitsOf (samples)); auto& sample : asWritten)
+                sample = static_cast<float> (quantiser.toSample (quantiser.toWholeNumber (sample)));
+
+        measurement->add (input, block, asWritten);
+    }
+
+    const std::optional<meter::Measurement>& result() const { return measurement; }
+
+private:
+    SampleType samples;
+    std::optional<meter::Measurement> measurement;
+    std::vector<float> input;
+    std::vector<float> asWritten;
+};
+
+void paint (const meter::Measurement& measurement, const Job& job, PartialFile& file)
+{
+    const plot::Title title { .name = printable (job.input.filename().string()), .mode = nameOf (job.mode) };
+    const auto png = plot::paintPng (measurement, title);
+    file.write (png.data(), std::ssize (png));
+    file.throwOnError();
+}
+} // namespace
+
 RenderReport render (const PluginLibrary& library,
                      const Job& job,
                      const RenderSettings& settings,
-                     const std::function<void (double)>& progress)
+                     const std::function<void (const RenderProgress&)>& progress)
 {
-    using Clock = std::chrono::steady_clock;
     const auto start = Clock::now();
 
     AudioInput input (job.input);
     const auto shape = input.shape();
     const auto length = input.length();
-    HostedPlugin plugin (library, { .mode = settings.mode, .shape = shape, .blockSize = settings.blockSize });
+    HostedPlugin plugin (library, { .mode = job.mode, .shape = shape, .blockSize = settings.blockSize });
     AudioOutput output (job.output, settings.encoding, shape, length);
+    std::optional<PartialFile> picture;
 
+    if (job.picture.has_value())
+        picture.emplace (*job.picture);
+
+    const auto rate = double (shape.sampleRate);
     const auto channels = static_cast<std::size_t> (shape.channels);
     std::vector<float> buffer (static_cast<std::size_t> (settings.blockSize) * channels);
+    Listener listener (job, settings, shape);
+    RenderProgress soFar { .secondsInAll = length ? std::optional (double (*length) / rate) : std::nullopt };
     std::size_t framesDone = 0;
 
     while (true)
@@ -41,19 +108,38 @@ RenderReport render (const PluginLibrary& library,
             break;
 
         const auto block = std::span (buffer).first (frames * channels);
+        listener.hearInput (block);
         plugin.process (block);
+        listener.hearOutput (block);
         output.write (block);
         framesDone += frames;
 
-        if (length.has_value())
-            progress (double (framesDone) / double (*length));
+        soFar.secondsDone = double (framesDone) / rate;
+        soFar.secondsOfWork = secondsSince (start);
+        progress (soFar);
     }
+
+    const auto& measurement = listener.result();
+
+    if (picture.has_value())
+        paint (*measurement, job, *picture);
 
     output.commit();
 
-    const auto seconds = double (framesDone) / double (shape.sampleRate);
-    const auto elapsed = std::chrono::duration<double> (Clock::now() - start).count();
-    return { .levels = output.levels(), .seconds = seconds, .timesRealTime = seconds / elapsed };
+    if (picture.has_value())
+        picture->commit();
+
+    const auto seconds = double (framesDone) / rate;
+    RenderReport report { .levels = output.levels(),
+                          .shape = shape,
+                          .seconds = seconds,
+                          .timesRealTime = seconds / secondsSince (start),
+                          .analysis = {} };
+
+    if (measurement.has_value())
+        report.analysis = measurement->analysis();
+
+    return report;
 }
 
 } // namespace larkspire::render

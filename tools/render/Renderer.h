@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include "AudioShape.h"
 #include "Encoding.h"
 #include "HostedPlugin.h"
 #include "Levels.h"
+#include "meter/Measurement.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <optional>
 
 namespace larkspire::render
 {
@@ -16,34 +20,49 @@ struct Job
 {
     std::filesystem::path input;
     std::filesystem::path output;
+    Mode mode = Mode::medium;
+    std::optional<std::filesystem::path> picture; // where the picture goes, if one is wanted
 };
 
 /** What all jobs of a call share. */
 struct RenderSettings
 {
-    Mode mode = Mode::medium;
     int blockSize = 512; // sample frames; the result does not depend on it
     Encoding encoding;
+    bool measure = false; // whether to listen as well, which takes longer than the plug-in does
 };
 
 /** What a finished job has to tell. */
 struct RenderReport
 {
     Levels levels;
+    AudioShape shape;
     double seconds = 0.0;       // of sound
     double timesRealTime = 0.0; // how many seconds of sound a second of work gave; 0 where there was no sound
+    std::optional<meter::Analysis> analysis; // there if it was asked for
 };
 
-/** Takes a file through a plug-in instance of its own, in memory that does not grow with the file. The result has the
-    input's length, sample rate and channels and appears under its name when it is whole.
+/** How far a job is. */
+struct RenderProgress
+{
+    double secondsDone = 0.0;           // of sound
+    std::optional<double> secondsInAll; // where the length is known
+    double secondsOfWork = 0.0;
+};
 
-    @param progress  told from time to time how much is done, 0 to 1; not called where the length is not known
+/** Takes a file through a plug-in instance of its own, in memory that grows no more than a picture's needs with the
+    file. The result has the input's length, sample rate and channels; it and the picture appear under their names when
+    both are whole.
+
+    May be called in several threads at once.
+
+    @param progress  told after every block
 
     Throws Failure where it cannot be done and Interrupted where a signal asked for an end; then there is no result, and
     a file that had its name is as it was. */
 RenderReport render (const PluginLibrary& library,
                      const Job& job,
                      const RenderSettings& settings,
-                     const std::function<void (double)>& progress);
+                     const std::function<void (const RenderProgress&)>& progress);
 
 } // namespace larkspire::render

@@ -10,12 +10,12 @@ namespace larkspire::render
 namespace
 {
 // The signal may arrive in a thread of the plug-in, hence an atomic and no sig_atomic_t.
-std::atomic<bool> stopFlag { false };
-static_assert (std::atomic<bool>::is_always_lock_free);
+std::atomic<int> stopSignal { 0 };
+static_assert (std::atomic<int>::is_always_lock_free);
 
-void requestStop (int)
+void requestStop (int signal)
 {
-    stopFlag.store (true);
+    stopSignal.store (signal);
 }
 
 void setHandler (int signal, void (*handler) (int))
@@ -48,7 +48,16 @@ void installSignalHandlers()
 
 bool stopRequested() noexcept
 {
-    return stopFlag.load();
+    return stopSignal.load() != 0;
+}
+
+void endBySignal()
+{
+    if (const auto signal = stopSignal.load(); signal != 0)
+    {
+        setHandler (signal, SIG_DFL);
+        std::raise (signal);
+    }
 }
 
 } // namespace larkspire::render

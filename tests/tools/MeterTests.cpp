@@ -1,0 +1,254 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// The meters on signals whose figures are known: those of the EBU's own test signals, and those that follow from
+// arithmetic.
+#include "Tone.h"
+#include "meter/Course.h"
+#include "meter/MeanGain.h"
+#include "meter/SoundMeter.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace
+{
+using namespace larkspire::meter;
+using larkspire::render::AudioShape;
+
+/** The figures of a sound that comes in blocks of a strange size. */
+SoundFigures figuresOf (const std::vector<float>& interleaved, const AudioShape& shape)
+{
+    SoundMeter meter (shape);
+    std::span<const float> rest (interleaved);
+    const auto block = std::size_t { 777 } * static_cast<std::size_t> (shape.channels);
+
+    while (! rest.empty())
+    {
+        const auto part = rest.first (std::min (rest.size(), block));
+        meter.add (part);
+        rest = rest.subspan (part.size());
+    }
+
+    return meter.figures (meter);
+}
+
+constexpr AudioShape stereo { .channels = 2, .sampleRate = 48000 };
+constexpr AudioShape mono { .channels = 1, .sampleRate = 48000 };
+
+TEST (Loudness, OfAStereoSineIsItsPeakLevel)
+{
+    for (const double level : { -23.0, -33.0 })
+        EXPECT_NEAR (figuresOf (Tone { .peakDbfs = level, .seconds = 20.0 }.samples(), stereo).integratedLufs.value(),
+                     level,
+                     0.1);
+}
+
+TEST (Loudness, OfAStereoSineIsItsPeakLevelAtEverySampleRate)
+{
+    for (const int rate : { 8000, 44100, 96000 })
+    {
+        const AudioShape shape { .channels = 2, .sampleRate = rate };
+        EXPECT_NEAR (
+            figuresOf (Tone { .seconds = 5.0, .sampleRate = rate }.samples(), shape).integratedLufs.value(), -23.0, 0.1)
+            << rate;
+    }
+}
+
+TEST (Loudness, OfOneChannelIsThreeUnitsLess)
+{
+    const auto tone = Tone { .seconds = 5.0, .channels = 1 }.samples();
+    EXPECT_NEAR (figuresOf (tone, mono).integratedLufs.value(), -26.0, 0.1);
+}
+
+TEST (Loudness, DoesNotCountWhatIsFarBelow)
+{
+    // Tech 3341, case 3: the gate takes the quiet beginning and end away; without it the figure were -24.1.
+    const auto quiet = Tone { .peakDbfs = -36.0, .seconds = 10.0 }.samples();
+    const auto loud = Tone { .peakDbfs = -23.0, .seconds = 60.0 }.samples();
+    EXPECT_NEAR (figuresOf (joined ({ quiet, loud, quiet }), stereo).integratedLufs.value(), -23.0, 0.1);
+}
+
+TEST (LoudnessRange, OfTwoLevelsIsTheirDistance)
+{
+    // Tech 3342, cases 1 to 3: 20 s each.
+    for (const double second : { -30.0, -15.0, -40.0 })
+    {
+        const auto sound = joined ({ Tone { .peakDbfs = -20.0, .seconds = 20.0 }.samples(),
+                                     Tone { .peakDbfs = second, .seconds = 20.0 }.samples() });
+        EXPECT_NEAR (figuresOf (sound, stereo).loudnessRangeLu.value(), std::abs (second + 20.0), 1.0) << second;
+    }
+}
+
+TEST (LoudnessRange, OfOneLevelIsZero)
+{
+    EXPECT_NEAR (figuresOf (Tone { .seconds = 20.0 }.samples(), stereo).loudnessRangeLu.value(), 0.0, 0.05);
+}
+
+TEST (TruePeak, IsFoundBetweenTheSamples)
+{
+    // A quarter of the sample rate, 45 degrees on: the samples only reach -9.0 dBFS. Tech 3341 allows +0.2 and -0.4.
+    const Tone tone { .frequency = 12000.0, .peakDbfs = -6.02, .seconds = 1.0, .phase = std::numbers::pi / 4.0 };
+    const auto samples = tone.samples();
+    ASSERT_LT (*std::max_element (samples.begin(), samples.end()), 0.36f);
+    const auto peak = figuresOf (samples, stereo).truePeakDbtp.value();
+    EXPECT_GT (peak, -6.02 - 0.4);
+    EXPECT_LT (peak, -6.02 + 0.2);
+}
+
+TEST (TruePeak, IsThatOfTheLouderChannel)
+{
+    std::vector<float> sound (9600);
+
+    for (std::size_t frame = 0; frame < 4800; ++frame)
+        sound[2 * frame + 1] = static_cast<float> (0.5 * std::sin (0.05 * double (frame)));
+
+    EXPECT_NEAR (figuresOf (sound, stereo).truePeakDbtp.value(), -6.02, 0.05);
+}
+
+/** A square wave for so many seconds, whose RMS is its height. */
+std::vector<float> square (double dbfs, double seconds, int channels)
+{
+    const auto height = static_cast<float> (std::pow (10.0, dbfs / 20.0));
+    std::vector<float> samples;
+
+    for (long frame = 0; frame < std::lround (seconds * 48000.0); ++frame)
+        for (int channel = 0; channel < channels; ++channel)
+            samples.push_back (frame % 2 == 0 ? height : -height);
+
+    return samples;
+}
+
+TEST (Noise, IsTheLevelBetweenWords)
+{
+    for (const int channels : { 1, 2 })
+    {
+        const auto word = Tone { .peakDbfs = -12.0, .seconds = 0.4, .channels = channels }.samples();
+        const auto gap = square (-61.5, 0.2, channels);
+        std::vector<float> speech;
+
+        for (int i = 0; i < 10; ++i)
+            speech = joined ({ speech, word, gap });
+
+        const auto noise = figuresOf (speech, { .channels = channels, .sampleRate = 48000 }).noiseDbfs;
+        EXPECT_NEAR (noise.value(), -61.5, 0.01) << channels;
+    }
+}
+
+TEST (Noise, IsTheTenthOfAHundredWindowsInOrder)
+{
+    std::vector<float> sound;
+
+    // Each window 0.5 dB apart, in an order that is none: 37 has no divisor in common with 100.
+    for (int i = 0; i < 100; ++i)
+        sound = joined ({ sound, square (-70.0 + 0.5 * (37 * i % 100), NoiseMeter::windowSeconds, 1) });
+
+    EXPECT_NEAR (figuresOf (sound, mono).noiseDbfs.value(), -70.0 + 0.5 * 9, 0.01);
+}
+
+TEST (Noise, IsNotLookedForWhereTheRecordingIsDigitalSilence)
+{
+    const auto noise = square (-60.0, 1.0, 1);
+    const auto halved = square (-66.0, 1.0, 1);
+    const std::vector<float> silence (48000);
+    const auto hum = square (-90.0, 1.0, 1);
+    SoundMeter before (mono);
+    SoundMeter after (mono);
+    before.add (joined ({ noise, silence, noise }));
+    after.add (joined ({ halved, hum, halved }));
+    EXPECT_NEAR (before.figures (before).noiseDbfs.value(), -60.0, 0.01);
+    EXPECT_NEAR (after.figures (before).noiseDbfs.value(), -66.0, 0.01);
+    EXPECT_NEAR (after.figures (after).noiseDbfs.value(), -90.0, 0.01);
+}
+
+TEST (Figures, AreMissingForSilence)
+{
+    EXPECT_EQ (figuresOf (std::vector<float> (960000), stereo), SoundFigures {});
+}
+
+TEST (Figures, AreMissingWhereTheSoundIsTooShort)
+{
+    const auto figuresAfter = [] (double seconds)
+    { return figuresOf (Tone { .seconds = seconds, .channels = 1 }.samples(), mono); };
+
+    EXPECT_EQ (figuresOf ({}, mono), SoundFigures {});
+    EXPECT_FALSE (figuresAfter (0.049).noiseDbfs.has_value());
+    EXPECT_TRUE (figuresAfter (0.05).noiseDbfs.has_value());
+    EXPECT_FALSE (figuresAfter (0.39).integratedLufs.has_value());
+    EXPECT_TRUE (figuresAfter (0.4).integratedLufs.has_value());
+    EXPECT_FALSE (figuresAfter (3.9).loudnessRangeLu.has_value());
+    EXPECT_TRUE (figuresAfter (4.0).loudnessRangeLu.has_value());
+}
+
+TEST (Figures, AreMissingWhereSamplesAreNoNumbers)
+{
+    for (const float strange : { std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity() })
+    {
+        auto sound = Tone { .seconds = 5.0, .channels = 1 }.samples();
+        sound[1000] = strange;
+        EXPECT_EQ (figuresOf (sound, mono), SoundFigures {});
+    }
+}
+
+TEST (MeanGain, IsTheMeanInDecibels)
+{
+    MeanGain mean;
+    EXPECT_EQ (mean.decibels(), std::nullopt);
+
+    // Neither a multiple of sixteen nor of the period.
+    for (int i = 0; i < 1001; ++i)
+        mean.add (i % 2 == 0 ? 1.0 : 0.1);
+
+    EXPECT_NEAR (mean.decibels().value(), -20.0 * 500 / 1001, 1e-9);
+}
+
+TEST (MeanGain, OfTinyGainsIsExact)
+{
+    MeanGain mean;
+
+    for (int i = 0; i < 100; ++i)
+        mean.add (1e-18);
+
+    EXPECT_NEAR (mean.decibels().value(), -360.0, 1e-9);
+}
+
+TEST (Course, KeepsEverySampleOfAShortSound)
+{
+    Course course;
+
+    for (int i = 0; i < 100; ++i)
+        course.add (static_cast<float> (i));
+
+    ASSERT_EQ (course.size(), 100U);
+    EXPECT_EQ (course.samplesPerBin(), 1);
+    EXPECT_EQ (course[42].lowest, 42.0f);
+    EXPECT_EQ (course.mean (42), 42.0);
+}
+
+TEST (Course, JoinsBinsAndKeepsExtremesAndMeans)
+{
+    Course course;
+    constexpr int count = 100001;
+
+    for (int i = 0; i < count; ++i)
+        course.add (static_cast<float> (i));
+
+    EXPECT_LE (course.size(), Course::mostBins);
+    EXPECT_GT (course.size(), Course::mostBins / 2);
+    const auto length = course.samplesPerBin();
+    EXPECT_EQ (length, 16);
+
+    for (std::size_t bin = 0; bin + 1 < course.size(); ++bin)
+    {
+        const auto first = static_cast<double> (bin) * 16.0;
+        ASSERT_EQ (course[bin].lowest, static_cast<float> (first));
+        ASSERT_EQ (course[bin].highest, static_cast<float> (first + 15.0));
+        ASSERT_EQ (course.mean (bin), first + 7.5);
+    }
+
+    EXPECT_EQ (course.mean (course.size() - 1), count - 1); // alone in the last bin
+}
+} // namespace

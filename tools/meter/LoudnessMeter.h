@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include "meter/Decibels.h"
+#include "render/AudioShape.h"
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace larkspire::meter
+{
+
+/** Loudness and true peak as EBU R 128 has them (ITU-R BS.1770), by libebur128.
+
+    A mono file is one channel: the same voice on two channels is 3 LU louder.
+*/
+class LoudnessMeter
+{
+public:
+    explicit LoudnessMeter (const render::AudioShape& shape);
+    ~LoudnessMeter();
+
+    LoudnessMeter (const LoudnessMeter&) = delete;
+    LoudnessMeter& operator= (const LoudnessMeter&) = delete;
+
+    /** Takes whole frames, channels interleaved, linear full scale 1.0. */
+    void add (std::span<const float> interleaved);
+
+    /** The gated loudness of all of it, in LUFS. Nothing below 0.4 s, one block of the gate, and where no block is
+        above -70 LUFS. */
+    Figure integrated() const;
+
+    /** The loudness range in LU, EBU Tech 3342. Nothing below 4 s: a range needs two of its windows of 3 s, which are
+        1 s apart. And nothing where no window is above -70 LUFS. */
+    Figure range() const;
+
+    /** The largest magnitude of the waveform between the samples, in dBTP. Nothing for silence. */
+    Figure truePeak() const;
+
+    /** How long one step of the two courses is: the loudness is read once in so many seconds. */
+    static constexpr double stepSeconds = 0.1;
+    static constexpr double momentarySeconds = 0.4;
+    static constexpr double shortTermSeconds = 3.0;
+
+    /** The loudness in LUFS of the last 0.4 s and of the last 3 s at the end of each step; minus infinity for silence,
+        no number where so much has not been heard yet. */
+    const std::vector<float>& momentary() const noexcept { return momentaryCourse; }
+    const std::vector<float>& shortTerm() const noexcept { return shortTermCourse; }
+
+private:
+    struct Library; // its header's names are too plain to be let in here
+
+    void readCourses();
+    bool hasHeard (double seconds) const;
+
+    int channels;
+    int sampleRate;
+    std::unique_ptr<Library> library;
+    std::int64_t framesPerStep;
+    std::int64_t framesHeard = 0;
+    std::vector<float> momentaryCourse;
+    std::vector<float> shortTermCourse;
+};
+
+} // namespace larkspire::meter

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#include "meter/SoundMeter.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace larkspire::meter
+{
+
+SoundMeter::SoundMeter (const render::AudioShape& shape)
+    : channels (static_cast<std::size_t> (shape.channels)),
+      loudnessMeter (shape),
+      noiseMeter (shape)
+{
+}
+
+void SoundMeter::add (std::span<const float> interleaved)
+{
+    numbers.assign (interleaved.begin(), interleaved.end());
+
+    for (auto& sample : numbers)
+    {
+        if (! std::isfinite (sample))
+        {
+            allNumbers = false;
+            sample = 0.0f;
+        }
+    }
+
+    loudnessMeter.add (numbers);
+    noiseMeter.add (numbers);
+
+    for (std::size_t i = 0; i < numbers.size(); i += channels)
+    {
+        const auto left = numbers[i];
+        const auto right = numbers[i + channels - 1];
+        waveformCourse.add (std::min (left, right), std::max (left, right));
+    }
+}
+
+SoundFigures SoundMeter::figures (const SoundMeter& recording) const
+{
+    if (! allNumbers)
+        return {};
+
+    return { .integratedLufs = loudnessMeter.integrated(),
+             .loudnessRangeLu = loudnessMeter.range(),
+             .truePeakDbtp = loudnessMeter.truePeak(),
+             .noiseDbfs = noiseMeter.levelWhere (recording.noiseMeter) };
+}
+
+} // namespace larkspire::meter

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include "meter/Course.h"
+#include "meter/LoudnessMeter.h"
+#include "meter/NoiseMeter.h"
+#include "meter/SoundFigures.h"
+
+#include <span>
+
+namespace larkspire::meter
+{
+
+/** Hears one sound from front to back and tells its figures and its courses. */
+class SoundMeter
+{
+public:
+    explicit SoundMeter (const render::AudioShape& shape);
+
+    /** Takes whole frames, channels interleaved, linear full scale 1.0. A sample that is no number, or infinite, counts
+        as silence, and takes the figures away: such a sound has none. */
+    void add (std::span<const float> interleaved);
+
+    /** @param recording  what the sound was made of, or the sound itself; see NoiseMeter::levelWhere */
+    SoundFigures figures (const SoundMeter& recording) const;
+
+    /** The samples themselves, all channels in one. */
+    const Course& waveform() const noexcept { return waveformCourse; }
+    const LoudnessMeter& loudness() const noexcept { return loudnessMeter; }
+
+private:
+    std::size_t channels;
+    LoudnessMeter loudnessMeter;
+    NoiseMeter noiseMeter;
+    Course waveformCourse;
+    std::vector<float> numbers;
+    bool allNumbers = true;
+};
+
+} // namespace larkspire::meter

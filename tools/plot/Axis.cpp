@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#include "plot/Axis.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+
+namespace larkspire::plot
+{
+
+namespace
+{
+constexpr double fewMinutes = 120.0;
+constexpr double hour = 3600.0;
+
+std::string formatted (const char* format, long first, long second)
+{
+    std::array<char, 48> text {};
+    std::snprintf (text.data(), text.size(), format, first, second); // NOLINT(clang-diagnostic-format-nonliteral)
+    return text.data();
+}
+
+/** Seconds between the marks of a time axis. */
+double timeStep (double seconds)
+{
+    constexpr double mostMarks = 11.0;
+    const auto least = seconds / mostMarks;
+
+    if (seconds <= fewMinutes)
+        return roundedUp (least);
+
+    for (const double step : { 15.0, 30.0, 60.0, 120.0, 300.0, 600.0, 900.0, 1800.0, 3600.0, 7200.0 })
+        if (step >= least)
+            return step;
+
+    return std::ceil (least / hour) * hour;
+}
+
+/** Decimals that a number has, up to nine. */
+int decimalsOf (double number)
+{
+    constexpr int most = 9;
+    int decimals = 0;
+
+    for (auto scaled = number; decimals < most && std::abs (scaled - std::round (scaled)) > 1e-6 * scaled;
+         scaled *= 10.0)
+        ++decimals;
+
+    return decimals;
+}
+
+std::string clockText (double seconds, bool withHours)
+{
+    const auto whole = std::lround (seconds);
+    const auto ofTheHour =
+        formatted (withHours ? "%02ld:%02ld" : "%ld:%02ld", withHours ? whole / 60 % 60 : whole / 60, whole % 60);
+    return withHours ? std::to_string (whole / 3600) + ":" + ofTheHour : ofTheHour;
+}
+} // namespace
+
+std::string numberText (double value, int decimals)
+{
+    std::array<char, 48> text {};
+    std::snprintf (text.data(), text.size(), "%.*f", decimals, std::abs (value));
+    const std::string digits (text.data());
+    const auto isZero = digits.find_first_not_of ("0.") == std::string::npos;
+    return value < 0.0 && ! isZero ? "\xe2\x88\x92" + digits : digits;
+}
+
+std::string secondsText (double seconds)
+{
+    return numberText (seconds, seconds < 1.0 ? 3 : 1);
+}
+
+double roundedUp (double value)
+{
+    const auto power = std::pow (10.0, std::floor (std::log10 (value)));
+
+    for (const double factor : { 1.0, 2.0, 5.0 })
+        if (factor * power >= value * (1.0 - 1e-9))
+            return factor * power;
+
+    return 10.0 * power;
+}
+
+std::vector<Tick> ticksEvery (double step, const Axis& axis)
+{
+    std::vector<Tick> ticks;
+    const auto decimals = decimalsOf (step);
+    const auto lowest = std::min (axis.first, axis.last);
+    const auto highest = std::max (axis.first, axis.last);
+
+    // Counted in whole steps, so that no sum of rounded steps runs away.
+    const auto first = std::lround (std::ceil (lowest / step - 1e-9));
+    const auto end = std::lround (std::floor (highest / step + 1e-9));
+
+    for (auto multiple = first; multiple <= end; ++multiple)
+    {
+        const auto value = static_cast<double> (multiple) * step;
+        ticks.push_back ({ .value = value, .label = numberText (value, decimals) });
+    }
+
+    return ticks;
+}
+
+std::vector<Tick> timeTicks (const Axis& axis)
+{
+    const auto step = timeStep (axis.last);
+    auto ticks = ticksEvery (step, axis);
+
+    if (axis.last > fewMinutes)
+        for (auto& tick : ticks)
+            tick.label = clockText (tick.value, axis.last >= hour);
+
+    return ticks;
+}
+
+std::string timeUnit (const Axis& axis)
+{
+    if (axis.last <= fewMinutes)
+        return "s";
+
+    return axis.last < hour ? "min:s" : "h:min:s";
+}
+
+} // namespace larkspire::plot

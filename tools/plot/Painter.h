@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include "meter/Measurement.h"
+
+#include <string>
+#include <vector>
+
+namespace larkspire::plot
+{
+
+/** What stands above a picture. */
+struct Title
+{
+    std::string name; // of the file; bytes that are no UTF-8 are shown as question marks
+    std::string mode;
+};
+
+/** Draws a rendering and gives the bytes of a PNG file: waveforms before and after, loudness before and after, and the
+    gains of expander and leveller, one above the other on one time axis; the scales are those of axesFor.
+
+    It needs neither a window nor a display. Any thread. Throws render::Failure where no font is installed.
+*/
+std::vector<char> paintPng (const meter::Measurement& measurement, const Title& title);
+
+} // namespace larkspire::plot

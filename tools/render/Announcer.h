@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include "BatchPlan.h"
+#include "ProgressBar.h"
+#include "Rendering.h"
+
+#include <cstddef>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+namespace larkspire::render
+{
+
+/** Tells on stdout and stderr what becomes of the jobs, in the order of the inputs however they run.
+
+    A job has its turn when all before it are finished. Its progress is on the terminal while it has its turn and runs;
+    its line of stats, or the reason why it failed, follow when it is finished, and an input's report follows the last
+    of its jobs. Any thread may call.
+*/
+class Announcer
+{
+public:
+    explicit Announcer (const BatchPlan& plan);
+
+    /** A job, by its index in the plan, has come so far. */
+    void progress (std::size_t index, const RenderProgress& progress);
+
+    /** A job has come to an end. */
+    void finished (std::size_t index, Rendering rendering);
+
+    /** No job will follow: tells what still waits behind jobs that were never begun, and prints the document. */
+    void end();
+
+private:
+    void startBar();
+    void announceInTurn();
+    void announce (std::size_t index);
+    void printReport();
+
+    const BatchPlan& plan;
+    std::mutex mutex;
+    std::map<std::size_t, Rendering> waiting; // finished, but not in turn
+    std::map<std::size_t, RenderProgress> latest;
+    std::vector<Rendering> told;
+    std::size_t inputOfTable = 0;
+    std::size_t rowsOfTable = 0; // of those told last
+    bool tablesBefore = false;
+    std::size_t turn = 0;
+    std::optional<ProgressBar> bar;
+};
+
+} // namespace larkspire::render

@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#include "ReportTable.h"
+
+#include "Failure.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <utility>
+#include <vector>
+
+namespace larkspire::render
+{
+
+namespace
+{
+using meter::Analysis;
+using meter::Figure;
+using meter::GainsKnown;
+using meter::SoundFigures;
+using meter::StageGains;
+
+constexpr int labelWidth = 32;
+constexpr int columnWidth = 10;
+
+struct SoundRow
+{
+    const char* label;
+    Figure SoundFigures::*figure;
+};
+
+constexpr std::array<SoundRow, 4> soundRows { {
+    { "integrated loudness, LUFS", &SoundFigures::integratedLufs },
+    { "loudness range, LU", &SoundFigures::loudnessRangeLu },
+    { "true peak, dBTP", &SoundFigures::truePeakDbtp },
+    { "noise between words, dBFS", &SoundFigures::noiseDbfs },
+} };
+
+struct GainRow
+{
+    const char* label;
+    Figure StageGains::*figure;
+};
+
+constexpr std::array<GainRow, 7> gainRows { {
+    { "  high-pass", &StageGains::highPassDb },
+    { "  expander, mean over time", &StageGains::expanderDb },
+    { "  stereo fold", &StageGains::foldDb },
+    { "  air and body", &StageGains::airAndBodyDb },
+    { "  leveller, mean over time", &StageGains::levellerDb },
+    { "  make-up", &StageGains::makeUpDb },
+    { "  soft clip", &StageGains::softClipDb },
+} };
+
+std::string line (const std::string& label, const std::vector<std::string>& cells)
+{
+    auto text = "  " + label;
+    text.resize (static_cast<std::size_t> (labelWidth), ' ');
+
+    for (const auto& cell : cells)
+    {
+        if (std::cmp_less (cell.size(), columnWidth))
+            text.append (static_cast<std::size_t> (columnWidth) - cell.size(), ' ');
+
+        text += cell;
+    }
+
+    text.erase (text.find_last_not_of (' ') + 1);
+    return text + "\n";
+}
+
+std::string cellOf (const Figure& figure)
+{
+    if (! figure.has_value())
+        return "-";
+
+    std::array<char, 64> text {};
+    const auto rounded = std::round (*figure * 10.0) / 10.0;
+    std::snprintf (text.data(), text.size(), "%.1f", rounded + 0.0); // which makes a negative zero a zero
+    return text.data();
+}
+
+std::string headline (const Rendering& rendering)
+{
+    const auto& report = *rendering.report;
+    std::array<char, 96> facts {};
+    std::snprintf (facts.data(),
+                   facts.size(),
+                   "  %.*f s, %d Hz, %s",
+                   report.seconds < 1.0 ? 3 : 1,
+                   report.seconds,
+                   report.shape.sampleRate,
+                   report.shape.channels == 1 ? "mono" : "stereo");
+    return printable (rendering.job.input.string()) + facts.data() + "\n";
+}
+
+std::string gainLines (const std::vector<const Analysis*>& analyses)
+{
+    const auto has = [&analyses] (GainsKnown state)
+    {
+        return std::any_of (
+            analyses.begin(), analyses.end(), [state] (const auto* analysis) { return analysis->gainsKnown == state; });
+    };
+
+    std::string text;
+
+    if (has (GainsKnown::yes))
+    {
+        text += line ("gain of each stage, dB", {});
+
+        for (const auto& row : gainRows)
+        {
+            std::vector<std::string> cells { "" };
+
+            for (const auto* analysis : analyses)
+                cells.push_back (cellOf (analysis->gains.*row.figure));
+
+            text += line (row.label, cells);
+        }
+    }
+
+    if (has (GainsKnown::otherPlugin))
+        text += "  gains left out: the library gives another sound than the chain that this program knows\n";
+
+    if (has (GainsKnown::noStageRuns) && analyses.size() == 1)
+        text += "  no gains: in bypass no stage runs\n";
+
+    return text;
+}
+} // namespace
+
+std::string reportTable (std::span<const Rendering> renderings)
+{
+    std::vector<const Rendering*> done;
+
+    for (const auto& rendering : renderings)
+        if (rendering.report.has_value() && rendering.report->analysis.has_value())
+            done.push_back (&rendering);
+
+    if (done.empty())
+        return {};
+
+    std::vector<const Analysis*> analyses;
+    std::vector<std::string> heads { "before" };
+
+    for (const auto* rendering : done)
+    {
+        analyses.push_back (&*rendering->report->analysis);
+        heads.emplace_back (renderings.size() == 1 ? "after" : nameOf (rendering->job.mode));
+    }
+
+    const auto mode = renderings.size() == 1 ? std::string ("mode ") + nameOf (done[0]->job.mode) : "";
+    auto text = headline (*done[0]) + line (mode, heads);
+
+    for (const auto& row : soundRows)
+    {
+        std::vector<std::string> cells { cellOf (analyses[0]->before.*row.figure) };
+
+        for (const auto* analysis : analyses)
+            cells.push_back (cellOf (analysis->after.*row.figure));
+
+        text += line (row.label, cells);
+    }
+
+    return text + gainLines (analyses);
+}
+
+} // namespace larkspire::render

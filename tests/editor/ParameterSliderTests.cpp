@@ -77,7 +77,8 @@ TEST_F (ParameterSliderTest, SpreadsOtherModesOverTheirSteps)
 
 TEST_F (ParameterSliderTest, ShowsTheParametersTexts)
 {
-    ParameterSlider slider;
+    AudioParameterFloatQuendal percent ("id", "Name", DisplayMode::Percent, 0.5f, 10, {});
+    ParameterSlider slider; // goes before its parameters, as in the window
     slider.setParameter (&mode);
 
     for (std::size_t i = 0; i < modes.size(); ++i)
@@ -86,10 +87,8 @@ TEST_F (ParameterSliderTest, ShowsTheParametersTexts)
     EXPECT_EQ (slider.getTextFromValue (0.5), juce::String());
     EXPECT_EQ (slider.getTextValueSuffix(), juce::String());
 
-    AudioParameterFloatQuendal percent ("id", "Name", DisplayMode::Percent, 0.5f, 10, {});
     slider.setParameter (&percent);
     EXPECT_EQ (slider.getTextFromValue (0.25), juce::String (percent.valueToText (0.25f))) << "asked at each call";
-    percent.removeListener (&slider.valueChangeListener);
     mode.removeListener (&slider.valueChangeListener);
 }
 

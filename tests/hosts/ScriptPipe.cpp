@@ -2,6 +2,7 @@
 #include "hosts/ScriptPipe.h"
 
 #include <array>
+#include <csignal>
 #include <filesystem>
 #include <stdexcept>
 #include <thread>
@@ -34,6 +35,9 @@ ScriptPipe::ScriptPipe()
 {
     const auto deadline = Clock::now() + patience;
 
+    // A command to a program that has ended is an error to report, not the end of this one.
+    std::signal (SIGPIPE, SIG_IGN);
+
     // Opened for writing without blocking, a pipe refuses until somebody reads it.
     while ((commands = open (pipePath ("to").c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC)) < 0)
     {
@@ -56,6 +60,7 @@ ScriptPipe::~ScriptPipe()
 {
     close (commands);
     close (answers);
+    removeStale();
 }
 
 std::string ScriptPipe::command (const std::string& line)

@@ -14,6 +14,8 @@ public:
 
     /** Waits for the pipes and opens them. Throws std::runtime_error if they do not come. */
     ScriptPipe();
+
+    /** Ends the conversation for good, and removes the pipes. */
     ~ScriptPipe();
 
     ScriptPipe (const ScriptPipe&) = delete;

@@ -107,7 +107,7 @@ performance: configure
 	@mkdir -p docs
 	@build/$(PRESET)/benchmarks/larkspire-bench --benchmark_out=build/$(PRESET)/performance.json --markdown=docs/performance.md
 
-# The library in a DAW as Debian packages it, without a window.
+# The library in a DAW and in a sound editor as Debian packages them, without a window to look at.
 test-hosts:
 	@scripts/setup scripts/hosts/packages.txt
 	$(call configure-preset,$(PRESET))

@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cstdio>
 #include <memory>
-#include <sndfile.hh>
 #include <stdexcept>
 #include <utility>
 
@@ -16,15 +15,6 @@ constexpr int sampleRate = 48000; // Hz
 
 /** Where the package has put what people do not call themselves. */
 const std::string programs = "/usr/lib/ardour7/";
-
-void writeChannel (const std::string& path, const std::vector<float>& samples)
-{
-    const auto frames = static_cast<sf_count_t> (samples.size());
-    SndfileHandle file (path, SFM_WRITE, SF_FORMAT_WAV | SF_FORMAT_FLOAT, 1, sampleRate);
-
-    if (file.writef (samples.data(), frames) != frames)
-        throw std::runtime_error ("cannot write " + path);
-}
 } // namespace
 
 Ardour::Ardour() : library (folder / "vst/Quendal Larkspire.so"), searchPath ("LXVST_PATH='" + (folder / "vst") + "'")
@@ -88,9 +78,10 @@ void Ardour::makeSession (const std::string& name, const Track& track) const
            std::to_string (track.channels.front().size()) });
 
     for (std::size_t i = 0; i < track.channels.size(); ++i)
-        writeChannel (folder
-                          / (name + "/interchange/" + name + "/audiofiles/channel" + std::to_string (i + 1) + ".wav"),
-                      track.channels[i]);
+        writeFloatWav (folder
+                           / (name + "/interchange/" + name + "/audiofiles/channel" + std::to_string (i + 1) + ".wav"),
+                       { track.channels[i] },
+                       sampleRate);
 }
 
 std::string Ardour::sessionPath (const std::string& name) const
@@ -103,10 +94,10 @@ std::string Ardour::openSession (const std::string& name) const
     return run ({ "ardour7-lua", LARKSPIRE_HOST_SCRIPTS "/open-session.lua", folder / name });
 }
 
-std::vector<std::vector<float>> Ardour::exportSession (const std::string& name) const
+Channels Ardour::exportSession (const std::string& name) const
 {
     constexpr int mostRuns = 8;
-    std::vector<std::vector<std::vector<float>>> exports;
+    std::vector<Channels> exports;
 
     for (int i = 0; i < mostRuns; ++i)
     {
@@ -126,23 +117,9 @@ std::vector<std::vector<float>> Ardour::exportSession (const std::string& name) 
     throw std::runtime_error ("no two exports of " + name + " are the same");
 }
 
-std::vector<std::vector<float>> Ardour::exportOnce (const std::string& name) const
+Channels Ardour::exportOnce (const std::string& name) const
 {
     const auto path = folder / (name + ".wav");
     run ({ "ardour7-export", "-s", std::to_string (sampleRate), "-b", "float", "-o", path, folder / name, "voice" });
-    SndfileHandle file (path);
-
-    if (file.error() != SF_ERR_NO_ERROR || (file.format() & SF_FORMAT_SUBMASK) != SF_FORMAT_FLOAT
-        || file.samplerate() != sampleRate)
-        throw std::runtime_error (path + " is not what was asked for");
-
-    const auto count = static_cast<std::size_t> (file.channels());
-    std::vector<float> interleaved (static_cast<std::size_t> (file.frames()) * count);
-    file.readf (interleaved.data(), file.frames());
-    std::vector<std::vector<float>> channels (count);
-
-    for (std::size_t i = 0; i < interleaved.size(); ++i)
-        channels[i % count].push_back (interleaved[i]);
-
-    return channels;
+    return readFloatWav (path, sampleRate);
 }

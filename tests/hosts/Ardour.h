@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include "hosts/FloatWav.h"
 #include "tools/TemporaryFolder.h"
 
 #include <filesystem>
@@ -24,9 +25,9 @@ public:
     /** What is put on the one track of a session, at 48 kHz. */
     struct Track
     {
-        std::vector<std::vector<float>> channels; // of equal length
-        float parameter = 0.0f;                   // of the plug-in
-        bool active = true;                       // the plug-in
+        Channels channels;      // of equal length
+        float parameter = 0.0f; // of the plug-in
+        bool active = true;     // the plug-in
     };
 
     /** Makes a session of this name with the plug-in on its track, and saves it. */
@@ -41,10 +42,10 @@ public:
     /** Opens the session and exports it, which gives the channels of its main output. On a busy machine Ardour 7.3
         corrupts its memory in about one export of ten, without any plug-in too: it aborts, or blocks of garbage
         are in the file. So an export counts when a second one has the same samples. */
-    std::vector<std::vector<float>> exportSession (const std::string& name) const;
+    Channels exportSession (const std::string& name) const;
 
 private:
-    std::vector<std::vector<float>> exportOnce (const std::string& name) const;
+    Channels exportOnce (const std::string& name) const;
     std::string run (const std::vector<std::string>& command) const;
 
     TemporaryFolder folder;

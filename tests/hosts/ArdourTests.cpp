@@ -3,6 +3,7 @@
 #include "host/RawHost.h"
 #include "host/Signals.h"
 #include "hosts/Ardour.h"
+#include "hosts/SameBits.h"
 #include "support/FirstMatch.h"
 
 #include <gmock/gmock.h>
@@ -10,7 +11,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -26,8 +26,6 @@ float position (int index)
 {
     return static_cast<float> (index) / 9.0f;
 }
-
-using Channels = std::vector<std::vector<float>>;
 
 constexpr std::size_t block = 1024;   // frames that Ardour processes at a time
 constexpr std::size_t leadIn = 96000; // frames that an export runs ahead of its start, two seconds
@@ -49,25 +47,6 @@ Channels processed (Channels channels, int index, std::size_t silence = leadIn)
         host.process (channels[0], channels[1], from, std::min (block, channels[0].size() - from));
 
     return channels;
-}
-
-/** The first frame at which the bits differ; the length where none do. */
-std::size_t firstDifference (const std::vector<float>& a, const std::vector<float>& b)
-{
-    const auto sameBits = [] (float x, float y) { return std::memcmp (&x, &y, sizeof (float)) == 0; };
-    return static_cast<std::size_t> (std::mismatch (a.begin(), a.end(), b.begin(), b.end(), sameBits).first
-                                     - a.begin());
-}
-
-void expectSameBits (const Channels& actual, const Channels& expected)
-{
-    ASSERT_EQ (actual.size(), expected.size());
-
-    for (std::size_t i = 0; i < expected.size(); ++i)
-    {
-        ASSERT_EQ (actual[i].size(), expected[i].size());
-        EXPECT_EQ (firstDifference (actual[i], expected[i]), expected[i].size()) << "channel " << i;
-    }
 }
 
 Channels startOf (const Channels& channels)

@@ -25,7 +25,7 @@ if (RENDERER)
     configure_file ("${CMAKE_CURRENT_LIST_DIR}/linux/INSTALL.txt.in" "${DOCUMENTS}/INSTALL.txt" @ONLY)
     configure_file ("${CMAKE_CURRENT_LIST_DIR}/linux/com.quendal.larkspire.metainfo.xml.in"
         "${DOCUMENTS}/com.quendal.larkspire.metainfo.xml" @ONLY)
-    write_third_party (framework text-shaping compiler-runtime command-line)
+    write_third_party (framework text-shaping compiler-runtime command-line json)
 
     configure_file ("${CMAKE_CURRENT_LIST_DIR}/debian/changelog.in" "${DOCUMENTS}/changelog" @ONLY)
     configure_file ("${CMAKE_CURRENT_LIST_DIR}/debian/control.in" "${DOCUMENTS}/control" @ONLY)

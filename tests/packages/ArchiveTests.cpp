@@ -142,6 +142,7 @@ TEST (Archives, NameWhatOthersWrote)
     }
 
     EXPECT_THAT (onLinux, HasSubstr ("CLI11"));
+    EXPECT_THAT (onLinux, HasSubstr ("JSON for Modern C++"));
 
     for (const std::string text : { "mingw-w64", "libjpeg-turbo", "Independent JPEG Group", "libpng", "zlib" })
         EXPECT_THAT (onWindows, HasSubstr (text));

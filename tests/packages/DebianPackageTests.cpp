@@ -87,6 +87,7 @@ TEST (DebianPackage, DependsOnThePackagesOfTheLibrariesThatItsFilesLoad)
 
     EXPECT_THAT (names,
                  testing::UnorderedElementsAre ("libc6",
+                                                "libebur128-1",
                                                 "libfontconfig1",
                                                 "libfreetype6",
                                                 "libgcc-s1",
@@ -144,7 +145,8 @@ TEST (DebianPackage, NamesTheLicenceOfEverythingThatIsLinkedIn)
     const auto copyright = bytesOf (package / "usr/share/doc/quendal-larkspire/copyright");
     EXPECT_THAT (copyright, testing::StartsWith ("Format: "));
 
-    for (const std::string text : { "JUCE", "HarfBuzz", "SheenBidi", "CLI11", "GCC RUNTIME LIBRARY EXCEPTION" })
+    for (const std::string text :
+         { "JUCE", "HarfBuzz", "SheenBidi", "CLI11", "JSON for Modern C++", "GCC RUNTIME LIBRARY EXCEPTION" })
         EXPECT_THAT (copyright, HasSubstr (text));
 
     // A short name either brings its text along or has a paragraph of its own.

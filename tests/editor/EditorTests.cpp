@@ -286,4 +286,24 @@ TEST_F (EditorPanel, SaysItsVersionAtTheLowerRight)
     EXPECT_NEAR (bounds.getWidth(), 65, 15) << "11 letters of whatever sans-serif there is, 12.5 high";
     EXPECT_GE (bounds.getY(), 230);
 }
+
+TEST_F (EditorPanel, WritesItsTextsInTheseSizesAndPlaces)
+{
+    const auto expected =
+        drawn (250,
+               250,
+               Colour (0xff303030),
+               [] (juce::Graphics& g)
+               {
+                   g.setColour (Colour (0xff000000));
+                   g.fillRect (0, 0, 250, 35);
+                   g.setColour (Colour (0xffe0e0e0));
+                   g.setFont (juce::Font (juce::FontOptions (20.0f)));
+                   g.drawFittedText ("Quendal's Larkspire", 0, 5, 250, 25, juce::Justification::centred, 1, 0.0f);
+                   g.setColour (Colour (0xff606060));
+                   g.setFont (juce::Font (juce::FontOptions (12.5f)));
+                   g.drawFittedText ("version 242", 0, 230, 245, 20, juce::Justification::right, 1, 0.0f);
+               });
+    EXPECT_TRUE (same (image, expected));
+}
 } // namespace

@@ -15,7 +15,7 @@ JUCE_OPTION := $(if $(LARKSPIRE_JUCE),-DLARKSPIRE_JUCE="$(LARKSPIRE_JUCE)")
 FUZZ_SECONDS ?= 3600
 SHORT_FUZZ_SECONDS := 30
 
-# How much `make torture` does; ten million operations take about six minutes.
+# How much `make torture` does; ten million operations take about five minutes.
 TORTURE_OPERATIONS ?= 10000000
 TORTURE_SEED ?=
 

@@ -186,10 +186,15 @@ TEST_F (Editor, DrainsTheLevelThatNothingFeeds)
     EXPECT_EQ (processor.levelSum, 0.0f);
     EXPECT_EQ (processor.levelCount, 0);
 
+    processor.levelSum = 27.0f;
+    processor.levelCount = 1;
+    editor.timerCallback();
+    EXPECT_FLOAT_EQ (editor.levelReading, 3.0f);
+
     processor.levelSum = 5.0f; // without a count it stays
     editor.timerCallback();
     EXPECT_EQ (processor.levelSum, 5.0f);
-    EXPECT_FLOAT_EQ (editor.levelReading, 2.0f);
+    EXPECT_FLOAT_EQ (editor.levelReading, 3.0f);
 }
 
 /** Counts how often a whole component is declared out of date. */

@@ -198,4 +198,30 @@ TEST_F (FlatButton, WritesNothingWhereTheIndentsLeaveNoWidth)
     EXPECT_TRUE (inked (text (8, 30, false), nothing).isEmpty()) << "2 + 4 / 2 pixels on either side";
     EXPECT_TRUE (inked (text (0, 0, false), nothing).isEmpty());
 }
+
+TEST_F (FlatButton, GivesItsTextThisRoom)
+{
+    // 4 pixels above and below, 11 at the right, and at the left, where a neighbour is, a quarter of the corner's 30
+    // and 2.
+    for (const int width : { 60, 75, 90 })
+    {
+        juce::TextButton button ("Two lines of words");
+        button.setSize (width, 60);
+        button.setConnectedEdges (juce::Button::ConnectedOnLeft);
+        const auto actual = drawn (
+            width, 60, nothing, [&] (juce::Graphics& g) { lookAndFeel.drawButtonText (g, button, false, false); });
+        const auto expected = drawn (
+            width,
+            60,
+            nothing,
+            [&] (juce::Graphics& g)
+            {
+                g.setFont (juce::Font (juce::FontOptions (18.0f)));
+                g.setColour (Colour (0xffa0a0a0));
+                g.drawFittedText (
+                    "Two lines of words", 1 + 9, 1 + 4, width - 9 - 11, 60 - 12, juce::Justification::centred, 2, 0.0f);
+            });
+        EXPECT_TRUE (same (actual, expected)) << width;
+    }
+}
 } // namespace

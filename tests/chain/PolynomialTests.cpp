@@ -186,9 +186,8 @@ TEST (ArcTangent, OfAChannelDoesNotDependOnTheOther)
 }
 
 template <std::size_t count>
-void expectTheSearchToFind (const float (&coefficients)[count], long double (*function) (long double), long double end)
+void expectToBe (const OddPolynomial& found, const float (&coefficients)[count])
 {
-    const auto found = findOddPolynomial (function, end, static_cast<int> (count));
     ASSERT_EQ (found.coefficients.size(), count);
 
     for (std::size_t i = 0; i < count; ++i)
@@ -197,9 +196,14 @@ void expectTheSearchToFind (const float (&coefficients)[count], long double (*fu
 
 TEST (Coefficients, AreThoseThatTheSearchFinds)
 {
-    expectTheSearchToFind (
-        sineCoefficients, [] (long double x) { return std::sin (x); }, static_cast<long double> (halfPi));
-    expectTheSearchToFind (
-        arcTangentCoefficients, [] (long double x) { return std::atan (x); }, 1.0L);
+    expectToBe (findSinePolynomial(), sineCoefficients);
+    expectToBe (findOddPolynomial ([] (long double x) { return std::atan (x); }, 1.0L, 8), arcTangentCoefficients);
+}
+
+TEST (Coefficients, HaveTheErrorsThatAreStatedBesideThem)
+{
+    const auto arcTangentError = findOddPolynomial ([] (long double x) { return std::atan (x); }, 1.0L, 8).relativeError;
+    EXPECT_LE (findSinePolynomial().relativeError, 0.15L * 0x1p-24L);
+    EXPECT_LE (arcTangentError, 0.29L * 0x1p-24L);
 }
 } // namespace

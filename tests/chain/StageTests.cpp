@@ -259,6 +259,18 @@ TEST (SoftClip, HoldsItsCeilingBeyond)
     }
 }
 
+TEST (SoftClip, LetsNoFloatNearAQuarterTurnOverItsCeiling)
+{
+    for (float w = 1.5f; w < 1.6f; w = std::nextafter (w, 2.0f))
+    {
+        const auto [up, down] = sampleOf (softClip (pairOf ({ w, -w })));
+
+        // A plain comparison: an assertion for each of the million floats would take its time.
+        if (! (up <= 0.9885f && down >= -0.9885f))
+            ADD_FAILURE() << w << " becomes " << up << ", its opposite " << down;
+    }
+}
+
 TEST (SoftClip, LeavesWhatIsNoNumber)
 {
     EXPECT_TRUE (std::isnan (clipped (std::numeric_limits<float>::quiet_NaN())));

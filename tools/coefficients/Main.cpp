@@ -22,8 +22,7 @@ int main()
 {
     try
     {
-        constexpr auto halfPi = static_cast<long double> (1.57079637f);
-        print ("sine up to a quarter turn", findOddPolynomial ([] (long double x) { return std::sin (x); }, halfPi, 4));
+        print ("sine up to a quarter turn", findSinePolynomial());
         print ("arc tangent up to 1", findOddPolynomial ([] (long double x) { return std::atan (x); }, 1, 8));
         return 0;
     }

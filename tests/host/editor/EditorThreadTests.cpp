@@ -78,17 +78,15 @@ void runAllThreads (std::size_t blocks, int lowest, int highest, bool expectBoun
             EXPECT_NE (host.chunk().find (" kept=\"entry\""), std::string::npos);
         });
 
-    std::size_t openings = 0;
-
-    for (; audio.blocks() < blocks; ++openings)
+    // A machine may be quick at one of them and slow at another: each goes on until all have done their part.
+    for (std::size_t openings = 0; audio.blocks() < blocks || automation.times() < blocks / 100
+                                   || state.times() < blocks / 1000 || openings < 10;
+         ++openings)
     {
         larkspire::window::EditorWindow window (host.effect());
         window.idle (std::chrono::milliseconds (random() % 20));
     }
 
-    EXPECT_GT (automation.times(), blocks / 100);
-    EXPECT_GT (state.times(), blocks / 1000);
-    EXPECT_GT (openings, 10u);
     EXPECT_TRUE (audio.wasAlwaysFinite());
     EXPECT_TRUE (! expectBounds || audio.wasAlwaysWithinItsBounds());
 }

@@ -202,7 +202,8 @@ TEST (Coefficients, AreThoseThatTheSearchFinds)
 
 TEST (Coefficients, HaveTheErrorsThatAreStatedBesideThem)
 {
-    const auto arcTangentError = findOddPolynomial ([] (long double x) { return std::atan (x); }, 1.0L, 8).relativeError;
+    const auto arcTangentError =
+        findOddPolynomial ([] (long double x) { return std::atan (x); }, 1.0L, 8).relativeError;
     EXPECT_LE (findSinePolynomial().relativeError, 0.15L * 0x1p-24L);
     EXPECT_LE (arcTangentError, 0.29L * 0x1p-24L);
 }

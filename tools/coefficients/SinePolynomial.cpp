@@ -46,8 +46,8 @@ long double errorOf (const std::vector<float>& c)
 
 OddPolynomial findSinePolynomial()
 {
-    auto found = findOddPolynomial (
-        [] (long double x) { return std::sin (x); }, static_cast<long double> (quarterTurn), 4);
+    auto found =
+        findOddPolynomial ([] (long double x) { return std::sin (x); }, static_cast<long double> (quarterTurn), 4);
     auto& last = found.coefficients.back();
 
     while (exceedsOne (found.coefficients))

@@ -79,8 +79,8 @@ void runAllThreads (std::size_t blocks, int lowest, int highest, bool expectBoun
         });
 
     // A machine may be quick at one of them and slow at another: each goes on until all have done their part.
-    for (std::size_t openings = 0; audio.blocks() < blocks || automation.times() < blocks / 100
-                                   || state.times() < blocks / 1000 || openings < 10;
+    for (std::size_t openings = 0;
+         audio.blocks() < blocks || automation.times() < blocks / 100 || state.times() < blocks / 1000 || openings < 10;
          ++openings)
     {
         larkspire::window::EditorWindow window (host.effect());

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // What a host's project keeps of the built library, as the program's chunk and as the bank's. Chunks are written and
 // read here as bytes and as text.
+#include "host/ChunkBytes.h"
 #include "host/Comparison.h"
 #include "host/RawHost.h"
 
@@ -8,88 +9,12 @@
 
 #include <atomic>
 #include <cstdint>
-#include <ostream>
 #include <regex>
 #include <thread>
 #include <unistd.h>
 
 namespace
 {
-std::string littleEndian (std::uint32_t number)
-{
-    std::string bytes;
-
-    for (unsigned shift = 0; shift < 32; shift += 8)
-        bytes += static_cast<char> (number >> shift & 0xffu);
-
-    return bytes;
-}
-
-/** A chunk around a text. */
-std::string around (const std::string& text)
-{
-    return "VC2!" + littleEndian (static_cast<std::uint32_t> (text.size())) + text + '\0';
-}
-
-/** A chunk around a text that claims another length. */
-std::string around (const std::string& text, std::int32_t claimedLength)
-{
-    return "VC2!" + littleEndian (static_cast<std::uint32_t> (claimedLength)) + text + '\0';
-}
-
-std::string withAttributes (const std::string& attributes)
-{
-    return around ("<?xml version=\"1.0\" encoding=\"UTF-8\"?> <settings " + attributes + "/>");
-}
-
-/** The text in a chunk, or a failure where the frame is not in order. */
-std::string textOf (const std::string& chunk)
-{
-    if (chunk.size() < 10)
-    {
-        ADD_FAILURE() << "a chunk of " << chunk.size() << " bytes";
-        return {};
-    }
-
-    EXPECT_EQ (chunk.substr (0, 4), "VC2!");
-    EXPECT_EQ (chunk.substr (4, 4), littleEndian (static_cast<std::uint32_t> (chunk.size() - 9)));
-    EXPECT_EQ (chunk.back(), '\0');
-    return chunk.substr (8, chunk.size() - 9);
-}
-
-/** The names of a document's attributes, in order. */
-std::vector<std::string> namesOf (const std::string& text)
-{
-    static const std::regex attribute (" ([^ =]+)=\"[^\"]*\"");
-    std::vector<std::string> names;
-    const auto start = text.find ("<settings");
-
-    for (std::sregex_iterator match (
-             text.begin() + static_cast<std::ptrdiff_t> (std::min (start, text.size())), text.end(), attribute);
-         match != std::sregex_iterator();
-         ++match)
-        names.push_back ((*match)[1]);
-
-    return names;
-}
-
-/** The value of an attribute as it stands in a document. */
-std::string valueOf (const std::string& text, const std::string& name)
-{
-    std::smatch match;
-
-    if (std::regex_search (text, match, std::regex (" " + name + "=\"([^\"]*)\"")))
-        return match[1];
-
-    ADD_FAILURE() << "no attribute \"" << name << "\" in " << text;
-    return {};
-}
-
-std::string withoutDate (const std::string& text)
-{
-    return std::regex_replace (text, std::regex (" date_modified=\"[^\"]*\""), "");
-}
-
 const std::vector<std::string> freshNames { "mode",          "date_modified", "daw",     "plugin",
                                             "pluginversion", "samplerate",    "username" };
 
@@ -223,86 +148,6 @@ TEST_P (Chunk, OfAnotherPluginIsTakenIn)
     EXPECT_EQ (host.getParameter(), 0.25f);
     EXPECT_EQ (valueOf (textOf (save (host)), "plugin"), "Quendal Larkspire");
 }
-
-/** What a chunk does to an instance that stands at 0.625 and carries an attribute "kept". */
-struct ChunkRow
-{
-    const char* what;
-    std::string bytes;
-    float mode;
-    bool keeps; // the store as it was
-};
-
-void PrintTo (const ChunkRow& row, std::ostream* out)
-{
-    *out << row.what;
-}
-
-const std::string goodText = "<settings mode=\"0.25\"/>";
-
-std::vector<ChunkRow> chunkRows()
-{
-    const auto lengthOf = [] (const std::string& text) { return static_cast<std::int32_t> (text.size()); };
-    const auto value = [] (const std::string& text) { return withAttributes ("mode=\"" + text + "\""); };
-
-    return { // no document
-             { "one byte", "V", 0.625f, true },
-             { "8 bytes", around (goodText).substr (0, 8), 0.625f, true },
-             { "9 bytes", around ("<").substr (0, 9), 0.625f, true },
-             { "another magic number", "VC1!" + around (goodText).substr (4), 0.625f, true },
-             { "plain XML", goodText, 0.625f, true },
-             { "a length of 0", around (goodText, 0), 0.625f, true },
-             { "a length of -1", around (goodText, -1), 0.625f, true },
-             { "a length too small", around (goodText, lengthOf (goodText) - 1), 0.625f, true },
-             { "a text that does not parse", around ("<settings mode"), 0.625f, true },
-             { "another root", around ("<setting mode=\"0.25\"/>"), 0.625f, true },
-             { "elements without end", around ("<settings>" + std::string (300000, '<')), 0.625f, true },
-             { "half a number of a character", around ("<settings a=\"&#x"), 0.625f, true },
-
-             // documents
-             { "a good document", around (goodText), 0.25f, false },
-             { "a length too large", around (goodText, 2147483647), 0.25f, false },
-             { "no zero behind it", around (goodText).substr (0, goodText.size() + 8), 0.25f, false },
-             { "a root in capitals", around ("<SETTINGS mode=\"0.25\"/>"), 0.25f, false },
-             { "a root with a capital", around ("<Settings mode=\"0.25\"/>"), 0.25f, false },
-             { "no attribute", around ("<settings/>"), 0.625f, false },
-             { "no parameter", withAttributes ("theirs=\"value\""), 0.625f, false },
-             { "another case", withAttributes ("MODE=\"0.25\""), 0.625f, false },
-             { "the parameter twice", withAttributes ("mode=\"0.25\" mode=\"0.75\""), 0.25f, false },
-             { "no number", value ("Medium"), 0.0f, false },
-             { "an empty value", value (""), 0.0f, false },
-             { "below the range", value ("-0.1"), 0.0f, false },
-             { "above the range", value ("1.1"), 1.0f, false },
-             { "nan", value ("nan"), 0.0f, false },
-             { "inf", value ("inf"), 1.0f, false },
-             { "-inf", value ("-inf"), 0.0f, false },
-             { "a decimal comma", value ("0,75"), 0.0f, false }
-    };
-}
-
-class RestoredChunk : public RawHost::Anchored<testing::TestWithParam<std::tuple<ChunkRow, bool>>>
-{
-};
-
-TEST_P (RestoredChunk, SetsAndKeepsWhatItShouldAndTellsTheHostNothing)
-{
-    const auto& [row, ofProgram] = GetParam();
-    RawHost host;
-    host.setChunk (withAttributes ("mode=\"0.625\" kept=\"entry\""), ofProgram);
-    ASSERT_EQ (host.getParameter(), 0.625f);
-    host.takeCalls();
-
-    host.setChunk (row.bytes, ofProgram);
-    EXPECT_EQ (host.getParameter(), row.mode);
-
-    const auto text = textOf (host.chunk (ofProgram));
-    EXPECT_EQ (text.find (" kept=\"entry\"") != std::string::npos, row.keeps) << text;
-
-    for (const auto& call : host.takeCalls())
-        ADD_FAILURE() << "the host was told opcode " << call.opcode;
-}
-
-INSTANTIATE_TEST_SUITE_P (Rows, RestoredChunk, testing::Combine (testing::ValuesIn (chunkRows()), testing::Bool()));
 
 TEST_P (Chunk, IsNotSeenByAHostThatSeesEverythingElse)
 {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // All threads of a host at once: audio, automation, saving and loading, the window.
+#include "host/ChunkBytes.h"
 #include "host/editor/EditorHost.h"
 #include "host/editor/RunningAudio.h"
 
@@ -45,13 +46,10 @@ private:
     std::thread thread;
 };
 
+/** A chunk that sets the parameter to a position and carries an entry. */
 std::string document (int position)
 {
-    const std::string text = "<settings mode=\"0." + std::to_string (position * 1111) + "\" kept=\"entry\"/>";
-    std::string bytes = "VC2!";
-    bytes += static_cast<char> (text.size());
-    bytes.append (3, '\0');
-    return bytes + text + '\0';
+    return withAttributes ("mode=\"0." + std::to_string (position * 1111) + "\" kept=\"entry\"");
 }
 
 void runAllThreads (std::size_t blocks, int lowest, int highest, bool expectBounds)

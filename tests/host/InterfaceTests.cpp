@@ -36,11 +36,11 @@ TEST (Interface, ShowsItsNamesAndVersions)
 
 TEST (Interface, GivesNoInstanceToAHostWithoutAVersion)
 {
-    RawHost keepsTheLibraryLoaded;
+    const RawHost host;
     const auto mute =
         [] (Vst2::AEffect*, Vst2::VstInt32, Vst2::VstInt32, Vst2::VstIntPtr, void*, float) -> Vst2::VstIntPtr
     { return 0; };
-    EXPECT_EQ (RawHost::entryPoint (RawHost::pluginPath()) (mute), nullptr);
+    EXPECT_EQ (host.entryPoint() (mute), nullptr);
 }
 
 // Hosts send numbers; a wrong one in our header would be wrong on both sides of every other test.

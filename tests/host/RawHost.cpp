@@ -34,6 +34,11 @@ RawHost::EntryPoint RawHost::entryPoint (const std::string& libraryPath)
     return entryPointOf (load (libraryPath));
 }
 
+RawHost::EntryPoint RawHost::entryPoint() const
+{
+    return entryPointOf (library);
+}
+
 RawHost::RawHost (const std::string& libraryPath)
     : library (load (libraryPath)),
       instance (entryPointOf (library) (answer))

@@ -29,6 +29,9 @@ public:
     /** The entry point of a library, which this loads and leaves loaded. */
     static EntryPoint entryPoint (const std::string& libraryPath);
 
+    /** The entry point of the library that this has loaded; good for as long as this lives. */
+    EntryPoint entryPoint() const;
+
     Vst2::AEffect& effect() { return *instance; }
 
     Vst2::VstIntPtr dispatch (

@@ -4,10 +4,13 @@
 #include "host/editor/EditorHost.h"
 #include "host/editor/RunningAudio.h"
 
+#include <chrono>
 #include <random>
 
 namespace
 {
+constexpr auto patience = std::chrono::minutes (4); // less than a test is given
+
 class EditorThreads : public WithDisplay
 {
 };
@@ -76,15 +79,26 @@ void runAllThreads (std::size_t blocks, int lowest, int highest, bool expectBoun
             EXPECT_NE (host.chunk().find (" kept=\"entry\""), std::string::npos);
         });
 
-    // A machine may be quick at one of them and slow at another: each goes on until all have done their part.
-    for (std::size_t openings = 0;
-         audio.blocks() < blocks || automation.times() < blocks / 100 || state.times() < blocks / 1000 || openings < 10;
-         ++openings)
+    std::size_t openings = 0;
+    const auto haveAllDoneTheirPart = [&]
+    {
+        return audio.blocks() >= blocks && automation.times() > blocks / 100 && state.times() > blocks / 1000
+               && openings > 10;
+    };
+
+    // A machine may be quick at one of them and slow at another: all go on until each has done its part.
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+
+    for (; ! haveAllDoneTheirPart() && std::chrono::steady_clock::now() < deadline; ++openings)
     {
         larkspire::window::EditorWindow window (host.effect());
         window.idle (std::chrono::milliseconds (random() % 20));
     }
 
+    EXPECT_GE (audio.blocks(), blocks);
+    EXPECT_GT (automation.times(), blocks / 100);
+    EXPECT_GT (state.times(), blocks / 1000);
+    EXPECT_GT (openings, 10u);
     EXPECT_TRUE (audio.wasAlwaysFinite());
     EXPECT_TRUE (! expectBounds || audio.wasAlwaysWithinItsBounds());
 }

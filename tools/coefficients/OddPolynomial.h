@@ -23,10 +23,10 @@ struct OddPolynomial
 */
 OddPolynomial findOddPolynomial (long double (*function) (long double), long double end, int count);
 
-/** The odd polynomial with four coefficients for sin (x) up to a quarter turn, x being a 32-bit float in radians, that
-   no float makes greater than 1 when source/chain/Sine.h evaluates it.
+/** The odd polynomial with four coefficients for sin (x), radians, that gives no more than 1 for any float up to a
+    quarter turn when it is evaluated as source/chain/Sine.h does it.
 
-    The search above leaves a few floats near the quarter turn at the float after 1, which would let the soft clip out
-   of its ceiling. Its last coefficient is moved towards zero, float by float, until there are none.
+    What the search finds gives the float after 1 for a few floats near the quarter turn, and the soft clip would exceed
+    its ceiling. The last coefficient is moved towards zero, float by float, until there are none.
 */
 OddPolynomial findSinePolynomial();

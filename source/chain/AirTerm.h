@@ -2,7 +2,6 @@
 #pragma once
 
 #include "chain/ArcTangent.h"
-#include "chain/LaneConstants.h"
 
 namespace larkspire
 {
@@ -10,15 +9,14 @@ namespace larkspire
 inline constexpr float airDrive = 50.0f;
 inline constexpr float airLevel = 0.02f;
 
-/** v = atan ((air - dry) * 50) * 0.02 + body.
+/** v = atan ((air - dry) * 50) * 0.02 + body, given what the air filter adds, air - dry.
 
-    Only what the air filter adds to its input counts. The arc tangent squeezes that to at most 0.02 * pi / 2, about
-    0.0314, however loud the voice is: quiet consonants gain treble, loud ones do not turn sharp. All arguments are
-    linear, full scale 1.0.
+    Only that counts. The arc tangent squeezes it to at most 0.02 * pi / 2, about 0.0314, however loud the voice is:
+    quiet consonants gain treble, loud ones do not turn sharp. All arguments are linear, full scale 1.0.
 */
-inline ChannelPair addSaturatedAir (ChannelPair body, ChannelPair air, ChannelPair dry)
+inline ChannelPair addSaturatedAir (ChannelPair body, ChannelPair addedAir)
 {
-    return arcTangent ((air - dry) * lanes::airDrive) * lanes::airLevel + body;
+    return arcTangent (addedAir * broadcast (airDrive)) * broadcast (airLevel) + body;
 }
 
 } // namespace larkspire

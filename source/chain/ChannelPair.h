@@ -6,18 +6,23 @@
 #include <cstdint>
 #include <cstring>
 
-#if ! defined(__GNUC__)
+#if ! defined(__GNUC__) && ! defined(__clang__)
     #error "The chain is written on the vector types of GCC and Clang. On Windows take MinGW or clang-cl."
+#endif
+
+#if defined(__SSE__)
+    #include <xmmintrin.h>
 #endif
 
 namespace larkspire
 {
 
-/** A left and a right float, held twice in one register: left, right, left, right.
+/** Four floats in one register: a left and a right one, then two more.
 
-    Arithmetic and comparisons go lane by lane and round as they do on single floats, so a formula on pairs gives the
-    bits of the same formula on floats. The second copy costs nothing, and a stage that has two things to do to a pair
-    does one in the lower half and one in the upper: two filters, two parts of a polynomial.
+    Where a sample waits for the sample before, the pair is held twice (left, right, left, right), so that a stage with
+    two things to do to it does one in the lower half and one in the upper. Where it does not, the upper half is the
+   next frame. Arithmetic and comparisons go lane by lane and round as they do on single floats, so a formula on pairs
+   gives the bits of the same formula on floats.
 */
 using ChannelPair = float __attribute__ ((vector_size (16)));
 
@@ -31,52 +36,30 @@ using FloatHalves = double __attribute__ ((vector_size (16)));
 using MaskHalves = std::int64_t __attribute__ ((vector_size (16)));
 } // namespace detail
 
+static_assert (sizeof (StereoSample) == 2 * sizeof (float), "frames are read and written as two floats in a row");
+
 /** The same number in every lane. */
-constexpr ChannelPair everywhere (float value)
+constexpr ChannelPair broadcast (float value)
 {
     return ChannelPair { value, value, value, value };
 }
 
-/** Two neighbours in memory as the lower half, two others as the upper. */
-inline ChannelPair loadHalves (const float* lower, const float* upper)
+/** A left and a right number, held twice. */
+constexpr ChannelPair pairOf (float left, float right)
 {
-    double lowerNumber = 0;
-    double upperNumber = 0;
-    static_assert (sizeof (lowerNumber) == 2 * sizeof (float));
-    std::memcpy (&lowerNumber, lower, sizeof (lowerNumber));
-    std::memcpy (&upperNumber, upper, sizeof (upperNumber));
-    return (ChannelPair)detail::FloatHalves { lowerNumber, upperNumber };
+    return ChannelPair { left, right, left, right };
 }
 
-/** Writes the lower half to two neighbours in memory. */
-inline void storeLowerHalf (ChannelPair pair, float* target)
+/** One frame, held twice. */
+inline ChannelPair pairOf (const StereoSample& frame)
 {
-    const double number = ((detail::FloatHalves)pair)[0];
-    std::memcpy (target, &number, sizeof (number));
+    double number = 0;
+    static_assert (sizeof (number) == sizeof (frame));
+    std::memcpy (&number, static_cast<const void*> (&frame), sizeof (number));
+    return (ChannelPair)detail::FloatHalves { number, number };
 }
 
-/** Writes the lower half to two neighbours in memory, the upper half to two others. */
-inline void storeHalves (ChannelPair pair, float* lower, float* upper)
-{
-    storeLowerHalf (pair, lower);
-    const double number = ((detail::FloatHalves)pair)[1];
-    std::memcpy (upper, &number, sizeof (number));
-}
-
-/** Four neighbours in memory. */
-inline ChannelPair loadFour (const float* source)
-{
-    ChannelPair four {};
-    std::memcpy (&four, source, sizeof (four));
-    return four;
-}
-
-inline ChannelPair pairOf (StereoSample sample)
-{
-    static_assert (sizeof (sample) == 2 * sizeof (float));
-    return loadHalves (&sample.first, &sample.first);
-}
-
+/** The frame in the lower half. */
 inline StereoSample sampleOf (ChannelPair pair)
 {
     const float left = pair[0];
@@ -84,13 +67,45 @@ inline StereoSample sampleOf (ChannelPair pair)
     return { left, right };
 }
 
-/** Lanes of x in another order. */
-template <int first, int second, int third, int fourth>
-inline ChannelPair shuffled (ChannelPair x)
+/** Writes the lower half to a frame. */
+inline void storeLowerHalf (ChannelPair pair, StereoSample& frame)
 {
-    // As whole numbers, because the instruction for those leaves its operand alone and spares a copy.
-    const auto bits = (PairMask)x;
-    return (ChannelPair)__builtin_shufflevector (bits, bits, first, second, third, fourth);
+    const double number = ((detail::FloatHalves)pair)[0];
+    std::memcpy (static_cast<void*> (&frame), &number, sizeof (number));
+}
+
+/** Writes the upper half to a frame. */
+inline void storeUpperHalf (ChannelPair pair, StereoSample& frame)
+{
+    const double number = ((detail::FloatHalves)pair)[1];
+    std::memcpy (static_cast<void*> (&frame), &number, sizeof (number));
+}
+
+/** A frame and the one behind it. */
+inline ChannelPair twoFrames (const StereoSample* frames)
+{
+    ChannelPair both {};
+    std::memcpy (&both, static_cast<const void*> (frames), sizeof (both));
+    return both;
+}
+
+/** Writes both halves to a frame and the one behind it. */
+inline void storeTwoFrames (ChannelPair both, StereoSample* frames)
+{
+    std::memcpy (static_cast<void*> (frames), &both, sizeof (both));
+}
+
+/** Four samples of one channel. */
+inline ChannelPair fourSamples (const float* samples)
+{
+    ChannelPair four {};
+    std::memcpy (&four, samples, sizeof (four));
+    return four;
+}
+
+inline void storeFourSamples (ChannelPair four, float* samples)
+{
+    std::memcpy (samples, &four, sizeof (four));
 }
 
 /** The lower half of a register twice. */
@@ -105,14 +120,36 @@ inline ChannelPair upperHalf (ChannelPair x)
     return __builtin_shufflevector (x, x, 2, 3, 2, 3);
 }
 
-/** Whether a mask is set for neither channel. */
-inline bool inNeither (PairMask mask)
+/** The left lane of each half in both lanes of it. */
+inline ChannelPair leftOfEach (ChannelPair x)
+{
+    // As whole numbers, because the instruction for those leaves its operand alone and spares a copy.
+    const auto bits = (PairMask)x;
+    return (ChannelPair)__builtin_shufflevector (bits, bits, 0, 0, 2, 2);
+}
+
+/** The right lane of each half in both lanes of it. */
+inline ChannelPair rightOfEach (ChannelPair x)
+{
+    const auto bits = (PairMask)x;
+    return (ChannelPair)__builtin_shufflevector (bits, bits, 1, 1, 3, 3);
+}
+
+/** Whether a mask is set nowhere in the lower half: for neither channel. */
+inline bool noneSet (PairMask mask)
 {
     return ((detail::MaskHalves)mask)[0] == 0;
 }
 
-/** Whether a mask is set for both channels. */
-inline bool inBoth (PairMask mask)
+/** Whether a mask is set nowhere in the whole register. */
+inline bool noneSetAnywhere (PairMask mask)
+{
+    const PairMask upper = __builtin_shufflevector (mask, mask, 2, 3, 2, 3);
+    return noneSet (mask | upper);
+}
+
+/** Whether a mask is set everywhere in the lower half: for both channels. */
+inline bool allSet (PairMask mask)
 {
     return ((detail::MaskHalves)mask)[0] == -1;
 }
@@ -134,22 +171,32 @@ inline ChannelPair magnitude (ChannelPair x)
     return (ChannelPair)((PairMask)x & INT32_MAX);
 }
 
-/** x, with its sign turned where a sign bit is set. */
-inline ChannelPair turned (ChannelPair x, PairMask signBits)
+/** x, with its sign flipped where a sign bit is set. */
+inline ChannelPair withSignFlipped (ChannelPair x, PairMask signBits)
 {
     return (ChannelPair)((PairMask)x ^ signBits);
 }
 
-/** a < b ? a : b, which is b where either is no number. */
-inline ChannelPair smaller (ChannelPair a, ChannelPair b)
+/** a < b ? a : b, which is b where either is NaN. */
+inline ChannelPair minOf (ChannelPair a, ChannelPair b)
 {
+#if defined(__SSE__)
+    // GCC 12 makes four instructions of the choice below where one side is a constant. Those let denormals pass, this
+    // one makes them zero; the limits of the input must treat them alike at every sample.
+    return (ChannelPair)_mm_min_ps ((__m128)a, (__m128)b);
+#else
     return a < b ? a : b;
+#endif
 }
 
-/** a > b ? a : b, which is b where either is no number. */
-inline ChannelPair greater (ChannelPair a, ChannelPair b)
+/** a > b ? a : b, which is b where either is NaN. */
+inline ChannelPair maxOf (ChannelPair a, ChannelPair b)
 {
+#if defined(__SSE__)
+    return (ChannelPair)_mm_max_ps ((__m128)a, (__m128)b);
+#else
     return a > b ? a : b;
+#endif
 }
 
 } // namespace larkspire

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "chain/LaneConstants.h"
 #include "chain/LevelRider.h"
 
 namespace larkspire
@@ -12,37 +11,34 @@ namespace larkspire
 inline constexpr float expanderDecay = 0.9998f;
 inline constexpr float expanderFloor = 0.2f;
 
-/** Moves the running gains by one sample.
+/** The running gains one sample on.
 
     Above the threshold a gain grows with the ratio of the sample to the threshold:
-    g = (|x / threshold| * attackRate + 1) * g, at most 1. Below, it decays to the floor, and what is no number becomes
-    the floor.
+    g = (|x / threshold| * attackRate + 1) * g, at most 1. Below, it decays to the floor, and NaN becomes the floor.
 */
-inline ChannelPair expanderGain (const LevelRider& rider, ChannelPair gain, ChannelPair x)
+inline ChannelPair expanderGain (const RunningRider& rider, ChannelPair x)
 {
-    const ChannelPair threshold = everywhere (rider.threshold);
-    const PairMask above = magnitude (gain * x) > threshold;
-    const ChannelPair closed = greater (gain * lanes::expanderDecay, lanes::expanderFloor);
+    constexpr ChannelPair one = broadcast (1.0f);
+    const PairMask above = magnitude (rider.gain * x) > rider.threshold;
+    const ChannelPair closed = maxOf (rider.gain * broadcast (expanderDecay), broadcast (expanderFloor));
 
-    // Between words neither channel is above, and in a word both gains are at 1 almost always. The processor sees these
-    // two coming and goes on before the division is done; with the choice below alone it waits for it at every sample.
-    if (inNeither (above))
-        return smaller (lanes::one, closed);
+    // These branches predict well. Between words neither channel is above. In a word both are, and both gains are at 1,
+    // where they stay: no attackRate is negative, so they would grow and be cut to 1. The division is seldom done.
+    if (noneSet (above))
+        return minOf (one, closed);
 
-    const ChannelPair opened = (magnitude (x / threshold) * everywhere (rider.attackRate) + lanes::one) * gain;
+    if (allSet (above & (rider.gain == one)))
+        return one;
 
-    if (inBoth (above & (opened > lanes::one)))
-        return lanes::one;
-
-    return smaller (lanes::one, above ? opened : closed);
+    const ChannelPair opened = (magnitude (x / rider.threshold) * rider.attackRate + one) * rider.gain;
+    return minOf (one, above ? opened : closed);
 }
 
 /** Downward expander: opens quickly on a voice and closes slowly on the room. The channels are ridden separately. */
-inline ChannelPair expand (LevelRider& rider, ChannelPair input)
+inline ChannelPair expand (RunningRider& rider, ChannelPair input)
 {
-    const ChannelPair gain = expanderGain (rider, runningGains (rider), input);
-    keepRunningGains (rider, gain);
-    return ride (rider, gain, input);
+    rider.gain = expanderGain (rider, input);
+    return rider.ride (input);
 }
 
 } // namespace larkspire

@@ -1,70 +1,85 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "chain/LaneConstants.h"
+#include "chain/ChannelPair.h"
 #include "chain/ModeTable.h"
 
-#include <juce_audio_basics/juce_audio_basics.h>
+#include <array>
 
 namespace larkspire
 {
 
-/** Designs both channels' high-pass alike, in 64-bit floats, and keeps their memory.
+/** The high-pass of one channel: a biquad in direct form II, transposed, 32-bit floats. All zero, as here, it gives 0.
+
+        y = c0 x + v1,  v1 = c1 x - c3 y + v2,  v2 = c2 x - c4 y
+*/
+struct HighPassFilter
+{
+    std::array<float, 5> coefficients {}; // c0 to c4; that of y itself is 1
+    float v1 = 0.0f;
+    float v2 = 0.0f;
+};
+
+/** Designs a high-pass in 64-bit floats; the coefficients are rounded at the end.
+
+    The bilinear transform of s^2 / (s^2 + s / Q + 1): with k = tan (pi corner / rate) and c = 1 / (1 + k / Q + k^2)
+
+        c, -2 c, c, 2 c (k^2 - 1), c (1 - k / Q + k^2)
 
     @param rate  in Hz, above twice the corner
 */
-inline void
-designHighPass (juce::IIRFilter& left, juce::IIRFilter& right, double rate, const HighPassSettings& settings)
-{
-    const auto coefficients =
-        juce::IIRCoefficients::makeHighPass (rate, settings.corner, static_cast<double> (settings.q));
-    left.setCoefficients (coefficients);
-    right.setCoefficients (coefficients);
-}
+std::array<float, 5> designHighPass (double rate, const HighPassSettings& settings);
 
-/** On x86 the framework makes what lies this close to zero zero. */
+/** An output this close to zero becomes zero, and so does NaN: the filter falls silent and forgets a bad sample. */
 inline constexpr float highPassSnap = 1.0e-8f;
 
-/** The way to what the framework's filter keeps to itself and its subclasses. */
-struct HighPassInsides : juce::IIRFilter
+/** Both channels' high-pass while it runs. */
+class RunningHighPass
 {
-    static constexpr auto coefficientsOf = &HighPassInsides::coefficients;
-    static constexpr auto firstMemoryOf = &HighPassInsides::v1;
+public:
+    RunningHighPass (const HighPassFilter& left, const HighPassFilter& right)
+        : c0 (pairOf (left.coefficients[0], right.coefficients[0])),
+          c1 (pairOf (left.coefficients[1], right.coefficients[1])),
+          c2 (pairOf (left.coefficients[2], right.coefficients[2])),
+          c3 (pairOf (left.coefficients[3], right.coefficients[3])),
+          c4 (pairOf (left.coefficients[4], right.coefficients[4])),
+          v1 (pairOf (left.v1, right.v1)),
+          v2 (pairOf (left.v2, right.v2))
+    {
+    }
+
+    /** Takes rumble and plosives off: one sample of each channel. */
+    ChannelPair process (ChannelPair x)
+    {
+        ChannelPair y = c0 * x + v1;
+        const PairMask audible = magnitude (y) > broadcast (highPassSnap);
+
+        // A branch, because the comparison would stand in the recursion, which is the longest of the chain.
+        if (! allSet (audible))
+            y = whereSet (audible, y);
+
+        v1 = c1 * x - c3 * y + v2;
+        v2 = c2 * x - c4 * y;
+        return y;
+    }
+
+    /** Writes the memories back. */
+    void keepIn (HighPassFilter& left, HighPassFilter& right) const
+    {
+        left.v1 = v1[0];
+        right.v1 = v1[1];
+        left.v2 = v2[0];
+        right.v2 = v2[1];
+    }
+
+private:
+    ChannelPair c0;
+    ChannelPair c1;
+    ChannelPair c2;
+    ChannelPair c3;
+    ChannelPair c4;
+    ChannelPair v1;
+    ChannelPair v2;
 };
-
-/** Takes rumble and plosives off, one sample of each channel, without looking at the filters' locks.
-
-    What processSingleSampleRaw does, to the bit, on both filters in one register: a direct form II in its transposed
-    shape, y = c0 x + v1, v1 = c1 x - c3 y + v2, v2 = c2 x - c4 y. On x86 an output close to zero, and one that is no
-    number, becomes zero.
-*/
-inline ChannelPair highPass (juce::IIRFilter& left, juce::IIRFilter& right, ChannelPair x)
-{
-    const float* leftC = (left.*HighPassInsides::coefficientsOf).coefficients;
-    const float* rightC = (right.*HighPassInsides::coefficientsOf).coefficients;
-    float* leftV = &(left.*HighPassInsides::firstMemoryOf);
-    float* rightV = &(right.*HighPassInsides::firstMemoryOf);
-
-    const auto c0 = ChannelPair { *leftC, *rightC, *leftC, *rightC };
-    const auto leftC1234 = loadFour (leftC + 1);
-    const auto rightC1234 = loadFour (rightC + 1);
-    const auto c12 = __builtin_shufflevector (leftC1234, rightC1234, 0, 4, 1, 5);
-    const auto c34 = __builtin_shufflevector (leftC1234, rightC1234, 2, 6, 3, 7);
-    const auto v = loadHalves (leftV, rightV);
-    const auto v1 = shuffled<0, 2, 0, 2> (v);
-
-    // Nothing is added to the new v2; -0 is the number that leaves every other one as it is.
-    const auto v2 = __builtin_shufflevector (v, everywhere (-0.0f), 1, 3, 4, 5);
-
-    auto y = c0 * x + v1;
-#if JUCE_INTEL
-    y = whereSet (magnitude (y) > lanes::highPassSnap, y);
-#endif
-
-    const auto newV12 = c12 * x - c34 * y + v2;
-    const auto newV = shuffled<0, 2, 1, 3> (newV12);
-    storeHalves (newV, leftV, rightV);
-    return y;
-}
 
 } // namespace larkspire

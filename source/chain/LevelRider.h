@@ -21,22 +21,37 @@ struct LevelRider
 
 static_assert (sizeof (LevelRider) == 8 * sizeof (float));
 
-inline ChannelPair runningGains (const LevelRider& rider)
+/** A LevelRider while it runs: its settings in every lane of a register each, its gains as a pair held twice. */
+struct RunningRider
 {
-    return loadHalves (&rider.gainLeft, &rider.gainLeft);
-}
+    explicit RunningRider (const LevelRider& rider)
+        : threshold (broadcast (rider.threshold)),
+          attackRate (broadcast (rider.attackRate)),
+          releaseRate (broadcast (rider.releaseRate)),
+          gainScale (broadcast (rider.gainScale)),
+          gainOffset (broadcast (rider.gainOffset)),
+          outputGain (broadcast (rider.outputGain)),
+          gain (pairOf (rider.gainLeft, rider.gainRight))
+    {
+    }
 
-inline void keepRunningGains (LevelRider& rider, ChannelPair gains)
-{
-    storeLowerHalf (gains, &rider.gainLeft);
-}
+    /** Writes the running gains back, which are all that has changed. */
+    void keepIn (LevelRider& rider) const
+    {
+        rider.gainLeft = gain[0];
+        rider.gainRight = gain[1];
+    }
 
-/** The sample times its applied gain, which is running gain * gainScale + gainOffset, times the make-up. */
-inline ChannelPair ride (const LevelRider& rider, ChannelPair runningGain, ChannelPair sample)
-{
-    const auto settings = loadFour (&rider.releaseRate); // gainScale, gainOffset and outputGain stand behind it
-    return (runningGain * shuffled<1, 1, 1, 1> (settings) + shuffled<2, 2, 2, 2> (settings)) * sample
-           * shuffled<3, 3, 3, 3> (settings);
-}
+    /** The sample times its applied gain, which is running gain * gainScale + gainOffset, times the make-up. */
+    ChannelPair ride (ChannelPair sample) const { return (gain * gainScale + gainOffset) * sample * outputGain; }
+
+    ChannelPair threshold;
+    ChannelPair attackRate;
+    ChannelPair releaseRate;
+    ChannelPair gainScale;
+    ChannelPair gainOffset;
+    ChannelPair outputGain;
+    ChannelPair gain;
+};
 
 } // namespace larkspire

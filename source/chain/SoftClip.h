@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "chain/LaneConstants.h"
 #include "chain/Sine.h"
 
 namespace larkspire
@@ -12,12 +11,12 @@ inline constexpr float clipCeiling = 0.9885f;
 
 /** sin (w) * 0.9885 with w limited to a quarter turn either way: rounded from the first sample value up, no knee.
 
-    The output of a number lies within 0.9885 of zero; what is no number stays none.
+    The output of a number lies within 0.9885 of zero; NaN stays NaN.
 */
 inline ChannelPair softClip (ChannelPair w)
 {
-    const ChannelPair limited = smaller (lanes::halfPi, greater (lanes::minusHalfPi, w));
-    return sineWithinQuarterTurn (limited) * lanes::clipCeiling;
+    const ChannelPair limited = minOf (broadcast (halfPi), maxOf (broadcast (-halfPi), w));
+    return sineWithinQuarterTurn (limited) * broadcast (clipCeiling);
 }
 
 } // namespace larkspire

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "chain/LaneConstants.h"
+#include "chain/ChannelPair.h"
 
 namespace larkspire
 {
@@ -16,11 +16,11 @@ inline constexpr float foldScale = 0.75f;
 inline ChannelPair foldTowardsMiddle (ChannelPair input)
 {
     constexpr PairMask signOfRight { 0, INT32_MIN, 0, INT32_MIN };
-    const ChannelPair left = shuffled<0, 0, 2, 2> (input);
-    const ChannelPair right = shuffled<1, 1, 3, 3> (input);
-    const ChannelPair side = (left - right) * lanes::half;
+    const ChannelPair left = leftOfEach (input);
+    const ChannelPair right = rightOfEach (input);
+    const ChannelPair side = (left - right) * broadcast (0.5f);
     const ChannelPair middle = right + left;
-    return (middle + turned (side, signOfRight)) * lanes::foldScale;
+    return (middle + withSignFlipped (side, signOfRight)) * broadcast (foldScale);
 }
 
 } // namespace larkspire

@@ -1,28 +1,14 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "frame/AudioProcessorQuendal.h"
 
+#include "chain/Channels.h"
+
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace juce
 {
-
-namespace
-{
-constexpr float highestSample = 20.0f;
-
-// The two lower bounds differ, and projects sound the way they do because of it.
-constexpr float lowestLeftSample = -30.0f;
-constexpr float lowestRightSample = -20.0f;
-
-/** Limits a sample to what the chain takes; what is no number becomes the lower bound. */
-float clampSample (float sample, float lowest) noexcept
-{
-    // Two instructions without a branch, in this form only: a comparison with what is no number fails.
-    const float raised = sample > lowest ? sample : lowest;
-    return raised < highestSample ? raised : highestSample;
-}
-} // namespace
 
 AudioProcessorQuendal::AudioProcessorQuendal (const BusesProperties&)
     : reserveLeft (std::make_unique<float[]> (maxBlockSamples)),
@@ -80,17 +66,14 @@ void AudioProcessorQuendal::processBlock (AudioBuffer<float>& buffer, MidiBuffer
 
 void AudioProcessorQuendal::processSamples (float* left, float* right, int count)
 {
-    const auto stereoIn = getTotalNumInputChannels() >= 2;
-    const auto stereoOut = getTotalNumOutputChannels() > 1;
+    constexpr int refreshPeriod = 0x10000;
+    const auto* const rightIn = getTotalNumInputChannels() >= 2 ? right : nullptr;
+    auto* const rightOut = getTotalNumOutputChannels() > 1 ? right : nullptr;
+    std::array<std::pair<float, float>, longestRun> buffer;
 
-    for (int i = 0; i < count; ++i)
+    for (int done = 0; done < count;)
     {
-        const auto leftIn = clampSample (left[i], lowestLeftSample);
-        const auto rightIn = stereoIn ? clampSample (right[i], lowestRightSample) : leftIn;
-
-        // Only this thread counts up, so a load and a store do; a request from another thread may be counted over.
-        samplesSinceChange.store (samplesSinceChange.load (std::memory_order_relaxed) + 1, std::memory_order_relaxed);
-        refreshCounter = (refreshCounter + 1) & 0xffff;
+        countSamples (1);
 
         if (refreshCounter == 0 || settingsDue.load (std::memory_order_relaxed))
         {
@@ -98,12 +81,30 @@ void AudioProcessorQuendal::processSamples (float* left, float* right, int count
             updateSettings();
         }
 
-        const auto [leftOut, rightOut] = processStereoSample ({ leftIn, rightIn });
-        left[i] = leftOut;
+        const auto untilRefresh = refreshPeriod - static_cast<int> (refreshCounter);
+        const auto length = std::min ({ longestRun, count - done, untilRefresh });
+        const std::span run (buffer.data(), static_cast<std::size_t> (length));
 
-        if (stereoOut)
-            right[i] = rightOut;
+        larkspire::readChannels (left + done, rightIn != nullptr ? rightIn + done : nullptr, run);
+        const auto processed = processRun (run);
+        jassert (processed >= 1 && processed <= run.size());
+        larkspire::writeChannels (run.first (processed), left + done, rightOut != nullptr ? rightOut + done : nullptr);
+        done += static_cast<int> (processed);
     }
+}
+
+std::size_t AudioProcessorQuendal::processRun (std::span<std::pair<float, float>> run)
+{
+    run[0] = processStereoSample (run[0]);
+    std::size_t processed = 1;
+
+    for (; processed < run.size() && ! settingsDue.load (std::memory_order_relaxed); ++processed)
+    {
+        countSamples (1);
+        run[processed] = processStereoSample (run[processed]);
+    }
+
+    return processed;
 }
 
 } // namespace juce

@@ -5,8 +5,10 @@
 #include <juce_dsp/juce_dsp.h>
 
 #include <atomic>
+#include <cstddef>
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,8 +25,9 @@ struct Program
 
 /** A processor that is written one stereo sample at a time.
 
-    A subclass supplies processStereoSample and updateSettings and gets input limits, mono and stereo handling, a
-    periodic refresh, optional oversampling, a settings document in the host's project and programs.
+    A subclass supplies processStereoSample and updateSettings, and processRun if it has a quicker way for many samples.
+    It gets input limits, mono and stereo handling, a periodic refresh, optional oversampling, a settings document in
+   the host's project and programs.
 
     Where things are defined: construction and the block loop in AudioProcessorQuendal.cpp, the oversampler in
     Oversampling.cpp, the settings document in settings/Saving.cpp and settings/Restoring.cpp, programs in
@@ -36,6 +39,9 @@ public:
     /** The most samples that a block is counted as, after oversampling, and the capacity of the reserve buffers. */
     static constexpr int maxBlockSamples = 524288;
 
+    /** The most samples that are processed without a look at requests for updateSettings from other threads. */
+    static constexpr int longestRun = 64;
+
     /** Takes a subclass's buses, as the framework's own base class does, and leaves the framework's default pair. */
     explicit AudioProcessorQuendal (const BusesProperties& buses);
     ~AudioProcessorQuendal() override;
@@ -44,11 +50,12 @@ public:
     void prepareToPlay (double rate, int maximumExpectedSamplesPerBlock) override;
     void releaseResources() override {}
 
-    /** Walks the block sample by sample, in place. Audio thread only; allocates only when the oversampler is rebuilt.
+    /** Processes the block in place, in runs of at most longestRun samples. Audio thread only; allocates only when the
+        oversampler is rebuilt.
 
         Channels 0 and 1 are processed, others left alone. Before the chain a sample is limited to -30 to 20 on the
-        left, -20 to 20 on the right; what is no number becomes the lower bound. With fewer than two input channels the
-        left sample stands for both.
+        left, -20 to 20 on the right; NaN becomes the lower bound. With fewer than two input channels the left sample
+        stands for both.
     */
     void processBlock (AudioBuffer<float>& buffer, MidiBuffer& midi) override;
     using AudioProcessor::processBlock;
@@ -78,15 +85,25 @@ public:
     void setStateInformation (const void* data, int sizeInBytes) override;
 
     /** Derives all that depends on the sample rate, the oversampling factor and the parameters. Runs on the audio
-        thread ahead of processStereoSample: when asked for, and every 65536 processed samples. */
+        thread ahead of a sample: when asked for, and every 65536 processed samples. */
     virtual void updateSettings() = 0;
 
-    /** Processes one sample, left and right, linear with full scale 1.0. Called once per processed sample, on a mono
-        layout with the same value twice. It may ask for updateSettings, which then runs ahead of the next sample. */
+    /** Processes one sample, left and right, linear with full scale 1.0; on a mono layout the same value twice. It may
+        ask for updateSettings, which then runs ahead of the next sample. */
     virtual std::pair<float, float> processStereoSample (std::pair<float, float> input) = 0;
 
     /** Called once a block, ahead of its samples, with the count after oversampling. */
     virtual void beginBlock (AudioBuffer<float>& buffer, int sampleCount);
+
+    /** Processes a run of samples in place. This one calls processStereoSample for each; another must give the same.
+
+        The block loop has counted the first sample. The run counts the others with countSamples, before they are
+        processed. If a sample asks for updateSettings, the run ends with it.
+
+        @param run  1 to longestRun samples
+        @returns    how many of them were processed, at least 1
+    */
+    virtual std::size_t processRun (std::span<std::pair<float, float>> run);
 
     /** Puts an entry into the store, or replaces it. */
     void setSetting (String key, String value);
@@ -103,6 +120,17 @@ protected:
     {
         settingsDue.store (true, std::memory_order_relaxed);
         samplesSinceChange.store (0, std::memory_order_relaxed);
+    }
+
+    /** Counts samples that are about to be processed. Audio thread only. */
+    void countSamples (int count) noexcept
+    {
+        // Only this thread counts up, so a load and a store do; a request from another thread may be lost.
+        // Without a sign, because the count wraps after half a day without a change.
+        const auto samples = static_cast<uint32> (count);
+        const auto counted = static_cast<uint32> (samplesSinceChange.load (std::memory_order_relaxed)) + samples;
+        samplesSinceChange.store (static_cast<int> (counted), std::memory_order_relaxed);
+        refreshCounter = (refreshCounter + samples) & 0xffff;
     }
 
     /** Appends the program "Default" to an empty list. */

@@ -1,22 +1,16 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "frame/LarkspireAudioProcessor.h"
 
-#include "chain/AirTerm.h"
-#include "chain/Expander.h"
-#include "chain/HighPass.h"
-#include "chain/Leveller.h"
-#include "chain/ModeTable.h"
-#include "chain/SideBySide.h"
-#include "chain/SoftClip.h"
-#include "chain/StereoFold.h"
+#include "chain/VoiceChain.h"
 #include "editor/LarkspireAudioProcessorEditor.h"
 #include "editor/WineRendering.h"
+#include "frame/HighPassAccess.h"
 
 using namespace larkspire;
 
 namespace
 {
-/** A rate that filters can be designed for, in Hz; false for what is no number. */
+/** A rate that filters can be designed for, in Hz; false for NaN. */
 bool isUsableRate (double rate)
 {
     return rate > 999.0 && ! (rate >= 10000000001.0);
@@ -76,30 +70,44 @@ void LarkspireAudioProcessor::updateSettings()
 
     const auto rate = static_cast<double> (oversamplingFactor) * sampleRate;
     modeIndex = modeParameter->getChoiceIndex();
-    const auto& mode = modeForIndex (modeIndex);
 
-    applySettings (*leveller, mode.leveller);
-    applySettings (*expander, mode.expander);
-    designPeaking (*airFilter, static_cast<float> (rate), mode.air.gainDb, mode.air.frequency, mode.air.bandwidth);
-    designPeaking (*bodyFilter, static_cast<float> (rate), mode.body.gainDb, mode.body.frequency, mode.body.bandwidth);
-    designHighPass (highPassLeft, highPassRight, rate, mode.highPass);
+    auto left = HighPassAccess::copyOf (highPassLeft);
+    auto right = HighPassAccess::copyOf (highPassRight);
+    chainOn (left, right).adopt (modeForIndex (modeIndex), rate);
+    highPassLeft.setCoefficients (HighPassAccess::coefficientsOf (left));
+    highPassRight.setCoefficients (HighPassAccess::coefficientsOf (right));
 }
 
 std::pair<float, float> LarkspireAudioProcessor::processStereoSample (std::pair<float, float> input)
 {
-    const auto pair = pairOf (input);
+    LarkspireAudioProcessor::processRun (std::span (&input, 1));
+    return input;
+}
 
+std::size_t LarkspireAudioProcessor::processRun (std::span<std::pair<float, float>> run)
+{
     if (modeParameter->hasChanged()) [[unlikely]]
         requestUpdate();
 
-    if (modeIndex == 0)
-        return sampleOf (pair);
+    // The sample that finds a change is still processed on the old settings, alone.
+    if (settingsDue.load (std::memory_order_relaxed)) [[unlikely]]
+        run = run.first (1);
 
-    const auto voice = highPass (highPassLeft, highPassRight, pair);
-    const auto expanded = expand (*expander, voice);
-    const auto folded = foldTowardsMiddle (expanded);
-    const auto filtered = filterSideBySide (*airFilter, *bodyFilter, folded);
-    const auto coloured = addSaturatedAir (upperHalf (filtered), lowerHalf (filtered), folded);
-    const auto levelled = level (*leveller, coloured);
-    return sampleOf (softClip (levelled));
+    countSamples (static_cast<int> (run.size()) - 1);
+
+    if (modeIndex != 0)
+    {
+        auto left = HighPassAccess::copyOf (highPassLeft);
+        auto right = HighPassAccess::copyOf (highPassRight);
+        chainOn (left, right).process (run);
+        HighPassAccess::keepMemory (left, highPassLeft);
+        HighPassAccess::keepMemory (right, highPassRight);
+    }
+
+    return run.size();
+}
+
+VoiceChain LarkspireAudioProcessor::chainOn (HighPassFilter& left, HighPassFilter& right) const
+{
+    return { left, right, *expander, *airFilter, *bodyFilter, *leveller };
 }

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "chain/LevelRider.h"
-#include "chain/PeakingFilter.h"
+#include "chain/VoiceChain.h"
 #include "frame/AudioParameterFloatQuendal.h"
 #include "frame/AudioProcessorQuendal.h"
+
+#include <cstddef>
+#include <span>
+#include <utility>
 
 /** The plug-in: one knob, "Mode", that picks a row of the mode table, and the voice chain that runs on it.
 
@@ -44,8 +47,11 @@ public:
         running gains and the filters' memories carry on. */
     void updateSettings() override;
 
-    /** The voice chain, one sample. */
+    /** The voice chain, one sample; in "bypass" the sample as it came. Watches the parameter. */
     std::pair<float, float> processStereoSample (std::pair<float, float> input) override;
+
+    /** The same for a run of samples. A change of the parameter is noticed at the first one. */
+    std::size_t processRun (std::span<std::pair<float, float>> run) override;
 
     juce::AudioParameterFloatQuendal* modeParameter = nullptr; // owned by the framework once it is added
 
@@ -72,6 +78,9 @@ private:
     /** Everything but the records and the parameter. The public constructor delegates to it: once it has run, the
         destructor frees what there is even if a later allocation fails. */
     explicit LarkspireAudioProcessor (WithoutRecords);
+
+    /** The chain on the records of this instance, the high-pass on copies of its two. */
+    larkspire::VoiceChain chainOn (larkspire::HighPassFilter& left, larkspire::HighPassFilter& right) const;
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (LarkspireAudioProcessor)
 };

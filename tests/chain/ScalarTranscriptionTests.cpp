@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The stages on pairs against the same formulas on single floats, to the bit: ordinary samples, and any bits at all.
-#include "chain/Expander.h"
-#include "chain/HighPass.h"
-#include "chain/Leveller.h"
-#include "chain/SideBySide.h"
+#include "chain/OneSample.h"
 #include "chain/StereoFold.h"
 
 #include <gtest/gtest.h>
+#include <juce_audio_basics/juce_audio_basics.h>
 
 #include <array>
 #include <bit>
@@ -230,28 +228,31 @@ TEST (ScalarTranscription, OfTheFiltersTellsTheirMemoriesApart)
     }
 }
 
-/** The framework's filter with its memory open. */
-struct OpenHighPass : juce::IIRFilter
+/** JUCE's filter with its memory open. */
+struct JuceHighPass : juce::IIRFilter
 {
+    JuceHighPass (double rate, const HighPassSettings& settings)
+    {
+        setCoefficients (juce::IIRCoefficients::makeHighPass (rate, settings.corner, static_cast<double> (settings.q)));
+    }
+
     using juce::IIRFilter::v1;
     using juce::IIRFilter::v2;
 };
 
-void expectTheFrameworksOwnBits (float (Samples::*next)())
+void expectJucesOwnBits (float (Samples::*next)())
 {
     Samples samples;
 
     for (int index = 0; index < 4; ++index)
     {
         // Different designs left and right, so that a coefficient taken from the wrong filter shows.
-        OpenHighPass left;
-        OpenHighPass right;
-        designHighPass (left, left, 48000.0, modeForIndex (index).highPass);
-        designHighPass (right, right, 44100.0, modeForIndex ((index + 1) % 4).highPass);
-        OpenHighPass wantedLeft (left);
-        OpenHighPass wantedRight (right);
-        wantedLeft.setCoefficients (left.getCoefficients());
-        wantedRight.setCoefficients (right.getCoefficients());
+        const auto& one = modeForIndex (index).highPass;
+        const auto& other = modeForIndex ((index + 1) % 4).highPass;
+        HighPassFilter left { .coefficients = designHighPass (48000.0, one) };
+        HighPassFilter right { .coefficients = designHighPass (44100.0, other) };
+        JuceHighPass wantedLeft (48000.0, one);
+        JuceHighPass wantedRight (44100.0, other);
 
         for (int i = 0; i < 200000; ++i)
         {
@@ -267,30 +268,46 @@ void expectTheFrameworksOwnBits (float (Samples::*next)())
     }
 }
 
-TEST (HighPass, IsTheFrameworksToTheBit)
+TEST (HighPass, IsJucesToTheBit)
 {
-    expectTheFrameworksOwnBits (&Samples::nextOfAVoice);
+    expectJucesOwnBits (&Samples::nextOfAVoice);
 }
 
-TEST (HighPass, IsTheFrameworksToTheBitOnAnyFloats)
+TEST (HighPass, IsJucesToTheBitOnAnyFloats)
 {
-    expectTheFrameworksOwnBits (&Samples::next);
+    expectJucesOwnBits (&Samples::next);
 }
 
-// Silence comes out as the memory alone, here on either side of what the framework snaps to zero and right upon it.
-TEST (HighPass, SnapsToZeroWhereTheFrameworkDoes)
+TEST (HighPass, IsDesignedAsJuceDesignsIt)
+{
+    std::mt19937 random (seed);
+    std::uniform_real_distribution<double> anyRate (1000.0, 200000.0);
+
+    for (int i = 0; i < 100000; ++i)
+    {
+        const auto rate = anyRate (random);
+        const auto& settings = modeForIndex (i % 4).highPass;
+        const auto wanted = JuceHighPass (rate, settings).getCoefficients();
+        const auto designed = designHighPass (rate, settings);
+
+        for (std::size_t c = 0; c < designed.size(); ++c)
+            ASSERT_EQ (bits (designed[c]), bits (wanted.coefficients[c])) << "coefficient " << c << " at " << rate;
+    }
+}
+
+// Silence comes out as the memory alone, here on either side of what JUCE snaps to zero and right upon it.
+TEST (HighPass, SnapsToZeroWhereJuceDoes)
 {
     const float limit = 1.0e-8f;
+    const auto& settings = modeForIndex (2).highPass;
 
     for (const float memory : { limit, std::nextafter (limit, 1.0f), std::nextafter (limit, 0.0f) })
         for (const float sign : { 1.0f, -1.0f })
         {
-            OpenHighPass filter;
-            OpenHighPass wanted;
-            designHighPass (filter, wanted, 48000.0, modeForIndex (2).highPass);
-            filter.v1 = wanted.v1 = sign * memory;
-            OpenHighPass other;
-            designHighPass (other, other, 48000.0, modeForIndex (2).highPass);
+            HighPassFilter filter { .coefficients = designHighPass (48000.0, settings), .v1 = sign * memory };
+            HighPassFilter other { .coefficients = filter.coefficients };
+            JuceHighPass wanted (48000.0, settings);
+            wanted.v1 = sign * memory;
             const auto [left, right] = sampleOf (highPass (filter, other, pairOf ({ 0.0f, 0.0f })));
             EXPECT_EQ (bits (left), bits (wanted.processSingleSampleRaw (0.0f))) << sign * memory;
             EXPECT_EQ (right, 0.0f);

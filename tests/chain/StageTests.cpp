@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The stages of the chain, each by itself.
 #include "chain/AirTerm.h"
-#include "chain/Expander.h"
-#include "chain/Leveller.h"
 #include "chain/ModeTable.h"
+#include "chain/OneSample.h"
 #include "chain/SoftClip.h"
 #include "chain/StereoFold.h"
 
@@ -140,7 +139,7 @@ TEST (StereoFold, LiftsTheCentreAndLowersWhatIsOutOfPhase)
 
 StereoSample withAir (StereoSample body, StereoSample air, StereoSample dry)
 {
-    return sampleOf (addSaturatedAir (pairOf (body), pairOf (air), pairOf (dry)));
+    return sampleOf (addSaturatedAir (pairOf (body), pairOf (air) - pairOf (dry)));
 }
 
 TEST (AirTerm, HasItsConstantsInSinglePrecision)

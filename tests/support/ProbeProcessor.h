@@ -27,6 +27,7 @@ public:
 
     using juce::AudioProcessorQuendal::appliedProgram;
     using juce::AudioProcessorQuendal::builtOversamplingFactor;
+    using juce::AudioProcessorQuendal::countSamples;
     using juce::AudioProcessorQuendal::currentProgram;
     using juce::AudioProcessorQuendal::oversampler;
     using juce::AudioProcessorQuendal::oversamplerBlockSize;

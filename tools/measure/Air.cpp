@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // What the air term lifts, by level: in the chain's own code, and of the built library.
 #include "chain/AirTerm.h"
-#include "chain/SideBySide.h"
+#include "chain/FiltersSideBySide.h"
 #include "measure/DesignedPeak.h"
 #include "measure/Frequencies.h"
 #include "measure/Instance.h"
@@ -34,17 +34,16 @@ constexpr std::size_t listening = usualRate / 5;
 /** The linear factor from what the fold gives to what the leveller gets. */
 double gainOfStage (const VoiceMode& mode, double level, double frequency)
 {
-    auto air = designedPeak (mode.settings().air);
-    auto body = designedPeak (mode.settings().body);
+    RunningFilters filters (designedPeak (mode.settings().air), designedPeak (mode.settings().body));
     Tone tone (frequency / usualRate);
     const auto peak = fromDecibels (level) * foldOfMiddle;
     auto samples = tone.next (settling + listening, toDecibels (peak));
 
     for (auto& sample : samples)
     {
-        const auto dry = everywhere (sample);
-        const auto filtered = filterSideBySide (air, body, dry);
-        sample = addSaturatedAir (upperHalf (filtered), lowerHalf (filtered), dry)[0];
+        const auto dry = broadcast (sample);
+        const auto filtered = filters.process (dry);
+        sample = addSaturatedAir (upperHalf (filtered), lowerHalf (filtered) - dry)[0];
     }
 
     return componentAt (std::span (samples).subspan (settling), frequency / usualRate) / peak;

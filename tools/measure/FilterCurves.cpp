@@ -7,6 +7,7 @@
 #include "measure/Tone.h"
 #include "measure/VoiceModes.h"
 
+#include <array>
 #include <complex>
 #include <numbers>
 
@@ -31,9 +32,8 @@ double curveOf (const PeakingFilter& filter, double frequency)
     return toDecibels (std::abs (above / below));
 }
 
-double curveOf (const juce::IIRFilter& filter, double frequency)
+double curveOf (const std::array<float, 5>& c, double frequency)
 {
-    const auto& c = (filter.*HighPassInsides::coefficientsOf).coefficients;
     const auto z = delayAt (frequency);
     const auto above = static_cast<double> (c[0]) + z * (static_cast<double> (c[1]) + z * static_cast<double> (c[2]));
     const auto below = 1.0 + z * (static_cast<double> (c[3]) + z * static_cast<double> (c[4]));
@@ -54,10 +54,7 @@ Table measureFilters (const Subject&)
 
         for (const auto& mode : knob)
         {
-            juce::IIRFilter left;
-            juce::IIRFilter right;
-            designHighPass (left, right, usualRate, mode.settings().highPass);
-            values.push_back (curveOf (left, frequency));
+            values.push_back (curveOf (designHighPass (usualRate, mode.settings().highPass), frequency));
             values.push_back (curveOf (designedPeak (mode.settings().body), frequency));
             values.push_back (curveOf (designedPeak (mode.settings().air), frequency));
         }

@@ -15,7 +15,7 @@ namespace
 {
 float clipped (float w)
 {
-    return softClip (everywhere (w))[0];
+    return softClip (broadcast (w))[0];
 }
 } // namespace
 

@@ -89,16 +89,17 @@ double openingOfStage (const VoiceMode& mode, double level)
     LevelRider rider;
     applySettings (rider, mode.settings().expander);
     const auto wanted = remaining * appliedDecibels (rider, static_cast<double> (expanderFloor));
-    ChannelPair gain = everywhere (expanderFloor);
+    rider.gainLeft = rider.gainRight = expanderFloor;
+    RunningRider expander (rider);
     Tone tone (1.0 / Envelope::period);
 
     for (std::size_t frame = 0; frame < 5 * second * Envelope::period;)
         for (const auto sample : tone.next (Envelope::period, level))
         {
-            gain = expanderGain (rider, gain, everywhere (sample));
+            expand (expander, broadcast (sample));
             ++frame;
 
-            if (appliedDecibels (rider, static_cast<double> (gain[0])) >= wanted)
+            if (appliedDecibels (rider, static_cast<double> (expander.gain[0])) >= wanted)
                 return static_cast<double> (frame);
         }
 

@@ -1,34 +1,66 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "benchmarks/Bounds.h"
 
+#include <algorithm>
 #include <cstdio>
+
+namespace
+{
+/** The highest of some costs; 0 if one was not measured. */
+double highestOf (const Costs& costs, const std::vector<std::string>& names)
+{
+    double highest = 0.0;
+
+    for (const auto& name : names)
+    {
+        const auto cost = costs.find (name);
+
+        if (cost == costs.end())
+            return 0.0;
+
+        highest = std::max (highest, cost->second);
+    }
+
+    return highest;
+}
+} // namespace
 
 std::vector<Bound> promisedBounds()
 {
     std::vector<Bound> bounds;
 
-    for (const std::string mode : { "Gentle", "Medium", "Powerful" })
-        for (const std::string layout : { "stereo", "mono" })
-            bounds.push_back ({ mode + ", " + layout + ", of the scalar oracle",
-                                "frame/" + mode + "/" + layout + "/512",
-                                "oracle/" + mode + "/" + layout,
-                                0.70 });
+    for (const std::string layout : { "stereo", "mono" })
+        for (const std::string mode : { "Gentle", "Medium", "Powerful" })
+        {
+            const auto name = mode + "/" + layout;
+            const auto frame = "frame/" + name + "/";
+            const auto what = mode + ", " + layout;
+            bounds.push_back ({ what + ", blocks of 64 and more, of the scalar oracle",
+                                { frame + "64", frame + "256", frame + "512", frame + "1024", frame + "4096" },
+                                { "oracle/" + name },
+                                layout == "stereo" ? 0.32 : 0.36 });
+            bounds.push_back (
+                { what + ", blocks of 16, of the scalar oracle", { frame + "16" }, { "oracle/" + name }, 0.45 });
+        }
 
     for (const std::string layout : { "stereo", "mono" })
         bounds.push_back ({ "bypass, " + layout + ", of Medium",
-                            "frame/bypass/" + layout + "/512",
-                            "frame/Medium/" + layout + "/512",
+                            { "frame/bypass/" + layout + "/512" },
+                            { "frame/Medium/" + layout + "/512" },
                             0.20 });
 
-    bounds.push_back ({ "silence after sound, of sound", "silence/after sound", "silence/sound", 1.10 });
+    bounds.push_back ({ "silence after sound, of sound", { "silence/after sound" }, { "silence/sound" }, 1.10 });
+    bounds.push_back ({ "Medium, stereo, of its longest recursion, on records",
+                        { "frame/Medium/stereo/512" },
+                        { "recursion/high-pass", "recursion/expander", "recursion/filters", "recursion/leveller" },
+                        2.0 });
     return bounds;
 }
 
-double ratioOf (const Costs& costs, const std::string& name, const std::string& other)
+double ratioOf (const Costs& costs, const Bound& bound)
 {
-    const auto one = costs.find (name);
-    const auto two = costs.find (other);
-    return one == costs.end() || two == costs.end() ? 0.0 : one->second.median / two->second.median;
+    const auto other = highestOf (costs, bound.others);
+    return other > 0.0 ? highestOf (costs, bound.names) / other : 0.0;
 }
 
 std::vector<TimeBound> promisedTimes()
@@ -39,24 +71,28 @@ std::vector<TimeBound> promisedTimes()
 double millisecondsOf (const Costs& costs, const std::string& name)
 {
     const auto cost = costs.find (name);
-    return cost == costs.end() ? 0.0 : cost->second.median / 1e6;
+    return cost == costs.end() ? 0.0 : cost->second / 1e6;
 }
 
-bool report (const Costs& costs)
+bool report (const Costs& costs, bool all)
 {
     bool allHold = true;
-    std::printf ("\n%-42s %8s %8s\n", "Ratio", "measured", "bound");
+    std::printf ("\n%-63s %8s %8s\n", "Ratio", "measured", "bound");
 
     for (const auto& bound : promisedBounds())
     {
-        const auto ratio = ratioOf (costs, bound.name, bound.other);
+        const auto ratio = ratioOf (costs, bound);
 
         if (ratio == 0.0)
+        {
+            allHold = allHold && ! all;
+            std::printf ("%-63s %8s %8.2f\n", bound.what.c_str(), "-", bound.bound);
             continue;
+        }
 
         const bool holds = ratio <= bound.bound;
         allHold = allHold && holds;
-        std::printf ("%-42s %8.3f %8.2f%s\n", bound.what.c_str(), ratio, bound.bound, holds ? "" : "  BROKEN");
+        std::printf ("%-63s %8.3f %8.2f%s\n", bound.what.c_str(), ratio, bound.bound, holds ? "" : "  BROKEN");
     }
 
     for (const auto& bound : promisedTimes())
@@ -69,7 +105,7 @@ bool report (const Costs& costs)
         const bool holds = time <= bound.milliseconds;
         allHold = allHold && holds;
         std::printf (
-            "%-42s %5.2f ms %5.0f ms%s\n", bound.what.c_str(), time, bound.milliseconds, holds ? "" : "  BROKEN");
+            "%-63s %5.2f ms %5.0f ms%s\n", bound.what.c_str(), time, bound.milliseconds, holds ? "" : "  BROKEN");
     }
 
     return allHold;

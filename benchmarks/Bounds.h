@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-/** A promise about two costs of one run: that of name is at most bound times that of other. */
+/** A promise about costs of one run: the highest of one list is at most bound times the highest of the other. */
 struct Bound
 {
     std::string what;
-    std::string name;
-    std::string other;
+    std::vector<std::string> names;
+    std::vector<std::string> others;
     double bound;
 };
 
@@ -28,11 +28,14 @@ struct TimeBound
 
 std::vector<TimeBound> promisedTimes();
 
-/** A median in milliseconds; 0 if it was not measured. */
+/** A cost in milliseconds; 0 if it was not measured. */
 double millisecondsOf (const Costs& costs, const std::string& name);
 
-/** The ratio of the two medians; 0 if one was not measured. */
-double ratioOf (const Costs& costs, const std::string& name, const std::string& other);
+/** The ratio that a bound is about; 0 if one cost of it was not measured. */
+double ratioOf (const Costs& costs, const Bound& bound);
 
-/** Prints every bound that both sides were measured for, and gives false if one does not hold. */
-bool report (const Costs& costs);
+/** Prints every bound, and gives false if one does not hold.
+
+    @param all  whether all benchmarks have run, so that a bound without its costs is a mistake
+*/
+bool report (const Costs& costs, bool all);

@@ -15,6 +15,8 @@ int main (int argc, char** argv)
 {
     std::string markdownPath;
     std::vector<std::string> words (argv, argv + argc);
+    const bool filtered =
+        std::ranges::any_of (words, [] (const std::string& word) { return word.starts_with ("--benchmark_filter"); });
 
     std::erase_if (words,
                    [&] (const std::string& word)
@@ -29,11 +31,9 @@ int main (int argc, char** argv)
                    });
 
     // Repetitions in turns, so that what disturbs the machine disturbs all alike.
-    words.insert (words.begin() + 1,
-                  { "--benchmark_enable_random_interleaving=true",
-                    "--benchmark_repetitions=9",
-                    "--benchmark_min_time=0.02",
-                    "--benchmark_report_aggregates_only=true" });
+    words.insert (
+        words.begin() + 1,
+        { "--benchmark_enable_random_interleaving=true", "--benchmark_repetitions=9", "--benchmark_min_time=0.02" });
 
     std::vector<char*> pointers;
     pointers.reserve (words.size());
@@ -62,5 +62,5 @@ int main (int argc, char** argv)
         }
     }
 
-    return report (results.costs()) ? 0 : 1;
+    return report (results.costs(), ! filtered) ? 0 : 1;
 }

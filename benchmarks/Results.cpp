@@ -3,22 +3,29 @@
 
 #include "benchmarks/Cost.h"
 
+#include <algorithm>
+
 void Results::ReportRuns (const std::vector<Run>& runs)
 {
-    ConsoleReporter::ReportRuns (runs);
+    std::vector<Run> aggregates;
 
     for (const auto& run : runs)
     {
+        if (run.run_type == Run::RT_Aggregate)
+        {
+            aggregates.push_back (run);
+            continue;
+        }
+
         const auto counter = run.counters.find (costCounter);
 
-        if (run.run_type != Run::RT_Aggregate || counter == run.counters.end())
+        if (counter == run.counters.end())
             continue;
 
         const auto nanoseconds = counter->second.value * 1e9;
-
-        if (run.aggregate_name == "median")
-            collected[run.run_name.function_name].median = nanoseconds;
-        else if (run.aggregate_name == "stddev")
-            collected[run.run_name.function_name].deviation = nanoseconds;
+        const auto [cost, isFirst] = collected.try_emplace (run.run_name.function_name, nanoseconds);
+        cost->second = std::min (cost->second, nanoseconds);
     }
+
+    ConsoleReporter::ReportRuns (aggregates);
 }

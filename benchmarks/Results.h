@@ -6,17 +6,11 @@
 #include <map>
 #include <string>
 
-/** What one benchmark cost, in nanoseconds of its unit, over the repetitions of a run. */
-struct Cost
-{
-    double median = 0;
-    double deviation = 0; // the repetitions' standard deviation
-};
+/** What each benchmark cost, in nanoseconds of its unit, by the benchmarks' names: the least of the repetitions of a
+   run, for what disturbs a machine only adds. */
+using Costs = std::map<std::string, double>;
 
-/** The costs of a run by the benchmarks' names. */
-using Costs = std::map<std::string, Cost>;
-
-/** Prints what Google Benchmark prints and keeps the medians. */
+/** Prints what Google Benchmark prints and keeps the costs. */
 class Results : public benchmark::ConsoleReporter
 {
 public:

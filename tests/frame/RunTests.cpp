@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <ostream>
 #include <random>
 #include <span>
 #include <vector>
@@ -235,6 +236,12 @@ struct Layout
     bool mono;
     int factor;
 };
+
+/** Names the layout where a test fails. */
+void PrintTo (const Layout& layout, std::ostream* stream)
+{
+    *stream << layout.name;
+}
 
 class RunOfThePlugIn : public testing::TestWithParam<Layout>
 {

@@ -18,7 +18,7 @@ double highestOf (const Costs& costs, const std::vector<std::string>& names)
         if (cost == costs.end())
             return 0.0;
 
-        highest = std::max (highest, cost->second);
+        highest = std::max (highest, cost->second.least);
     }
 
     return highest;
@@ -50,10 +50,13 @@ std::vector<Bound> promisedBounds()
                             0.20 });
 
     bounds.push_back ({ "silence after sound, of sound", { "silence/after sound" }, { "silence/sound" }, 1.10 });
+
+    // A stage on its record is a run of one sample, which costs half as much again as the step that it was when 2.0 was
+    // promised: this is no weaker.
     bounds.push_back ({ "Medium, stereo, of its longest recursion, on records",
                         { "frame/Medium/stereo/512" },
                         { "recursion/high-pass", "recursion/expander", "recursion/filters", "recursion/leveller" },
-                        2.0 });
+                        1.3 });
     return bounds;
 }
 
@@ -71,7 +74,7 @@ std::vector<TimeBound> promisedTimes()
 double millisecondsOf (const Costs& costs, const std::string& name)
 {
     const auto cost = costs.find (name);
-    return cost == costs.end() ? 0.0 : cost->second / 1e6;
+    return cost == costs.end() ? 0.0 : cost->second.median / 1e6;
 }
 
 bool report (const Costs& costs, bool all)
@@ -100,7 +103,10 @@ bool report (const Costs& costs, bool all)
         const auto time = millisecondsOf (costs, bound.name);
 
         if (time == 0.0)
+        {
+            allHold = allHold && ! all;
             continue;
+        }
 
         const bool holds = time <= bound.milliseconds;
         allHold = allHold && holds;

@@ -28,7 +28,7 @@ struct TimeBound
 
 std::vector<TimeBound> promisedTimes();
 
-/** A cost in milliseconds; 0 if it was not measured. */
+/** A median in milliseconds; 0 if it was not measured. */
 double millisecondsOf (const Costs& costs, const std::string& name);
 
 /** The ratio that a bound is about; 0 if one cost of it was not measured. */

@@ -52,7 +52,7 @@ void writeCost (std::ostream& out, const Costs& costs, const std::string& name, 
     if (found == costs.end())
         out << " - |";
     else
-        out << " " << found->second / unit << " |";
+        out << " " << found->second.least / unit << " |";
 }
 
 void writeBounds (std::ostream& out, const Costs& costs)

@@ -11,20 +11,22 @@ void Results::ReportRuns (const std::vector<Run>& runs)
 
     for (const auto& run : runs)
     {
-        if (run.run_type == Run::RT_Aggregate)
-        {
-            aggregates.push_back (run);
-            continue;
-        }
-
+        const auto isAggregate = run.run_type == Run::RT_Aggregate;
         const auto counter = run.counters.find (costCounter);
+
+        if (isAggregate)
+            aggregates.push_back (run);
 
         if (counter == run.counters.end())
             continue;
 
+        auto& cost = collected[run.run_name.function_name];
         const auto nanoseconds = counter->second.value * 1e9;
-        const auto [cost, isFirst] = collected.try_emplace (run.run_name.function_name, nanoseconds);
-        cost->second = std::min (cost->second, nanoseconds);
+
+        if (! isAggregate)
+            cost.least = std::min (cost.least, nanoseconds);
+        else if (run.aggregate_name == "median")
+            cost.median = nanoseconds;
     }
 
     ConsoleReporter::ReportRuns (aggregates);

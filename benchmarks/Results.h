@@ -3,12 +3,19 @@
 
 #include <benchmark/benchmark.h>
 
+#include <limits>
 #include <map>
 #include <string>
 
-/** What each benchmark cost, in nanoseconds of its unit, by the benchmarks' names: the least of the repetitions of a
-   run, for what disturbs a machine only adds. */
-using Costs = std::map<std::string, double>;
+/** What one benchmark cost, in nanoseconds of its unit, over the repetitions of a run. */
+struct Cost
+{
+    double least = std::numeric_limits<double>::infinity(); // what disturbs a machine only adds
+    double median = 0;
+};
+
+/** The costs of a run by the benchmarks' names. */
+using Costs = std::map<std::string, Cost>;
 
 /** Prints what Google Benchmark prints and keeps the costs. */
 class Results : public benchmark::ConsoleReporter

@@ -21,8 +21,8 @@ namespace larkspire
 
     Where a sample waits for the sample before, the pair is held twice (left, right, left, right), so that a stage with
     two things to do to it does one in the lower half and one in the upper. Where it does not, the upper half is the
-   next frame. Arithmetic and comparisons go lane by lane and round as they do on single floats, so a formula on pairs
-   gives the bits of the same formula on floats.
+    next frame. Arithmetic and comparisons go lane by lane and round as single floats do, so a formula on pairs gives
+    the bits of the same formula on floats.
 */
 using ChannelPair = float __attribute__ ((vector_size (16)));
 

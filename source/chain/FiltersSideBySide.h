@@ -26,8 +26,10 @@ public:
     {
     }
 
-    /** One sample of each channel, held twice, through both filters. @returns the first filter's pair in the lower
-       half, the second's in the upper. */
+    /** One sample of each channel, held twice, through both filters.
+
+        @returns  the first filter's pair in the lower half, the second's in the upper
+    */
     ChannelPair process (ChannelPair x)
     {
         const ChannelPair y = nb0 * x + nb1 * x1 + nb2 * x2 - na1 * y1 - na2 * y2;

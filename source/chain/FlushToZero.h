@@ -8,9 +8,9 @@
 namespace larkspire
 {
 
-/** Denormals count as zero on this thread for as long as this lives; then it is as it was. Whoever runs the chain sets
-   it: without it the decay of the filters ends in other bits and takes many times longer. Only x86 has the mode;
-   elsewhere this does nothing. */
+/** Denormals count as zero on this thread for as long as this lives; then it is as it was. Whoever runs the chain needs
+    it: without it the decay of the filters ends in other bits and takes many times longer. Only x86 has the mode;
+    elsewhere this does nothing. */
 class ScopedFlushToZero
 {
 public:

@@ -27,7 +27,7 @@ struct Program
 
     A subclass supplies processStereoSample and updateSettings, and processRun if it has a quicker way for many samples.
     It gets input limits, mono and stereo handling, a periodic refresh, optional oversampling, a settings document in
-   the host's project and programs.
+    the host's project, and programs.
 
     Where things are defined: construction and the block loop in AudioProcessorQuendal.cpp, the oversampler in
     Oversampling.cpp, the settings document in settings/Saving.cpp and settings/Restoring.cpp, programs in

@@ -11,8 +11,7 @@ namespace larkspire
 {
 
 /** The way to what JUCE's filter keeps to itself and its subclasses. The chain runs both channels' filters in one
-    register, with the bits of processSingleSampleRaw on x86; JUCE's records stay the place where coefficients and
-   memory live. */
+    register, with the bits of processSingleSampleRaw on x86. Coefficients and memory live in JUCE's records. */
 struct HighPassAccess : juce::IIRFilter
 {
     /** A copy of coefficients and memory. */

@@ -34,7 +34,7 @@ configure: setup
 
 # The library, the renderer and what the demo needs; tests are built by those who run them.
 build: configure
-	@cmake --build --preset $(PRESET) --target Larkspire_VST larkspire-render larkspire-join
+	@cmake --build --preset $(PRESET) --target Larkspire_VST larkspire-render
 
 demo: build
 	@scripts/demo
@@ -48,9 +48,9 @@ screenshot: configure
 # plug-in costs depends on the machine, and is measured by make performance.
 docs: screenshot
 	@scripts/setup scripts/docs/packages.txt
-	@cmake --build --preset $(PRESET) --target larkspire-join larkspire-measure
-	@LARKSPIRE_BUILD=build/$(PRESET) scripts/voice build/$(PRESET)/voice.wav
-	@DISPLAY=:none build/$(PRESET)/tools/measure/larkspire-measure "$(LIBRARY)" build/$(PRESET)/voice.wav \
+	@cmake --build --preset $(PRESET) --target larkspire-measure
+	@scripts/voice build/$(PRESET)/voice.wav
+	@DISPLAY=:none build/$(PRESET)/tools/larkspire-measure "$(LIBRARY)" build/$(PRESET)/voice.wav \
 		docs/sound/data docs/sound.md
 	@scripts/docs/draw docs/sound/data docs/sound
 

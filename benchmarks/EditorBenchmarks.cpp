@@ -2,8 +2,8 @@
 // The window: opening and closing it on an X server, and drawing all of it, which happens three times a second.
 #include "benchmarks/Cost.h"
 #include "editor/LarkspireAudioProcessorEditor.h"
-#include "host/RawHost.h"
 #include "support/OpenProcessor.h"
+#include "support/RawHost.h"
 #include "window/EditorWindow.h"
 #include "window/VirtualDisplay.h"
 
@@ -16,7 +16,7 @@ void open (benchmark::State& state)
 
     for (auto _ : state)
     {
-        larkspire::window::EditorWindow window (host.effect());
+        larkspire::window::EditorWindow window (host);
         window.idle (std::chrono::milliseconds (0));
     }
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // A frame's cost through the built library and in the scalar oracle, on a real voice.
 #include "benchmarks/Cost.h"
-#include "host/Comparison.h"
-#include "host/RawHost.h"
-#include "host/Signals.h"
 #include "reference/ReferencePlugin.h"
+#include "support/Comparison.h"
+#include "support/RawHost.h"
+#include "support/Signals.h"
 
 #include <algorithm>
 #include <array>
@@ -27,7 +27,7 @@ constexpr std::array modes {
 
 float positionValue (int position)
 {
-    return static_cast<float> (position) / 9.0f;
+    return knobPosition (position);
 }
 
 /** Copies the signal block by block and has each block processed in place, as a host does. */

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // Instances of the built library: making them, closing them, and many of them in one process.
 #include "benchmarks/Cost.h"
-#include "host/RawHost.h"
-#include "host/Signals.h"
+#include "support/RawHost.h"
+#include "support/Signals.h"
 
 #include <memory>
 

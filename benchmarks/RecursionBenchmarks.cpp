@@ -5,7 +5,7 @@
 #include "chain/FlushToZero.h"
 #include "chain/OneSample.h"
 #include "chain/VoiceChain.h"
-#include "host/Signals.h"
+#include "support/Signals.h"
 
 #include <span>
 #include <string>

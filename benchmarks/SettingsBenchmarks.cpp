@@ -18,7 +18,7 @@ void runSettings (benchmark::State& state, float position)
 }
 
 BENCHMARK_CAPTURE (runSettings, bypass, 0.0f)->Name ("settings/bypass");
-BENCHMARK_CAPTURE (runSettings, Gentle, 1.0f / 9.0f)->Name ("settings/Gentle");
-BENCHMARK_CAPTURE (runSettings, Medium, 2.0f / 9.0f)->Name ("settings/Medium");
-BENCHMARK_CAPTURE (runSettings, Powerful, 3.0f / 9.0f)->Name ("settings/Powerful");
+BENCHMARK_CAPTURE (runSettings, Gentle, knobPosition (1))->Name ("settings/Gentle");
+BENCHMARK_CAPTURE (runSettings, Medium, knobPosition (2))->Name ("settings/Medium");
+BENCHMARK_CAPTURE (runSettings, Powerful, knobPosition (3))->Name ("settings/Powerful");
 } // namespace

@@ -11,7 +11,7 @@ if (CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_
     list (APPEND LARKSPIRE_STRICT_OPTIONS -Wno-restrict)
 endif ()
 
-function (larkspire_strict target)
+function (larkspire_own_sources target)
     get_target_property (sources ${target} SOURCES)
 
     foreach (source IN LISTS sources)

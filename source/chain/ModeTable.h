@@ -35,7 +35,7 @@ struct HighPassSettings
 };
 
 /** All that a position of the knob sets. */
-struct Mode
+struct ModeRow
 {
     RiderSettings leveller;
     RiderSettings expander;
@@ -49,7 +49,7 @@ struct Mode
 // clang-format off
 
 /** What prepares the chain for "bypass", and what positions without a name really run on. */
-inline constexpr Mode neutralMode {
+inline constexpr ModeRow neutralMode {
     .leveller = { .threshold = 1.0f,   .attackRate = 4.1327885e-07f, .releaseRate = 1.2697093e-07f, .gainScale = 0.5f, .gainOffset = 0.5f, .outputGain = 1.0f },
     .expander = { .threshold = 1e-06f, .attackRate = 0.00012331999f, .releaseRate = 1.2697093e-07f, .gainScale = 0.70710677f, .gainOffset = 0.29289323f, .outputGain = 1.0f },
     .air      = { .gainDb = 0.0f, .frequency = 10000.0f, .bandwidth = 2.0f },
@@ -58,7 +58,7 @@ inline constexpr Mode neutralMode {
 };
 
 /** "Gentle", "Medium" and "Powerful". */
-inline constexpr std::array<Mode, 3> voiceModes { {
+inline constexpr std::array<ModeRow, 3> voiceModes { {
     {
         .leveller = { .threshold = 0.015f,          .attackRate = 0.00013360231f, .releaseRate = 5.4113156e-07f, .gainScale = 1.0f, .gainOffset = 0.0f, .outputGain = 25.0f },
         .expander = { .threshold = 0.000100000005f, .attackRate = 8.565843e-06f,  .releaseRate = 1.5935553e-05f, .gainScale = 0.8660254f, .gainOffset = 0.13397461f, .outputGain = 1.0f },
@@ -85,7 +85,7 @@ inline constexpr std::array<Mode, 3> voiceModes { {
 // clang-format on
 
 /** The row of a mode index: 1 to 3 are the voice modes, every other index, negative ones too, is the neutral row. */
-constexpr const Mode& modeForIndex (int modeIndex)
+constexpr const ModeRow& modeForIndex (int modeIndex)
 {
     if (modeIndex < 1 || modeIndex > static_cast<int> (voiceModes.size()))
         return neutralMode;

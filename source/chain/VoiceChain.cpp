@@ -6,7 +6,7 @@
 namespace larkspire
 {
 
-void VoiceChain::adopt (const Mode& mode, double rate) const
+void VoiceChain::adopt (const ModeRow& mode, double rate) const
 {
     applySettings (leveller, mode.leveller);
     applySettings (expander, mode.expander);

@@ -30,7 +30,7 @@ struct VoiceChain
 
         @param rate  at which the chain runs, in Hz; the peaking filters see it rounded to a 32-bit float
     */
-    void adopt (const Mode& mode, double rate) const;
+    void adopt (const ModeRow& mode, double rate) const;
 
     /** Processes frames in place, linear with full scale 1.0, already limited as readChannels does. Cut into calls of
         any length the same frames give the same bits. Whoever calls has flush-to-zero set. */

@@ -35,11 +35,11 @@ TEST (Chain, PassesEveryBitInBypassAndStillNoticesAChange)
 
     ASSERT_FALSE (processor.settingsDue);
     processor.samplesSinceChange = 55;
-    processor.setMode (1.0f / 9.0f);
+    processor.setMode (knobPosition (1));
     processor.processStereoSample ({ 0.5f, 0.5f });
     EXPECT_TRUE (processor.settingsDue);
     EXPECT_EQ (processor.samplesSinceChange, 0);
-    EXPECT_EQ (processor.modeParameter->lastValue, 1.0f / 9.0f);
+    EXPECT_EQ (processor.modeParameter->lastValue, knobPosition (1));
 }
 
 TEST (Chain, FreezesInBypassAndResumesFromThere)
@@ -73,7 +73,7 @@ TEST (Chain, FindsAChangeAtItsFirstSample)
 TEST (Chain, RunsTheSampleThatFindsAChangeOnTheOldSettings)
 {
     OpenProcessor processor;
-    processor.setMode (3.0f / 9.0f);
+    processor.setMode (knobPosition (3));
     std::vector<float> left (10, 0.1f);
     std::vector<float> right (10, 0.1f);
     processor.run (left, right);
@@ -145,7 +145,7 @@ TEST (Chain, StaysWithinTheCeilingForAllThatTheBlockLoopLetsIn)
     {
         OpenProcessor processor;
         processor.giveRate (44100.0);
-        processor.setMode (static_cast<float> (position) / 9.0f);
+        processor.setMode (knobPosition (position));
         std::vector<float> left (50000);
         std::vector<float> right (50000);
 

@@ -9,8 +9,8 @@
 
 namespace
 {
-using larkspire::Mode;
 using larkspire::modeForIndex;
+using larkspire::ModeRow;
 
 std::uint32_t bits (float value)
 {
@@ -95,7 +95,7 @@ void expectPeak (const larkspire::PeakSettings& peak, const std::array<const cha
 TEST_P (ModeTable, HoldsTheFloatsNearestToTheDecimals)
 {
     const auto& row = GetParam();
-    const Mode& mode = modeForIndex (row.index);
+    const ModeRow& mode = modeForIndex (row.index);
     expectRider (mode.leveller, row.leveller);
     expectRider (mode.expander, row.expander);
     expectPeak (mode.air, row.air);

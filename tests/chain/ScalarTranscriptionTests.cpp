@@ -95,7 +95,7 @@ float ridden (const LevelRider& rider, float g, float x)
 using Stage = ChannelPair (*) (LevelRider&, ChannelPair);
 using Gain = float (*) (const LevelRider&, float, float);
 
-void expectTheSameGains (Stage stage, Gain gain, RiderSettings Mode::*settings)
+void expectTheSameGains (Stage stage, Gain gain, RiderSettings ModeRow::*settings)
 {
     Samples samples;
 
@@ -121,12 +121,12 @@ void expectTheSameGains (Stage stage, Gain gain, RiderSettings Mode::*settings)
 
 TEST (ScalarTranscription, OfTheExpanderHasTheSameBits)
 {
-    expectTheSameGains (expand, expandedGain, &Mode::expander);
+    expectTheSameGains (expand, expandedGain, &ModeRow::expander);
 }
 
 TEST (ScalarTranscription, OfTheLevellerHasTheSameBits)
 {
-    expectTheSameGains (level, levelledGain, &Mode::leveller);
+    expectTheSameGains (level, levelledGain, &ModeRow::leveller);
 }
 
 TEST (ScalarTranscription, OfTheFoldHasTheSameBits)

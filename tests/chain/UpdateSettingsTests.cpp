@@ -13,7 +13,7 @@ namespace
 {
 float position (int index)
 {
-    return static_cast<float> (index) / 9.0f;
+    return knobPosition (index);
 }
 
 void expectRow (const larkspire::LevelRider& rider, const larkspire::RiderSettings& row)

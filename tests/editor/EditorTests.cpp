@@ -104,7 +104,7 @@ TEST_F (Editor, BindsItsKnobToTheModeAndShowsBypassBeforeTheFirstTick)
 
 TEST_F (Editor, FollowsTheParameterAtEachTickWithoutWritingIt)
 {
-    for (const float value : { 1.0f / 9.0f, 3.0f / 9.0f, 0.0f, 2.0f / 9.0f })
+    for (const float value : { knobPosition (1), knobPosition (3), 0.0f, knobPosition (2) })
     {
         mode().setValueNotifyingHost (value);
         host.values.clear();
@@ -164,7 +164,7 @@ TEST_F (Editor, TakesAMoveOfNothingAndOfAnUnboundSlider)
     editor.idleTicks = 5;
     editor.sliderValueChanged (&unbound);
     EXPECT_EQ (editor.idleTicks, 0);
-    EXPECT_EQ (mode().get(), 2.0f / 9.0f);
+    EXPECT_EQ (mode().get(), knobPosition (2));
 }
 
 TEST_F (Editor, CountsAButtonAsATouch)
@@ -229,7 +229,7 @@ TEST_F (Editor, RepaintsAllOfItselfAtEachTick)
 
 TEST_F (Editor, OpensAnewOnTheSameParameter)
 {
-    mode().setValueNotifyingHost (3.0f / 9.0f);
+    mode().setValueNotifyingHost (knobPosition (3));
     {
         LarkspireAudioProcessorEditor first (&processor);
         first.timerCallback();
@@ -239,7 +239,7 @@ TEST_F (Editor, OpensAnewOnTheSameParameter)
     EXPECT_EQ (second.slider.getValue(), 0.0);
     second.timerCallback();
     EXPECT_EQ (second.slider.getValue(), 3.0 / 9.0);
-    EXPECT_EQ (mode().get(), 3.0f / 9.0f);
+    EXPECT_EQ (mode().get(), knobPosition (3));
 }
 
 /** The panel without its children. */

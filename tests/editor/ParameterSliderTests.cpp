@@ -2,6 +2,7 @@
 #include "editor/Canvas.h"
 #include "editor/ParameterSlider.h"
 #include "settings/DisplayMode.h"
+#include "support/KnobPosition.h"
 
 #include <gtest/gtest.h>
 
@@ -20,7 +21,7 @@ class ParameterSliderTest : public testing::Test
 {
 protected:
     GuiTest gui;
-    AudioParameterFloatQuendal mode { "mode", "Mode", DisplayMode::Choices, 2.0f / 9.0f, 10, modes };
+    AudioParameterFloatQuendal mode { "mode", "Mode", DisplayMode::Choices, knobPosition (2), 10, modes };
 };
 
 TEST_F (ParameterSliderTest, IsARotaryKnobBoundToNothingAtFirst)
@@ -102,12 +103,12 @@ TEST_F (ParameterSliderTest, ShowsTextsThatAreNotAscii)
 
 TEST_F (ParameterSliderTest, StandsAtZeroUntilSomebodyMovesIt)
 {
-    mode.setValueNotifyingHost (3.0f / 9.0f);
+    mode.setValueNotifyingHost (knobPosition (3));
     ParameterSlider slider;
     slider.setParameter (&mode);
     EXPECT_EQ (slider.getValue(), 0.0);
     EXPECT_EQ (slider.getTextFromValue (slider.getValue()), "bypass");
-    EXPECT_EQ (mode.get(), 3.0f / 9.0f);
+    EXPECT_EQ (mode.get(), knobPosition (3));
 }
 
 TEST_F (ParameterSliderTest, HasATextBelowThatCannotBeEdited)
@@ -140,7 +141,7 @@ TEST_F (ParameterSliderTest, ReturnsToTheDefaultOnADoubleClick)
     ParameterSlider slider;
     slider.setParameter (&mode);
     EXPECT_TRUE (slider.isDoubleClickReturnEnabled());
-    EXPECT_EQ (slider.getDoubleClickReturnValue(), static_cast<double> (2.0f / 9.0f));
+    EXPECT_EQ (slider.getDoubleClickReturnValue(), static_cast<double> (knobPosition (2)));
 }
 
 TEST_F (ParameterSliderTest, AsksForAltAtTheStartOfEachDrag)
@@ -173,7 +174,7 @@ TEST_F (ParameterSliderTest, NotesThatTheParameterHasChanged)
     ParameterSlider slider;
     slider.setParameter (&mode);
     slider.valueChangeListener.changed = false;
-    mode.setValueNotifyingHost (1.0f / 9.0f);
+    mode.setValueNotifyingHost (knobPosition (1));
     EXPECT_TRUE (slider.valueChangeListener.changed);
     EXPECT_EQ (slider.getValue(), 0.0) << "and leaves following it to the editor";
 
@@ -193,7 +194,7 @@ TEST_F (ParameterSliderTest, LeavesTheParametersListenersWhenItGoesAndItsNoteOfT
     slider->~ParameterSlider();
     std::ranges::fill (place, std::byte { 0 });
 
-    mode.setValueNotifyingHost (1.0f / 9.0f);
+    mode.setValueNotifyingHost (knobPosition (1));
     EXPECT_EQ (mode.attachedSlider, slider);
     EXPECT_TRUE (std::ranges::all_of (place, [] (std::byte b) { return b == std::byte { 0 }; }));
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "frame/AudioParameterFloatQuendal.h"
+#include "support/KnobPosition.h"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +19,7 @@ struct ModeParameter : AudioParameterFloatQuendal
     explicit ModeParameter (int steps = 10,
                             const std::vector<std::string>& names = modes,
                             int mode = DisplayMode::Choices)
-        : AudioParameterFloatQuendal ("mode", "Mode", mode, 2.0f / 9.0f, steps, names)
+        : AudioParameterFloatQuendal ("mode", "Mode", mode, knobPosition (2), steps, names)
     {
     }
 };
@@ -26,10 +27,10 @@ struct ModeParameter : AudioParameterFloatQuendal
 TEST (Parameter, StartsAtTheThirdPosition)
 {
     const ModeParameter parameter;
-    EXPECT_EQ (parameter.get(), 2.0f / 9.0f);
+    EXPECT_EQ (parameter.get(), knobPosition (2));
     EXPECT_EQ (parameter.getChoiceIndex(), 2);
-    EXPECT_EQ (parameter.getDefaultPosition(), 2.0f / 9.0f);
-    EXPECT_EQ (static_cast<const juce::AudioProcessorParameter&> (parameter).getDefaultValue(), 2.0f / 9.0f);
+    EXPECT_EQ (parameter.getDefaultPosition(), knobPosition (2));
+    EXPECT_EQ (static_cast<const juce::AudioProcessorParameter&> (parameter).getDefaultValue(), knobPosition (2));
 }
 
 TEST (Parameter, StartsWithTheDefaultsOfItsFields)
@@ -108,9 +109,9 @@ INSTANTIATE_TEST_SUITE_P (Values,
                           testing::Values (IndexRow { 0.0f, 0 },
                                            IndexRow { 0.05f, 0 },
                                            IndexRow { 0.06f, 1 },
-                                           IndexRow { 1.0f / 9.0f, 1 },
-                                           IndexRow { 2.0f / 9.0f, 2 },
-                                           IndexRow { 3.0f / 9.0f, 3 },
+                                           IndexRow { knobPosition (1), 1 },
+                                           IndexRow { knobPosition (2), 2 },
+                                           IndexRow { knobPosition (3), 3 },
                                            IndexRow { 0.5f, 5 },
                                            IndexRow { 1.0f, 9 },
                                            IndexRow { -0.5f, -5 }));
@@ -172,10 +173,10 @@ INSTANTIATE_TEST_SUITE_P (Values,
                           testing::Values (TextRow { 0.0f, "bypass" },
                                            TextRow { 0.05f, "bypass" },
                                            TextRow { 0.06f, "Gentle" },
-                                           TextRow { 1.0f / 9.0f, "Gentle" },
-                                           TextRow { 2.0f / 9.0f, "Medium" },
-                                           TextRow { 3.0f / 9.0f, "Powerful" },
-                                           TextRow { 4.0f / 9.0f, "" },
+                                           TextRow { knobPosition (1), "Gentle" },
+                                           TextRow { knobPosition (2), "Medium" },
+                                           TextRow { knobPosition (3), "Powerful" },
+                                           TextRow { knobPosition (4), "" },
                                            TextRow { 0.5f, "" },
                                            TextRow { 1.0f, "" }));
 

@@ -79,7 +79,7 @@ TEST (Processor, HasOneParameterCalledMode)
     EXPECT_EQ (processor.modeParameter->name, "Mode");
     EXPECT_EQ (processor.modeParameter->displayMode, 10);
     EXPECT_EQ (processor.modeParameter->numSteps, 10);
-    EXPECT_EQ (processor.modeParameter->get(), 2.0f / 9.0f);
+    EXPECT_EQ (processor.modeParameter->get(), knobPosition (2));
     EXPECT_EQ (processor.modeParameter->getChoices(),
                (std::vector<std::string> { "bypass", "Gentle", "Medium", "Powerful" }));
 }
@@ -164,7 +164,7 @@ TEST (Processor, NeverTouchesTheSpareFilter)
 
     for (int position = 0; position < 10; ++position)
     {
-        processor.setMode (static_cast<float> (position) / 9.0f);
+        processor.setMode (knobPosition (position));
         std::vector<float> left (200, 0.5f);
         std::vector<float> right (200, -0.5f);
         processor.run (left, right);

@@ -187,7 +187,7 @@ TEST (Run, OfThePlugInHasTheBitsOfItsSingleSamples)
         for (auto* processor : { &inRuns, &one })
         {
             processor->giveRate (48000.0);
-            processor->adoptMode (static_cast<float> (position) / 9.0f);
+            processor->adoptMode (knobPosition (position));
             processor->modeParameter->hasChanged();
             processor->settingsDue = false;
         }
@@ -217,14 +217,14 @@ TEST (Run, OfThePlugInHasTheBitsOfItsSingleSamples)
 TEST (Run, OfThePlugInEndsBehindTheSampleThatFindsAChange)
 {
     OpenProcessor processor;
-    processor.adoptMode (1.0f / 9.0f);
+    processor.adoptMode (knobPosition (1));
     processor.modeParameter->hasChanged();
     processor.settingsDue = false;
     std::vector<std::pair<float, float>> run (64, { 0.1f, 0.1f });
     EXPECT_EQ (processor.processRun (run), 64u);
     EXPECT_FALSE (processor.settingsDue);
 
-    processor.setMode (2.0f / 9.0f);
+    processor.setMode (knobPosition (2));
     EXPECT_EQ (processor.processRun (run), 1u);
     EXPECT_TRUE (processor.settingsDue);
     EXPECT_EQ (processor.samplesSinceChange, 0);
@@ -279,7 +279,7 @@ TEST_P (RunOfThePlugIn, GivesALongBlockTheBitsOfBlocksOfOneSample)
     // Changes of the parameter, requests, and a refresh that brings a new rate are among them.
     for (int turn = 0; turn < 400; ++turn)
     {
-        const auto value = static_cast<float> (random() % 5) / 9.0f;
+        const auto value = knobPosition (static_cast<int> (random() % 5));
         const auto changes = turn < 100 && random() % 2 == 0;
         const auto request = turn < 100 && random() % 8 == 0;
 

@@ -2,6 +2,7 @@
 #include "measure/CommittedTables.h"
 
 #include "measure/Measurements.h"
+#include "support/Paths.h"
 
 #include <fstream>
 #include <iterator>
@@ -19,7 +20,7 @@ std::string textOf (const std::filesystem::path& path)
 
 larkspire::measure::Table committed (std::string_view name)
 {
-    const std::filesystem::path folder = LARKSPIRE_DOCS_PATH "/sound/data";
+    const std::filesystem::path folder = paths::source ("docs/sound/data");
     return larkspire::measure::fromCsv (std::string (name), textOf (larkspire::measure::fileOf (folder, name)));
 }
 

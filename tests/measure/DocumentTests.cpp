@@ -2,8 +2,9 @@
 // docs/sound.md, its tables and pictures, and the program that writes them.
 #include "measure/CommittedTables.h"
 #include "measure/Document.h"
-#include "tools/Child.h"
-#include "tools/TemporaryFolder.h"
+#include "support/Child.h"
+#include "support/Paths.h"
+#include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,7 +20,7 @@ namespace
 using namespace larkspire::measure;
 using testing::HasSubstr;
 
-const std::filesystem::path docs = LARKSPIRE_DOCS_PATH;
+const std::filesystem::path docs = paths::source ("docs");
 
 std::set<std::string> stemsIn (const std::filesystem::path& folder, const std::string& extension)
 {
@@ -43,7 +44,7 @@ TEST (Document, HoldsTheTablesOfTheCommittedMeasurements)
 TEST (Document, ShowsEveryPictureAndEveryPictureHasItsScript)
 {
     const auto text = textOf (docs / "sound.md");
-    auto scripts = stemsIn (LARKSPIRE_PICTURE_SCRIPTS_PATH, ".gp");
+    auto scripts = stemsIn (paths::source ("tools/measure/pictures"), ".gp");
     EXPECT_EQ (scripts.erase ("style"), 1u);
     EXPECT_EQ (stemsIn (docs / "sound", ".png"), scripts);
 
@@ -73,11 +74,11 @@ TEST (Measure, ExplainsABadCallInOneLineAndWritesNothing)
     const TemporaryFolder folder;
     std::ofstream (folder / "sound.md") << "Text.\n";
     const auto call = [&] (const std::vector<std::string>& arguments)
-    { return run (Call { .arguments = arguments, .program = LARKSPIRE_MEASURE_PATH }); };
+    { return run (Call { .arguments = arguments, .program = paths::measure() }); };
 
     EXPECT_EQ (call ({ "one" }).exitStatus, 2);
 
-    const auto noDocument = call ({ LARKSPIRE_PLUGIN_PATH, folder / "no.wav", folder / "data", folder / "no.md" });
+    const auto noDocument = call ({ paths::plugin(), folder / "no.wav", folder / "data", folder / "no.md" });
     EXPECT_EQ (noDocument.exitStatus, 1);
     EXPECT_EQ (noDocument.errors, "larkspire-measure: " + (folder / "no.md") + ": cannot be read\n");
 
@@ -85,7 +86,7 @@ TEST (Measure, ExplainsABadCallInOneLineAndWritesNothing)
     EXPECT_EQ (noLibrary.exitStatus, 1);
     EXPECT_EQ (linesOf (noLibrary.errors).size(), 1u) << noLibrary.errors;
 
-    const auto noVoice = call ({ LARKSPIRE_PLUGIN_PATH, folder / "no.wav", folder / "data", folder / "sound.md" });
+    const auto noVoice = call ({ paths::plugin(), folder / "no.wav", folder / "data", folder / "sound.md" });
     EXPECT_EQ (noVoice.exitStatus, 1);
     EXPECT_THAT (noVoice.errors, HasSubstr ("no.wav"));
     EXPECT_EQ (folder.contents(), std::vector<std::string> { "sound.md" });

@@ -3,8 +3,9 @@
 #include "measure/CommittedTables.h"
 #include "measure/Drift.h"
 #include "measure/Measurements.h"
-#include "tools/Child.h"
-#include "tools/TemporaryFolder.h"
+#include "support/Child.h"
+#include "support/Paths.h"
+#include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -38,13 +39,11 @@ TEST_P (Committed, IsWhatTheLibraryAsBuiltGives)
 
     if (GetParam().name.starts_with ("voice"))
     {
-        const auto made = run (Call { .arguments = { voice },
-                                      .program = LARKSPIRE_VOICE_PATH,
-                                      .environment = { { "LARKSPIRE_BUILD", LARKSPIRE_BUILD_PATH } } });
+        const auto made = run (Call { .arguments = { voice }, .program = paths::source ("scripts/voice") });
         ASSERT_EQ (made.exitStatus, 0) << made.errors;
     }
 
-    const render::PluginLibrary library (LARKSPIRE_PLUGIN_PATH);
+    const PluginLibrary library (paths::plugin());
     const auto measured = GetParam().measure ({ .library = library, .voice = voice });
     const auto moved = drift (committed (GetParam().name), measured);
     EXPECT_TRUE (moved.empty())

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The archives for other Linux systems and for Windows, and what all packages have in common.
 #include "packages/Packages.h"
-#include "tools/Recording.h"
+#include "support/Paths.h"
+#include "support/Recording.h"
 #include "windows/PortableExecutable.h"
 
 #include <gmock/gmock.h>
@@ -148,7 +149,7 @@ TEST (Packages, AreTheSameBytesWhenTheyAreMadeAgain)
 {
     // In another folder, by somebody whose machine has other settings.
     const TemporaryFolder folder;
-    const std::string command = "umask 077 && exec '" LARKSPIRE_ROOT "/scripts/packaging/package' \"$0\"";
+    const std::string command = "umask 077 && exec '" + paths::source ("scripts/packaging/package") + "' \"$0\"";
     outputOf ("env", { "TZ=Asia/Tokyo", "LC_ALL=C", "sh", "-c", command, folder.path() });
 
     for (const auto& package : { packages::debian(), packages::linuxArchive(), packages::windowsArchive() })
@@ -164,7 +165,7 @@ TEST (Packages, HoldNoFolderOfTheBuild)
         const Unpacked unpacked (package);
 
         for (const auto& file : unpacked.files())
-            EXPECT_EQ (outputOf ("zcat", { "--force", unpacked / file }).find (LARKSPIRE_ROOT), std::string::npos)
+            EXPECT_EQ (outputOf ("zcat", { "--force", unpacked / file }).find (paths::source()), std::string::npos)
                 << file;
     }
 }

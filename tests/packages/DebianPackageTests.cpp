@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The Debian package as a file: what it holds, says and asks for.
 #include "packages/Packages.h"
-#include "tools/Recording.h"
+#include "support/Paths.h"
+#include "support/Recording.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -24,7 +25,7 @@ std::string field (const std::string& name)
 /** The time of the commit that is packed, as archives list it. */
 std::string timeOfCommit()
 {
-    const auto seconds = outputOf ("git", { "-C", LARKSPIRE_ROOT, "log", "-1", "--format=%ct" });
+    const auto seconds = outputOf ("git", { "-C", paths::source(), "log", "-1", "--format=%ct" });
     auto time = outputOf ("date", { "--date=@" + seconds.substr (0, seconds.find ('\n')), "+%Y-%m-%d %H:%M" });
     time.erase (time.find ('\n'));
     return time;

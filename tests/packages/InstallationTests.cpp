@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The Debian package on this machine: put on, used as people use it, and taken off.
-#include "hosts/Ardour.h"
+#include "daws/Ardour.h"
 #include "packages/InstalledPackage.h"
-#include "tools/Recording.h"
+#include "support/KnobPosition.h"
+#include "support/Paths.h"
+#include "support/Recording.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -93,10 +95,9 @@ TEST_F (Installation, HasARendererThatUsesTheInstalledLibraryAndNothingOfTheBuil
                                       "result.wav" });
     ASSERT_EQ (outcome.exitStatus, 0) << outcome.errors;
     EXPECT_THAT (outcome.errors, HasSubstr ("calling init: " + library));
-    EXPECT_THAT (outcome.errors, testing::Not (HasSubstr (LARKSPIRE_ROOT)));
+    EXPECT_THAT (outcome.errors, testing::Not (HasSubstr (paths::source())));
 
-    const auto built =
-        run ({ "--plugin", LARKSPIRE_PLUGIN_PATH, "--mode", "Gentle", voice, "-o", folder / "built.wav" });
+    const auto built = run ({ "--plugin", paths::plugin(), "--mode", "Gentle", voice, "-o", folder / "built.wav" });
     ASSERT_EQ (built.exitStatus, 0) << built.errors;
     EXPECT_TRUE (bytesOf (folder / "result.wav") == bytesOf (folder / "built.wav"));
 }
@@ -104,7 +105,7 @@ TEST_F (Installation, HasARendererThatUsesTheInstalledLibraryAndNothingOfTheBuil
 TEST_F (Installation, IsFoundByArdourWithoutBeingToldWhere)
 {
     const Ardour ardour (library);
-    ardour.makeSession ("installed", { .channels = { std::vector<float> (4800) }, .parameter = 3.0f / 9.0f });
+    ardour.makeSession ("installed", { .channels = { std::vector<float> (4800) }, .parameter = knobPosition (3) });
     const auto report = ardour.openSession ("installed");
     EXPECT_THAT (report, HasSubstr ("name: Quendal Larkspire\n"));
     EXPECT_THAT (report, HasSubstr ("parameter: Mode\n"));

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "packages/Packages.h"
+#include "support/Paths.h"
 
 #include <sstream>
 #include <stdexcept>
@@ -8,7 +9,7 @@ namespace
 {
 std::filesystem::path inPackages (const std::string& name)
 {
-    return std::filesystem::path (LARKSPIRE_PACKAGES) / name;
+    return std::filesystem::path (paths::source ("dist/packages")) / name;
 }
 } // namespace
 
@@ -67,7 +68,7 @@ Unpacked::Unpacked (const std::filesystem::path& package)
     if (package.extension() == ".deb")
         outputOf ("dpkg-deb", { "--extract", package, folder.path() });
     else
-        outputOf ("env", { "--chdir=" + folder.path().string(), LARKSPIRE_CMAKE, "-E", "tar", "xf", package });
+        outputOf ("env", { "--chdir=" + folder.path().string(), paths::cmake(), "-E", "tar", "xf", package });
 }
 
 std::vector<std::string> Unpacked::files() const

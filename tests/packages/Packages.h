@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "tools/Child.h"
-#include "tools/TemporaryFolder.h"
+#include "support/Child.h"
+#include "support/TemporaryFolder.h"
 
 #include <filesystem>
 #include <string>

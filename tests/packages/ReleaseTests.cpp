@@ -2,7 +2,8 @@
 // The release's number, in whatever was built, is the one of cmake/Version.cmake.
 #include "packages/Packages.h"
 #include "support/FirstMatch.h"
-#include "tools/Recording.h"
+#include "support/Paths.h"
+#include "support/Recording.h"
 #include "windows/PortableExecutable.h"
 
 #include <gtest/gtest.h>
@@ -97,7 +98,7 @@ TEST_P (Release, IsTheOneOfTheSources)
 {
     // Read here and not from the build, which could be an older one.
     const auto release =
-        found (bytesOf (LARKSPIRE_ROOT "/cmake/Version.cmake"), "\nset \\(LARKSPIRE_RELEASE \"([^\"]*)\"\\)");
+        found (bytesOf (paths::source ("cmake/Version.cmake")), "\nset \\(LARKSPIRE_RELEASE \"([^\"]*)\"\\)");
     ASSERT_FALSE (release.empty());
     EXPECT_EQ (GetParam().read(), release);
 }

@@ -3,6 +3,7 @@
 // written once by that version and never changed.
 #include "settings/StateBlock.h"
 #include "support/OpenProcessor.h"
+#include "support/Paths.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +16,7 @@ namespace
 {
 using namespace state_block;
 
-const std::filesystem::path goldenFolder = LARKSPIRE_GOLDEN_DOCUMENTS;
+const std::filesystem::path goldenFolder = paths::source ("tests/settings/golden");
 
 std::string contentOf (const std::filesystem::path& file)
 {
@@ -125,7 +126,7 @@ TEST (GoldenDocuments, DISABLED_WriteTheFileOfTheVersion)
 {
     OpenProcessor processor;
     processor.giveRate (48000.0);
-    processor.setMode (3.0f / 9.0f);
+    processor.setMode (knobPosition (3));
 
     for (const auto& [key, value] : goldenDocuments.back().attributes)
         processor.setSetting (juce::String::fromUTF8 (key.c_str()), juce::String::fromUTF8 (value.c_str()));

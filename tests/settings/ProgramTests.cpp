@@ -354,6 +354,6 @@ TEST (ProgramSwitch, IsOutOfReachInThePlugIn)
     EXPECT_EQ (processor.appliedProgram, -1);
     EXPECT_FALSE (processor.stateTouched);
     EXPECT_FALSE (processor.settingsDue);
-    EXPECT_EQ (processor.modeParameter->get(), 2.0f / 9.0f);
+    EXPECT_EQ (processor.modeParameter->get(), knobPosition (2));
 }
 } // namespace

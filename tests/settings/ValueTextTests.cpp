@@ -4,6 +4,7 @@
 #include "settings/ValueTexts.h"
 
 #include "frame/AudioParameterFloatQuendal.h"
+#include "support/KnobPosition.h"
 
 #include <gtest/gtest.h>
 
@@ -383,7 +384,7 @@ TEST (ValueText, ReciprocalSweepHasNoBlankAheadOfTheUnit)
 TEST (ValueText, NamesAChoiceInTheModeOfChoicesAlone)
 {
     for (int mode = 0; mode <= 13; ++mode)
-        EXPECT_EQ (ShowingParameter (mode, 2.0f, 8.0f).valueToText (1.0f / 9.0f) == "second",
+        EXPECT_EQ (ShowingParameter (mode, 2.0f, 8.0f).valueToText (knobPosition (1)) == "second",
                    mode == DisplayMode::Choices)
             << mode;
 }

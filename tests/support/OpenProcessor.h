@@ -3,6 +3,7 @@
 
 #include "frame/LarkspireAudioProcessor.h"
 #include "support/ChannelPointer.h"
+#include "support/KnobPosition.h"
 
 /** The plug-in's processor with its insides open to the tests. */
 class OpenProcessor : public LarkspireAudioProcessor

@@ -37,7 +37,7 @@ TEST (Axis, IsStraightAndMayRunUpwards)
     EXPECT_EQ (axis.pixelOf (0.0), 300.0);
 }
 
-TEST (Ticks, StandAtWholeMultiplesWithinTheAxis)
+TEST (AxisTicks, StandAtWholeMultiplesWithinTheAxis)
 {
     const Axis axis { .first = -22.0, .last = 2.0, .firstPixel = 1.0, .lastPixel = 0.0 };
     EXPECT_THAT (labelsOf (ticksEvery (10.0, axis)), ElementsAre ("\u221220", "\u221210", "0"));
@@ -45,7 +45,7 @@ TEST (Ticks, StandAtWholeMultiplesWithinTheAxis)
     EXPECT_THAT (labelsOf (ticksEvery (0.1, wave)), ElementsAre ("\u22120.2", "\u22120.1", "0.0", "0.1", "0.2"));
 }
 
-TEST (Ticks, HaveTheDecimalsOfTheirStep)
+TEST (AxisTicks, HaveTheDecimalsOfTheirStep)
 {
     const Axis axis { .first = 0.0, .last = 0.5, .firstPixel = 1.0, .lastPixel = 0.0 };
     EXPECT_THAT (labelsOf (ticksEvery (0.25, axis)), ElementsAre ("0.00", "0.25", "0.50"));
@@ -53,7 +53,7 @@ TEST (Ticks, HaveTheDecimalsOfTheirStep)
     EXPECT_THAT (labelsOf (ticksEvery (2.5, large)), ElementsAre ("0.0", "2.5", "5.0"));
 }
 
-TEST (Ticks, OfTimeAreRoundAndNeverMoreThanTwelve)
+TEST (AxisTicks, OfTimeAreRoundAndNeverMoreThanTwelve)
 {
     for (double seconds = 0.001; seconds < 400000.0; seconds *= 1.07)
     {
@@ -67,7 +67,7 @@ TEST (Ticks, OfTimeAreRoundAndNeverMoreThanTwelve)
     }
 }
 
-TEST (Ticks, OfTimeReadAsAClockDoes)
+TEST (AxisTicks, OfTimeReadAsAClockDoes)
 {
     EXPECT_THAT (
         labelsOf (timeTicks (timeTo (0.05))),

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The gains that are read beside the library, on sounds for which they are known, and held against the real library.
-#include "Recording.h"
-#include "Tone.h"
+#include "host/HostedPlugin.h"
 #include "meter/ChainProbe.h"
-#include "render/HostedPlugin.h"
+#include "render/Tone.h"
+#include "support/Paths.h"
+#include "support/Recording.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +16,7 @@
 namespace
 {
 using namespace larkspire::meter;
-using namespace larkspire::render;
+using namespace larkspire;
 
 /** What of a mode makes its gains, written down once more. */
 struct Settings
@@ -38,7 +39,7 @@ constexpr std::array<Settings, 4> modeSettings { {
 class Beside
 {
 public:
-    Beside (Mode mode, const AudioShape& soundShape)
+    Beside (KnobMode mode, const AudioShape& soundShape)
         : shape (soundShape),
           plugin (library, { .mode = mode, .shape = shape, .blockSize = 480000 }),
           probe (static_cast<int> (mode), shape)
@@ -53,14 +54,14 @@ public:
     }
 
     AudioShape shape;
-    PluginLibrary library { LARKSPIRE_PLUGIN_PATH };
+    PluginLibrary library { paths::plugin() };
     HostedPlugin plugin;
     ChainProbe probe;
 };
 
 TEST (ChainProbe, MatchesTheLibraryToTheBit)
 {
-    for (const auto mode : { Mode::gentle, Mode::medium, Mode::powerful })
+    for (const auto mode : { KnobMode::gentle, KnobMode::medium, KnobMode::powerful })
         for (const int channels : { 1, 2 })
             for (const int rate : { 8000, 44100, 48000, 192000 })
             {
@@ -80,7 +81,7 @@ TEST (ChainProbe, MatchesTheLibraryToTheBit)
 TEST (ChainProbe, TellsNothingWhereOneBitDiffers)
 {
     const AudioShape shape { .channels = 2, .sampleRate = 48000 };
-    Beside beside (Mode::medium, shape);
+    Beside beside (KnobMode::medium, shape);
     const auto sound = toFloats (makeNoise (2, 5000, 24));
     auto output = sound;
     beside.plugin.process (output);
@@ -98,7 +99,7 @@ TEST (ChainProbe, TellsNothingWhereOneBitDiffers)
 
 TEST (ChainProbe, HasNoGainsInBypass)
 {
-    Beside beside (Mode::bypass, { .channels = 1, .sampleRate = 48000 });
+    Beside beside (KnobMode::bypass, { .channels = 1, .sampleRate = 48000 });
     beside.hear (toFloats (makeNoise (1, 5000, 24)));
     EXPECT_FALSE (beside.probe.runs());
     EXPECT_EQ (beside.probe.gains(), StageGains {});
@@ -108,7 +109,7 @@ TEST (ChainProbe, KnowsTheGainsOfSilence)
 {
     constexpr int frames = 300000;
 
-    for (const auto mode : { Mode::gentle, Mode::medium, Mode::powerful })
+    for (const auto mode : { KnobMode::gentle, KnobMode::medium, KnobMode::powerful })
         for (const int channels : { 1, 2 })
         {
             SCOPED_TRACE (nameOf (mode));
@@ -147,14 +148,14 @@ TEST (ChainProbe, SeesTheFoldLiftTheMiddleAndLowerTheSides)
 {
     // The expander is fully open, so both channels reach the fold alike.
     auto middle = Tone { .frequency = 3000.0, .peakDbfs = -12.0, .seconds = 2.0 }.samples();
-    Beside centred (Mode::medium, { .channels = 2, .sampleRate = 48000 });
+    Beside centred (KnobMode::medium, { .channels = 2, .sampleRate = 48000 });
     centred.hear (middle);
     EXPECT_NEAR (centred.probe.gains().foldDb.value(), 20.0 * std::log10 (1.5), 1e-4);
 
     for (std::size_t i = 1; i < middle.size(); i += 2)
         middle[i] = -middle[i];
 
-    Beside outOfPhase (Mode::medium, { .channels = 2, .sampleRate = 48000 });
+    Beside outOfPhase (KnobMode::medium, { .channels = 2, .sampleRate = 48000 });
     outOfPhase.hear (middle);
     EXPECT_NEAR (outOfPhase.probe.gains().foldDb.value(), 20.0 * std::log10 (0.75), 1e-4);
 }
@@ -164,7 +165,7 @@ TEST (ChainProbe, SeesTheHighPassAtItsCorner)
     // At the corner a high-pass of the second order has the gain Q.
     constexpr std::array<double, 4> q { 0.0, 0.707, 0.85, 1.0 };
 
-    for (const auto mode : { Mode::gentle, Mode::medium, Mode::powerful })
+    for (const auto mode : { KnobMode::gentle, KnobMode::medium, KnobMode::powerful })
     {
         const auto row = static_cast<std::size_t> (mode);
         Beside beside (mode, { .channels = 1, .sampleRate = 48000 });
@@ -178,7 +179,7 @@ TEST (ChainProbe, SeesTheHighPassAtItsCorner)
 TEST (ChainProbe, SeesTheSoftClipOnAFaintSound)
 {
     // A sine of a small number is the number, and the ceiling remains.
-    Beside beside (Mode::powerful, { .channels = 1, .sampleRate = 48000 });
+    Beside beside (KnobMode::powerful, { .channels = 1, .sampleRate = 48000 });
     beside.hear (Tone { .peakDbfs = -80.0, .seconds = 1.0, .channels = 1 }.samples());
     EXPECT_NEAR (beside.probe.gains().softClipDb.value(), 20.0 * std::log10 (0.9885), 1e-3);
 }
@@ -195,7 +196,7 @@ TEST (ChainProbe, AveragesTheChannelsInDecibels)
 
     const auto expanderOf = [] (const std::vector<float>& sound, int channels)
     {
-        Beside beside (Mode::medium, { .channels = channels, .sampleRate = 48000 });
+        Beside beside (KnobMode::medium, { .channels = channels, .sampleRate = 48000 });
         beside.hear (sound);
         return beside.probe.gains().expanderDb.value();
     };

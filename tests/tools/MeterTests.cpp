@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The meters on signals whose figures are known: those of the EBU's own test signals, and those that follow from
 // arithmetic.
-#include "Tone.h"
-#include "meter/Course.h"
 #include "meter/MeanGain.h"
 #include "meter/SoundMeter.h"
+#include "meter/TimeCourse.h"
+#include "render/Tone.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@
 namespace
 {
 using namespace larkspire::meter;
-using larkspire::render::AudioShape;
+using larkspire::AudioShape;
 
 /** The figures of a sound that comes in blocks of a strange size. */
 SoundFigures figuresOf (const std::vector<float>& interleaved, const AudioShape& shape)
@@ -215,9 +215,9 @@ TEST (MeanGain, OfTinyGainsIsExact)
     EXPECT_NEAR (mean.decibels().value(), -360.0, 1e-9);
 }
 
-TEST (Course, KeepsEverySampleOfAShortSound)
+TEST (TimeCourse, KeepsEverySampleOfAShortSound)
 {
-    Course course;
+    TimeCourse course;
 
     for (int i = 0; i < 100; ++i)
         course.add (static_cast<float> (i));
@@ -228,16 +228,16 @@ TEST (Course, KeepsEverySampleOfAShortSound)
     EXPECT_EQ (course.mean (42), 42.0);
 }
 
-TEST (Course, JoinsBinsAndKeepsExtremesAndMeans)
+TEST (TimeCourse, JoinsBinsAndKeepsExtremesAndMeans)
 {
-    Course course;
+    TimeCourse course;
     constexpr int count = 100001;
 
     for (int i = 0; i < count; ++i)
         course.add (static_cast<float> (i));
 
-    EXPECT_LE (course.size(), Course::mostBins);
-    EXPECT_GT (course.size(), Course::mostBins / 2);
+    EXPECT_LE (course.size(), TimeCourse::mostBins);
+    EXPECT_GT (course.size(), TimeCourse::mostBins / 2);
     const auto length = course.samplesPerBin();
     EXPECT_EQ (length, 16);
 

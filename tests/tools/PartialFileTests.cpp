@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "render/PartialFile.h"
+#include "base/PartialFile.h"
 
-#include "Recording.h"
-#include "TemporaryFolder.h"
-#include "render/Failure.h"
+#include "base/Failure.h"
+#include "support/Recording.h"
+#include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,8 +13,8 @@
 
 namespace
 {
-using larkspire::render::Failure;
-using larkspire::render::PartialFile;
+using larkspire::Failure;
+using larkspire::PartialFile;
 using testing::ElementsAre;
 
 std::string hiddenName()

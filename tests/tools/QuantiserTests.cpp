@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "render/Quantiser.h"
+#include "audio/Quantiser.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 
 namespace
 {
-using larkspire::render::Quantiser;
+using larkspire::Quantiser;
 
 TEST (Quantiser, ReturnsEvery16BitNumber)
 {

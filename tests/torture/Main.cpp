@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // Does to the built library whatever a host can do, in any order, and compares it with a model after every step.
+#include "support/Paths.h"
 #include "torture/Mismatch.h"
 #include "torture/Torture.h"
 #include "window/VirtualDisplay.h"
@@ -38,7 +39,7 @@ void onCrash (int signal)
 
 struct Options
 {
-    std::string library = LARKSPIRE_PLUGIN_PATH;
+    std::string library = paths::plugin();
     std::optional<std::uint64_t> seed;
     std::uint64_t operations = 0;
     double seconds = 0.0;

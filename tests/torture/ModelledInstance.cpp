@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The instance, its parameter and what never changes. Its sound and its state have files of their own.
 #include "torture/ModelledInstance.h"
+#include "support/KnobPosition.h"
 
 #include "reference/ScalarPolynomials.h"
 #include "torture/Mismatch.h"
@@ -98,7 +99,7 @@ std::string ModelledInstance::setParameter (Dice& dice)
     const float value = dice.onceIn (8)   ? dice.oneOf (special)
                         : dice.onceIn (3) ? dice.unit()
                         : dice.onceIn (5) ? parameter * (1.0f + 1.0e-7f * dice.bipolar())
-                                          : static_cast<float> (dice.below (10)) / 9.0f;
+                                          : knobPosition (static_cast<int> (dice.below (10)));
     host.setParameter (value);
     setModelParameter (value);
     requireParameter();
@@ -165,7 +166,7 @@ std::string ModelledInstance::openEditor (Dice& dice)
     if (editor != nullptr)
         return "leave the window open";
 
-    editor = std::make_unique<larkspire::window::EditorWindow> (host.effect(), static_cast<int> (dice.below (700)));
+    editor = std::make_unique<larkspire::window::EditorWindow> (host, static_cast<int> (dice.below (700)));
     require ("the window's width", editor->width(), 250);
     require ("the window's height", editor->height(), 250);
     requireParameter();

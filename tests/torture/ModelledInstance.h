@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "host/RawHost.h"
 #include "reference/ReferencePlugin.h"
+#include "support/RawHost.h"
 #include "torture/Dice.h"
 #include "torture/GuardedBuffer.h"
 #include "torture/SettingsModel.h"
@@ -82,7 +82,7 @@ private:
     std::unique_ptr<larkspire::window::EditorWindow> editor;
     Vst2::VstTimeInfo time {};
 
-    float parameter = 2.0f / 9.0f;
+    float parameter = knobPosition (2);
     SettingsModel settings;
     ReferencePlugin sound;
     float announcedRate = 44100.0f;

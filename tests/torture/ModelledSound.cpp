@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // What an instance must sound like, and all that a host does around a block.
-#include "host/Comparison.h"
+#include "support/Comparison.h"
 #include "torture/BlockSignal.h"
 #include "torture/Mismatch.h"
 #include "torture/ModelledInstance.h"
@@ -83,9 +83,8 @@ std::string ModelledInstance::announceLayout (Dice& dice)
     const bool accepted =
         input.type == output.type && input.channels == output.channels
         && ((input.type == Vst2::kSpeakerArrMono && input.channels == 1) || input.type == Vst2::kSpeakerArrStereo);
-    require ("the answer to a layout",
-             host.askForLayout (input.type, input.channels, output.type, output.channels),
-             accepted ? 1 : 0);
+    require (
+        "the answer to a layout", host.setLayout (input.type, input.channels, output.type, output.channels), accepted);
 
     if (accepted)
     {
@@ -231,7 +230,7 @@ std::string ModelledInstance::process (Dice& dice)
     else if (routing == noRightOutput)
         outputs[1] = nullptr;
 
-    host.effect().processReplacing (&host.effect(), inputs, outputs, static_cast<Vst2::VstInt32> (frames));
+    host.process (inputs, outputs, frames);
 
     expectedBlock (b.expectedLeft, b.expectedRight);
 

@@ -1,79 +1,77 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The torture must be able to find something, and to find it again.
+#include "support/Child.h"
+#include "support/Paths.h"
+
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
 #include <string>
-#include <sys/wait.h>
+#include <utility>
+#include <vector>
 
 namespace
 {
-struct Outcome
+Outcome torture (std::vector<std::string> arguments)
 {
-    int status = -1;
-    std::string output; // of both kinds
+    return run (Call { .arguments = std::move (arguments), .program = paths::torture() });
+}
 
-    /** The line that begins so, or an empty text. */
-    std::string line (const std::string& start) const
-    {
-        const auto position = output.find (start);
-        return position == std::string::npos ? std::string()
-                                             : output.substr (position, output.find ('\n', position) - position);
-    }
+/** The line that begins so, or an empty text. */
+std::string lineOf (const Outcome& outcome, const std::string& start)
+{
+    for (const auto& line : linesOf (outcome.output))
+        if (line.starts_with (start))
+            return line;
+
+    return {};
+}
+
+class Torture : public testing::TestWithParam<int>
+{
 };
 
-Outcome torture (const std::string& arguments)
+TEST_P (Torture, FindsNothing)
 {
-    Outcome outcome;
-    const std::string command = "'" LARKSPIRE_TORTURE_PATH "' --without-windows " + arguments + " 2>&1";
-
-    if (FILE* pipe = popen (command.c_str(), "r"))
-    {
-        std::array<char, 4096> part {};
-
-        while (const auto count = std::fread (part.data(), 1, part.size(), pipe))
-            outcome.output.append (part.data(), count);
-
-        outcome.status = WEXITSTATUS (pclose (pipe));
-    }
-
-    return outcome;
+    const auto outcome = torture ({ "--seed", std::to_string (GetParam()), "--operations", "300000" });
+    EXPECT_EQ (outcome.exitStatus, 0) << outcome.output << outcome.errors;
 }
 
-TEST (Torture, DoesTheSameAgainFromTheSameSeed)
+INSTANTIATE_TEST_SUITE_P (FromSeed, Torture, testing::Range (1, 4));
+
+TEST (TortureProgram, DoesTheSameAgainFromTheSameSeed)
 {
-    const auto first = torture ("--seed 11 --operations 5000");
-    const auto second = torture ("--seed 11 --operations 5000");
-    const auto other = torture ("--seed 12 --operations 5000");
-    EXPECT_EQ (first.status, 0) << first.output;
-    EXPECT_NE (first.line ("torture: sound hash"), "");
-    EXPECT_EQ (first.line ("torture: sound hash"), second.line ("torture: sound hash"));
-    EXPECT_NE (first.line ("torture: sound hash"), other.line ("torture: sound hash"));
+    const auto first = torture ({ "--without-windows", "--seed", "11", "--operations", "5000" });
+    const auto second = torture ({ "--without-windows", "--seed", "11", "--operations", "5000" });
+    const auto other = torture ({ "--without-windows", "--seed", "12", "--operations", "5000" });
+    EXPECT_EQ (first.exitStatus, 0) << first.output;
+    EXPECT_NE (lineOf (first, "torture: sound hash"), "");
+    EXPECT_EQ (lineOf (first, "torture: sound hash"), lineOf (second, "torture: sound hash"));
+    EXPECT_NE (lineOf (first, "torture: sound hash"), lineOf (other, "torture: sound hash"));
 }
 
-TEST (Torture, FindsOutALibraryThatIsAnother)
+TEST (TortureProgram, FindsOutALibraryThatIsAnother)
 {
-    const auto outcome = torture ("--seed 3 --operations 5000 --library '" LARKSPIRE_STAND_IN_PATH "'");
-    EXPECT_EQ (outcome.status, 1) << outcome.output;
+    const auto outcome =
+        torture ({ "--without-windows", "--seed", "3", "--operations", "5000", "--library", paths::standIn() });
+    EXPECT_EQ (outcome.exitStatus, 1) << outcome.output;
     EXPECT_NE (outcome.output.find ("torture: seed 3\n"), std::string::npos);
-    EXPECT_NE (outcome.output.find ("expected"), std::string::npos) << outcome.output;
+    EXPECT_NE (outcome.errors.find ("expected"), std::string::npos) << outcome.errors;
 }
 
-TEST (Torture, NamesTheSeedOfWhateverItDoes)
+TEST (TortureProgram, NamesTheSeedOfWhateverItDoes)
 {
-    const auto first = torture ("--operations 10");
-    const auto second = torture ("--operations 10");
-    EXPECT_EQ (first.status, 0);
-    EXPECT_NE (first.line ("torture: seed "), "");
-    EXPECT_NE (first.line ("torture: seed "), second.line ("torture: seed ")) << "chance decides";
+    const auto first = torture ({ "--without-windows", "--operations", "10" });
+    const auto second = torture ({ "--without-windows", "--operations", "10" });
+    EXPECT_EQ (first.exitStatus, 0);
+    EXPECT_NE (lineOf (first, "torture: seed "), "");
+    EXPECT_NE (lineOf (first, "torture: seed "), lineOf (second, "torture: seed ")) << "chance decides";
 }
 
-TEST (Torture, WantsToKnowHowLong)
+TEST (TortureProgram, WantsToKnowHowLong)
 {
-    EXPECT_EQ (torture ("").status, 2);
-    EXPECT_EQ (torture ("--operations 10 --seconds 1").status, 2);
-    EXPECT_EQ (torture ("--operations 0").status, 2);
-    EXPECT_EQ (torture ("--library /nowhere.so --operations 10").status, 1);
+    EXPECT_EQ (torture ({ "--without-windows" }).exitStatus, 2);
+    EXPECT_EQ (torture ({ "--without-windows", "--operations", "10", "--seconds", "1" }).exitStatus, 2);
+    EXPECT_EQ (torture ({ "--without-windows", "--operations", "0" }).exitStatus, 2);
+    EXPECT_EQ (torture ({ "--without-windows", "--library", "/nowhere.so", "--operations", "10" }).exitStatus, 1);
 }
 } // namespace

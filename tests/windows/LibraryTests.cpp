@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The Windows library at work under Wine, beside the Linux library.
-#include "host/RawHost.h"
-#include "host/Signals.h"
-#include "tools/TemporaryFolder.h"
+#include "support/RawHost.h"
+#include "support/Signals.h"
+#include "support/TemporaryFolder.h"
 #include "windows/WineHost.h"
 
 #include <gmock/gmock.h>
@@ -92,7 +92,7 @@ TEST_P (WindowsSound, IsThatOfTheLinuxLibrary)
     const auto* windows = reinterpret_cast<const float*> (rendered.data());
 
     RawHost linux;
-    linux.setParameter (static_cast<float> (GetParam()) / 9.0f);
+    linux.setParameter (knobPosition (GetParam()));
     linux.start (48000.0f, 512);
 
     for (std::size_t from = 0; from < frames; from += 512)
@@ -129,13 +129,13 @@ TEST_P (WindowsState, SavedOnWindowsIsRestoredOnLinux)
     RawHost linux;
     linux.setParameter (1.0f);
     linux.dispatch (Vst2::effSetChunk, 0, static_cast<Vst2::VstIntPtr> (state.size()), state.data());
-    EXPECT_NEAR (linux.getParameter(), static_cast<float> (GetParam()) / 9.0f, 5e-5f);
+    EXPECT_NEAR (linux.getParameter(), knobPosition (GetParam()), 5e-5f);
 }
 
 TEST_P (WindowsState, SavedOnLinuxIsRestoredOnWindows)
 {
     RawHost linux;
-    linux.setParameter (static_cast<float> (GetParam()) / 9.0f);
+    linux.setParameter (knobPosition (GetParam()));
     void* data = nullptr;
     const auto size = linux.dispatch (Vst2::effGetChunk, 0, 0, &data);
     const std::string saved (static_cast<const char*> (data), static_cast<std::size_t> (size));
@@ -143,7 +143,7 @@ TEST_P (WindowsState, SavedOnLinuxIsRestoredOnWindows)
     const TemporaryFolder folder;
     writeFile (folder / "state", saved);
     const auto report = WineHost::run ("restore", { folder / "state", folder / "again" });
-    EXPECT_NEAR (std::stof (report["parameter"]), static_cast<float> (GetParam()) / 9.0f, 5e-5f);
+    EXPECT_NEAR (std::stof (report["parameter"]), knobPosition (GetParam()), 5e-5f);
     EXPECT_EQ (attribute (readFile (folder / "again"), "mode"), attribute (saved, "mode"));
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // What somebody reads who sets the cross-build up by hand and lacks something.
-#include "tools/TemporaryFolder.h"
+#include "support/Paths.h"
+#include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,13 +20,13 @@ protected:
         std::ofstream (folder / "CMakeLists.txt") << "cmake_minimum_required (VERSION 3.25)\nproject (Nothing)\n";
         std::filesystem::create_directories (folder / "deps/mingw/share/mingw-w64/include");
         std::filesystem::create_directories (folder / "bin");
-        std::filesystem::create_symlink (LARKSPIRE_CMAKE, folder / "bin/cmake");
+        std::filesystem::create_symlink (paths::cmake(), folder / "bin/cmake");
     }
 
     /** What configuring with the toolchain file prints, which must fail. */
     std::string complaint (const std::string& environment)
     {
-        const auto command = environment + " '" LARKSPIRE_CMAKE "' -S '" + folder.path().string() + "' -B '"
+        const auto command = environment + " '" + paths::cmake() + "' -S '" + folder.path().string() + "' -B '"
                              + (folder / "build") + "' -DCMAKE_TOOLCHAIN_FILE='" LARKSPIRE_TOOLCHAIN
                              + "' -DLARKSPIRE_WINDOWS_DEPS='" + (folder / "deps") + "' 2>&1";
         std::string output;

@@ -70,14 +70,14 @@ Table measureAir (const Subject& subject)
     endings.reserve (levels.size() + 1);
 
     for (const auto level : levels)
-        endings.push_back ("at_" + written (level, 0) + "_db");
+        endings.push_back ("at_" + fixed (level, 0) + "_db");
 
-    endings.push_back ("library_at_" + written (levelOfLibrary, 0) + "_db");
+    endings.push_back ("library_at_" + fixed (levelOfLibrary, 0) + "_db");
     Table table { .name = "air", .keyColumn = "frequency_hz", .columns = columnsForModes (endings) };
     const auto frequencies = frequenciesFrom (500.0);
     std::vector<std::vector<double>> rows (frequencies.size());
 
-    for (const auto& mode : knob)
+    for (const auto& mode : voiceModes)
     {
         for (const auto level : levels)
         {
@@ -98,7 +98,7 @@ Table measureAir (const Subject& subject)
     }
 
     for (std::size_t i = 0; i < frequencies.size(); ++i)
-        table.add (written (frequencies[i], 2), std::move (rows[i]));
+        table.add (fixed (frequencies[i], 2), std::move (rows[i]));
 
     return table;
 }
@@ -113,7 +113,7 @@ Table measureAirUnderVoice (const Subject& subject)
     const std::array vowelLevels { -36.0, -24.0, -18.0, -12.0, -6.0, 0.0 };
     std::vector<std::vector<double>> rows (vowelLevels.size());
 
-    for (const auto& mode : knob)
+    for (const auto& mode : voiceModes)
     {
         // The vowel's own gain shows where the leveller stands, once the filters' share in it is known.
         const auto atRest = restingGains (subject, mode, usualRate, { referenceFrequency, vowel });
@@ -134,7 +134,7 @@ Table measureAirUnderVoice (const Subject& subject)
     }
 
     for (std::size_t i = 0; i < vowelLevels.size(); ++i)
-        table.add (written (vowelLevels[i], 0), std::move (rows[i]));
+        table.add (fixed (vowelLevels[i], 0), std::move (rows[i]));
 
     return table;
 }

@@ -18,7 +18,7 @@ constexpr std::array rates { "44100", "48000", "96000" };
 /** A number with a proper minus sign. */
 std::string number (double value, int digits)
 {
-    auto text = written (value, digits);
+    auto text = fixed (value, digits);
 
     if (text.starts_with ('-'))
         text.replace (0, 1, "−");
@@ -66,7 +66,7 @@ std::string lineForModes (const std::string& what, Cell cell)
 {
     std::vector<std::string> cells { what };
 
-    for (const auto& mode : knob)
+    for (const auto& mode : voiceModes)
         cells.push_back (cell (mode));
 
     return line (cells);
@@ -79,7 +79,7 @@ double crossing (const std::vector<double>& x, const std::vector<double>& y, dou
         if ((y[i - 1] < value) != (y[i] < value))
             return x[i - 1] + (x[i] - x[i - 1]) * (value - y[i - 1]) / (y[i] - y[i - 1]);
 
-    throw std::runtime_error ("a curve does not cross " + written (value, 1));
+    throw std::runtime_error ("a curve does not cross " + fixed (value, 1));
 }
 
 /** The key of the row at whose end a column rises most from one row to the next. */
@@ -201,7 +201,7 @@ std::string timesTable (const Tables& tables)
     auto text = heading ({ "90 % of the way in dB", "Samples", "44.1 kHz", "48 kHz", "96 kHz" });
 
     for (const auto& row : times.rows)
-        for (const auto& mode : knob)
+        for (const auto& mode : voiceModes)
         {
             std::vector<std::string> cells { row.key + ", " + title (mode) };
             cells.push_back (number (times.at (row.key, mode.column ("48000_frames")), 0));

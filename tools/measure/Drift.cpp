@@ -31,7 +31,7 @@ double distance (std::string_view column, double committed, double measured)
 
 std::string shown (std::string_view column, double value)
 {
-    return std::isnan (value) ? "nothing" : written (value, digitsOf (column));
+    return std::isnan (value) ? "nothing" : fixed (value, digitsOf (column));
 }
 
 /** The drift of one column as a line, or nothing. */
@@ -62,7 +62,7 @@ std::string driftOf (std::size_t column, const Table& committed, const Table& me
     return committed.name + ": " + name + " has drifted in " + std::to_string (drifted) + " of "
            + std::to_string (committed.rows.size()) + " rows, most at " + committed.keyColumn + " " + row.key + ": was "
            + shown (name, was) + ", is " + shown (name, measured.rows[worst].values[column]) + ", tolerance "
-           + written (toleranceOf (name, std::isnan (was) ? 0.0 : was), 4) + "\n";
+           + fixed (toleranceOf (name, std::isnan (was) ? 0.0 : was), 4) + "\n";
 }
 } // namespace
 

@@ -52,14 +52,14 @@ Table measureFilters (const Subject&)
     {
         std::vector<double> values;
 
-        for (const auto& mode : knob)
+        for (const auto& mode : voiceModes)
         {
             values.push_back (curveOf (designHighPass (usualRate, mode.settings().highPass), frequency));
             values.push_back (curveOf (designedPeak (mode.settings().body), frequency));
             values.push_back (curveOf (designedPeak (mode.settings().air), frequency));
         }
 
-        table.add (written (frequency, 2), std::move (values));
+        table.add (fixed (frequency, 2), std::move (values));
     }
 
     return table;

@@ -11,7 +11,7 @@ namespace
 constexpr int blockSize = 4096;
 } // namespace
 
-Instance::Instance (const render::PluginLibrary& library, render::Mode mode, int sampleRate, int numChannels)
+Instance::Instance (const PluginLibrary& library, KnobMode mode, int sampleRate, int numChannels)
     : channels (numChannels),
       plugin (library,
               { .mode = mode, .shape = { .channels = numChannels, .sampleRate = sampleRate }, .blockSize = blockSize })

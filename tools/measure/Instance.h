@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "render/HostedPlugin.h"
+#include "host/HostedPlugin.h"
 
 #include <cstddef>
 #include <span>
@@ -14,7 +14,7 @@ namespace larkspire::measure
 class Instance
 {
 public:
-    Instance (const render::PluginLibrary& library, render::Mode mode, int sampleRate, int channels = 1);
+    Instance (const PluginLibrary& library, KnobMode mode, int sampleRate, int channels = 1);
 
     /** What comes out for a signal of any length, channels interleaved, linear full scale 1.0. The instance goes on
        from where it stood. */
@@ -25,7 +25,7 @@ public:
 
 private:
     int channels;
-    render::HostedPlugin plugin;
+    HostedPlugin plugin;
 };
 
 } // namespace larkspire::measure

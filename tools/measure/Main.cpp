@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // larkspire-measure: measures the built library as a host and writes what it finds: a file a measurement, and the
 // tables of a document.
+#include "audio/AudioInput.h"
+#include "base/Failure.h"
 #include "measure/Document.h"
 #include "measure/Measurements.h"
-#include "render/AudioInput.h"
-#include "render/Failure.h"
 
 #include <cstdio>
 #include <exception>
@@ -23,7 +23,7 @@ std::string textOf (const std::filesystem::path& path)
     std::string text { std::istreambuf_iterator<char> (file), {} };
 
     if (! file)
-        throw render::Failure (path, "cannot be read");
+        throw Failure (path, "cannot be read");
 
     return text;
 }
@@ -40,7 +40,7 @@ void write (const std::filesystem::path& path, const std::string& text)
     if (! file)
     {
         std::filesystem::remove (unfinished);
-        throw render::Failure (path, "cannot be written");
+        throw Failure (path, "cannot be written");
     }
 
     std::filesystem::rename (unfinished, path);
@@ -52,8 +52,9 @@ void run (const std::filesystem::path& libraryPath,
           const std::filesystem::path& document)
 {
     const auto text = textOf (document);
-    const render::PluginLibrary library (libraryPath);
-    const render::AudioInput recording (voice); // it is measured last, and a wrong name should not cost the time before
+    const PluginLibrary library (libraryPath);
+    library.check();
+    const AudioInput recording (voice); // it is measured last, and a wrong name should not cost the time before
     const Subject subject { .library = library, .voice = voice };
     Tables tables;
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include "host/PluginLibrary.h"
 #include "measure/Table.h"
-#include "render/PluginLibrary.h"
 
 #include <filesystem>
 #include <span>
@@ -14,7 +14,7 @@ namespace larkspire::measure
 /** What is measured. */
 struct Subject
 {
-    const render::PluginLibrary& library;
+    const PluginLibrary& library;
     std::filesystem::path voice; // a recording of speech with one channel
 };
 

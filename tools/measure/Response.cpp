@@ -23,7 +23,7 @@ Table measureResponse (const Subject& subject)
     frequencies.insert (frequencies.begin(), referenceFrequency);
     std::vector<std::vector<double>> lists;
 
-    for (const auto& mode : knob)
+    for (const auto& mode : voiceModes)
         for (const int rate : { 44100, 48000, 96000 })
         {
             auto& gains = lists.emplace_back (restingGains (subject, mode, rate, frequencies));
@@ -33,7 +33,7 @@ Table measureResponse (const Subject& subject)
         }
 
     for (std::size_t row = 1; row < frequencies.size(); ++row)
-        table.addAcross (written (frequencies[row], 2), lists, row);
+        table.addAcross (fixed (frequencies[row], 2), lists, row);
 
     return table;
 }

@@ -43,7 +43,7 @@ Table measureSoftClip (const Subject&)
     for (int i = -50; i <= 50; ++i)
     {
         const double w = 0.05 * i;
-        table.add (written (w, 2), { static_cast<double> (clipped (static_cast<float> (w))) });
+        table.add (fixed (w, 2), { static_cast<double> (clipped (static_cast<float> (w))) });
     }
 
     return table;
@@ -57,7 +57,7 @@ Table measureHarmonics (const Subject&)
     {
         const double decibels = -30.0 + 0.5 * step;
         const auto harmonics = softClipHarmonics (fromDecibels (decibels));
-        table.add (written (decibels, 1), { harmonics.third, harmonics.fifth, harmonics.seventh });
+        table.add (fixed (decibels, 1), { harmonics.third, harmonics.fifth, harmonics.seventh });
     }
 
     return table;

@@ -83,14 +83,14 @@ Table measureStaticLevel (const Subject& subject)
                   .columns = columnsForModes ({ "rising_dbfs", "falling_dbfs" }) };
     std::vector<std::vector<double>> lists;
 
-    for (const auto& mode : knob)
+    for (const auto& mode : voiceModes)
     {
         lists.push_back (risingLevels (subject, mode));
         lists.push_back (fallingLevels (subject, mode));
     }
 
     for (std::size_t row = 0; row <= steps; ++row)
-        table.addAcross (written (inputAt (static_cast<int> (row)), 1), lists, row);
+        table.addAcross (fixed (inputAt (static_cast<int> (row)), 1), lists, row);
 
     return table;
 }
@@ -107,7 +107,7 @@ Table measurePlateau (const Subject& subject)
                                "clip_alone_third_db",
                                "clip_alone_fifth_db" } };
 
-    for (const auto& mode : knob)
+    for (const auto& mode : voiceModes)
     {
         Instance instance (subject.library, mode.position, rate);
         Tone tone (frequency);

@@ -107,19 +107,19 @@ Table measureImage (const Subject& subject)
     for (int difference = largestDifference; difference >= 0; --difference)
         inputs.push_back (difference);
 
-    const auto& medium = knob[1];
+    const auto& medium = voiceModes[1];
     Instance atRest (subject.library, medium.position, rate, 2);
     atRest.rest (medium.framesToRest());
     std::vector<std::vector<double>> lists { differences (atRest, inputs, restLevel, rate / 10) };
 
-    for (const auto& mode : knob)
+    for (const auto& mode : voiceModes)
     {
         Instance instance (subject.library, mode.position, rate, 2);
         lists.push_back (differences (instance, inputs, speakingLevel, rate));
     }
 
     for (std::size_t row = 0; row < inputs.size(); ++row)
-        table.addAcross (std::isinf (inputs[row]) ? "left only" : written (inputs[row], 0), lists, row);
+        table.addAcross (std::isinf (inputs[row]) ? "left only" : fixed (inputs[row], 0), lists, row);
 
     return table;
 }
@@ -130,7 +130,7 @@ Table measureImageOverTime (const Subject& subject)
     Table table { .name = "image-over-time", .keyColumn = "time_ms", .columns = columnsForModes ({ "db" }) };
     std::vector<std::vector<double>> rows (shown);
 
-    for (const auto& mode : knob)
+    for (const auto& mode : voiceModes)
     {
         Instance instance (subject.library, mode.position, rate, 2);
         instance.rest (mode.framesToRest());
@@ -153,7 +153,7 @@ Table measureImageOverTime (const Subject& subject)
 
     // Half a millisecond past the whole one is the middle of the period.
     for (std::size_t i = 0; i < shown; ++i)
-        table.add (written (static_cast<double> (i) + 0.5, 1), std::move (rows[i]));
+        table.add (fixed (static_cast<double> (i) + 0.5, 1), std::move (rows[i]));
 
     return table;
 }

@@ -117,7 +117,7 @@ std::vector<double> Table::keys() const
     return values;
 }
 
-std::string written (double value, int digits)
+std::string fixed (double value, int digits)
 {
     std::array<char, 64> text {};
     const auto result = std::to_chars (text.data(), text.data() + text.size(), value, std::chars_format::fixed, digits);
@@ -155,7 +155,7 @@ std::string toCsv (const Table& table)
             text += ',';
 
             if (! std::isnan (row.values[i]))
-                text += written (row.values[i], digitsOf (table.columns[i]));
+                text += fixed (row.values[i], digitsOf (table.columns[i]));
         }
 
         text += '\n';

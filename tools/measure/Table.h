@@ -49,7 +49,7 @@ struct Table
 };
 
 /** A number with so many digits behind the point, and no sign on a zero. */
-std::string written (double value, int digits);
+std::string fixed (double value, int digits);
 
 /** How many digits behind the point a column is written with. */
 int digitsOf (std::string_view column);

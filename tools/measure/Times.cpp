@@ -137,7 +137,7 @@ Table measureTimes (const Subject& subject)
                   .columns = columnsForModes ({ "44100_frames", "48000_frames", "96000_frames" }) };
     std::vector<Times> all;
 
-    for (const auto& mode : knob)
+    for (const auto& mode : voiceModes)
         for (const int rate : { 44100, 48000, 96000 })
             all.push_back (timesAt (subject, mode, rate));
 
@@ -168,10 +168,10 @@ Table measureOpening (const Subject& subject)
     for (int level = highestOfLibrary; level >= lowest; level -= 2)
         levels.push_back (level);
 
-    std::array<std::vector<double>, knob.size()> ofLibrary;
+    std::array<std::vector<double>, voiceModes.size()> ofLibrary;
 
-    for (std::size_t i = 0; i < knob.size(); ++i)
-        ofLibrary[i] = openingsOfLibrary (subject, knob[i], levels);
+    for (std::size_t i = 0; i < voiceModes.size(); ++i)
+        ofLibrary[i] = openingsOfLibrary (subject, voiceModes[i], levels);
 
     for (int level = highest; level >= lowest; --level)
     {
@@ -179,13 +179,13 @@ Table measureOpening (const Subject& subject)
         const bool isMeasured = level <= highestOfLibrary && (highestOfLibrary - level) % 2 == 0;
         const auto index = isMeasured ? static_cast<std::size_t> ((highestOfLibrary - level) / 2) : 0;
 
-        for (std::size_t i = 0; i < knob.size(); ++i)
+        for (std::size_t i = 0; i < voiceModes.size(); ++i)
         {
-            values.push_back (openingOfStage (knob[i], level));
+            values.push_back (openingOfStage (voiceModes[i], level));
             values.push_back (isMeasured ? ofLibrary[i][index] : std::numeric_limits<double>::quiet_NaN());
         }
 
-        table.add (written (level, 0), std::move (values));
+        table.add (fixed (level, 0), std::move (values));
     }
 
     return table;
@@ -199,7 +199,7 @@ Table measureSteps (const Subject& subject)
     table.columns.insert (table.columns.begin(), "input_dbfs");
     std::vector<std::vector<double>> lists;
 
-    for (const auto& mode : knob)
+    for (const auto& mode : voiceModes)
     {
         Instance instance (subject.library, mode.position, 48000);
         instance.rest (mode.framesToRest());
@@ -233,7 +233,7 @@ Table measureSteps (const Subject& subject)
         if (time < -50.0 || (time > 60.0 && row % 5 != 0))
             continue;
 
-        table.addAcross (written (time, 1), lists, row);
+        table.addAcross (fixed (time, 1), lists, row);
     }
 
     return table;

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // A real voice before and after, of the built library.
+#include "audio/AudioInput.h"
+#include "base/Failure.h"
 #include "measure/Instance.h"
 #include "measure/Measurements.h"
 #include "measure/Tone.h"
 #include "measure/VoiceModes.h"
-#include "render/AudioInput.h"
-#include "render/Failure.h"
 
 #include <algorithm>
 #include <array>
@@ -27,10 +27,10 @@ struct Voices
 
 Voices voicesOf (const Subject& subject)
 {
-    render::AudioInput file (subject.voice);
+    AudioInput file (subject.voice);
 
     if (file.shape().channels != 1)
-        throw render::Failure (subject.voice, "has more than one channel");
+        throw Failure (subject.voice, "has more than one channel");
 
     Voices voices { .rate = file.shape().sampleRate, .versions = { {} } };
     auto& recording = voices.versions.front();
@@ -39,7 +39,7 @@ Voices voicesOf (const Subject& subject)
     while (const auto count = file.read (part))
         recording.insert (recording.end(), part.begin(), part.begin() + static_cast<std::ptrdiff_t> (count));
 
-    for (const auto& mode : knob)
+    for (const auto& mode : voiceModes)
         voices.versions.push_back (
             Instance (subject.library, mode.position, voices.rate).process (voices.versions.front()));
 
@@ -55,7 +55,7 @@ std::span<const float> stretch (const std::vector<float>& version, std::size_t f
 std::vector<std::string> columnsWithInput (const std::vector<std::string>& endings)
 {
     std::vector<std::string> columns;
-    columns.reserve (endings.size() * (knob.size() + 1));
+    columns.reserve (endings.size() * (voiceModes.size() + 1));
 
     for (const auto& ending : endings)
         columns.push_back ("input_" + ending);
@@ -100,7 +100,7 @@ Table measureVoiceLevel (const Subject& subject)
         lists.push_back (levelsOf (version, voices.rate));
 
     for (std::size_t row = 0; row < lists.front().size(); ++row)
-        table.addAcross (written (static_cast<double> (row) * levelHop + 0.5 * levelWindow, 3), lists, row);
+        table.addAcross (fixed (static_cast<double> (row) * levelHop + 0.5 * levelWindow, 3), lists, row);
 
     return table;
 }
@@ -124,7 +124,7 @@ Table measureVoiceWave (const Subject& subject)
             values.push_back (static_cast<double> (*high));
         }
 
-        table.add (written (static_cast<double> (from) / voices.rate, 2), std::move (values));
+        table.add (fixed (static_cast<double> (from) / voices.rate, 2), std::move (values));
     }
 
     return table;
@@ -149,7 +149,7 @@ Table measureVoiceSummary (const Subject& subject)
             if (input[row] > speechAbove)
                 speech.push_back (levels[row]);
 
-        table.add (i == 0 ? "input" : std::string (knob[i - 1].name),
+        table.add (i == 0 ? "input" : std::string (voiceModes[i - 1].name),
                    { toDecibels (peakOf (voices.versions[i])),
                      percentile (speech, 0.5),
                      percentile (speech, 0.1),

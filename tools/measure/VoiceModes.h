@@ -2,7 +2,7 @@
 #pragma once
 
 #include "chain/ModeTable.h"
-#include "render/HostedPlugin.h"
+#include "host/HostedPlugin.h"
 
 #include <array>
 #include <cmath>
@@ -17,11 +17,11 @@ namespace larkspire::measure
 /** A position of the knob that does something, and what its columns begin with. */
 struct VoiceMode
 {
-    render::Mode position;
+    KnobMode position;
     std::string_view name;
 
     /** What the chain's own table says of it. */
-    const larkspire::Mode& settings() const { return modeForIndex (static_cast<int> (position)); }
+    const larkspire::ModeRow& settings() const { return modeForIndex (static_cast<int> (position)); }
 
     std::string column (std::string_view end) const { return std::string (name).append (1, '_').append (end); }
 
@@ -35,8 +35,8 @@ struct VoiceMode
     }
 };
 
-inline constexpr std::array<VoiceMode, 3> knob {
-    { { render::Mode::gentle, "gentle" }, { render::Mode::medium, "medium" }, { render::Mode::powerful, "powerful" } }
+inline constexpr std::array<VoiceMode, 3> voiceModes {
+    { { KnobMode::gentle, "gentle" }, { KnobMode::medium, "medium" }, { KnobMode::powerful, "powerful" } }
 };
 
 /** One column a mode and ending: all endings of the first mode, then those of the second. */
@@ -44,7 +44,7 @@ inline std::vector<std::string> columnsForModes (const std::vector<std::string>&
 {
     std::vector<std::string> columns;
 
-    for (const auto& mode : knob)
+    for (const auto& mode : voiceModes)
         for (const auto& ending : endings)
             columns.push_back (mode.column (ending));
 

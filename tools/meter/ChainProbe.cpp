@@ -29,7 +29,7 @@ class ChannelGains
 {
 public:
     /** @param running  the running gains, which are applied in the mode's range */
-    void add (ChannelPair running, const RiderSettings& settings, std::size_t channels, Course& course)
+    void add (ChannelPair running, const RiderSettings& settings, std::size_t channels, TimeCourse& course)
     {
         std::array<double, 2> gains {};
 
@@ -57,7 +57,7 @@ private:
 
 struct ChainProbe::Chain
 {
-    Chain (int modeIndex, const render::AudioShape& shape)
+    Chain (int modeIndex, const AudioShape& shape)
         : mode (modeForIndex (modeIndex)),
           channels (static_cast<std::size_t> (shape.channels))
     {
@@ -66,7 +66,7 @@ struct ChainProbe::Chain
     }
 
     /** Processes frames in place and adds what can be read on the way. */
-    void process (std::span<StereoSample> frames, Course& expanderOverTime, Course& levellerOverTime)
+    void process (std::span<StereoSample> frames, TimeCourse& expanderOverTime, TimeCourse& levellerOverTime)
     {
         runPasses (records.chain(),
                    frames,
@@ -96,7 +96,7 @@ struct ChainProbe::Chain
                               / sumsOfSquares[static_cast<std::size_t> (ahead)]);
     }
 
-    larkspire::Mode mode;
+    larkspire::ModeRow mode;
     std::size_t channels;
     VoiceRecords records;
     ChannelGains expanderGains;
@@ -104,8 +104,7 @@ struct ChainProbe::Chain
     std::array<double, pointCount> sumsOfSquares {};
 };
 
-ChainProbe::ChainProbe (int modeIndex, const render::AudioShape& shape)
-    : channels (static_cast<std::size_t> (shape.channels))
+ChainProbe::ChainProbe (int modeIndex, const AudioShape& shape) : channels (static_cast<std::size_t> (shape.channels))
 {
     if (modeIndex != 0)
         chain = std::make_unique<Chain> (modeIndex, shape);

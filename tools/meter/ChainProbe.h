@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "meter/Course.h"
+#include "audio/AudioShape.h"
 #include "meter/StageGains.h"
-#include "render/AudioShape.h"
+#include "meter/TimeCourse.h"
 
 #include <memory>
 #include <span>
@@ -21,7 +21,7 @@ class ChainProbe
 {
 public:
     /** @param modeIndex  1 to 3, a row of the mode table; with 0, "bypass", no stage runs and there are no gains */
-    ChainProbe (int modeIndex, const render::AudioShape& shape);
+    ChainProbe (int modeIndex, const AudioShape& shape);
     ~ChainProbe();
 
     ChainProbe (const ChainProbe&) = delete;
@@ -42,16 +42,16 @@ public:
 
     /** The applied gains over time, linear; of two channels the geometric mean, which is the mean in dB. The leveller's
         is without the make-up. */
-    const Course& expanderGain() const noexcept { return expanderCourse; }
-    const Course& levellerGain() const noexcept { return levellerCourse; }
+    const TimeCourse& expanderGain() const noexcept { return expanderCourse; }
+    const TimeCourse& levellerGain() const noexcept { return levellerCourse; }
 
 private:
     struct Chain;
 
     std::size_t channels;
     std::unique_ptr<Chain> chain;
-    Course expanderCourse;
-    Course levellerCourse;
+    TimeCourse expanderCourse;
+    TimeCourse levellerCourse;
     bool equal = true;
 };
 

@@ -12,7 +12,7 @@ namespace larkspire::meter
 
 struct LoudnessMeter::Library
 {
-    explicit Library (const render::AudioShape& shape)
+    explicit Library (const AudioShape& shape)
         : state (ebur128_init (static_cast<unsigned> (shape.channels),
                                static_cast<unsigned long> (shape.sampleRate),
                                EBUR128_MODE_I | EBUR128_MODE_LRA | EBUR128_MODE_TRUE_PEAK))
@@ -43,7 +43,7 @@ std::int64_t framesIn (double seconds, int sampleRate)
 }
 } // namespace
 
-LoudnessMeter::LoudnessMeter (const render::AudioShape& shape)
+LoudnessMeter::LoudnessMeter (const AudioShape& shape)
     : channels (shape.channels),
       sampleRate (shape.sampleRate),
       library (std::make_unique<Library> (shape)),

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include "audio/AudioShape.h"
 #include "meter/Decibels.h"
-#include "render/AudioShape.h"
 
 #include <cstdint>
 #include <memory>
@@ -19,7 +19,7 @@ namespace larkspire::meter
 class LoudnessMeter
 {
 public:
-    explicit LoudnessMeter (const render::AudioShape& shape);
+    explicit LoudnessMeter (const AudioShape& shape);
     ~LoudnessMeter();
 
     LoudnessMeter (const LoudnessMeter&) = delete;

@@ -7,7 +7,7 @@
 namespace larkspire::meter
 {
 
-NoiseMeter::NoiseMeter (const render::AudioShape& shape)
+NoiseMeter::NoiseMeter (const AudioShape& shape)
     : samplesPerWindow (static_cast<std::size_t> (shape.channels)
                         * static_cast<std::size_t> (std::max (1L, std::lround (windowSeconds * shape.sampleRate))))
 {

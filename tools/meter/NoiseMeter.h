@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include "audio/AudioShape.h"
 #include "meter/Decibels.h"
-#include "render/AudioShape.h"
 
 #include <cstddef>
 #include <span>
@@ -28,7 +28,7 @@ public:
     static constexpr double windowSeconds = 0.05;
     static constexpr double share = 0.1;
 
-    explicit NoiseMeter (const render::AudioShape& shape);
+    explicit NoiseMeter (const AudioShape& shape);
 
     /** Takes whole frames, channels interleaved, linear full scale 1.0. */
     void add (std::span<const float> interleaved);

@@ -7,7 +7,7 @@
 namespace larkspire::meter
 {
 
-SoundMeter::SoundMeter (const render::AudioShape& shape)
+SoundMeter::SoundMeter (const AudioShape& shape)
     : channels (static_cast<std::size_t> (shape.channels)),
       loudnessMeter (shape),
       noiseMeter (shape)

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "meter/Course.h"
 #include "meter/LoudnessMeter.h"
 #include "meter/NoiseMeter.h"
 #include "meter/SoundFigures.h"
+#include "meter/TimeCourse.h"
 
 #include <span>
 
@@ -15,7 +15,7 @@ namespace larkspire::meter
 class SoundMeter
 {
 public:
-    explicit SoundMeter (const render::AudioShape& shape);
+    explicit SoundMeter (const AudioShape& shape);
 
     /** Takes whole frames, channels interleaved, linear full scale 1.0. A sample that is no number, or infinite, counts
         as silence, and takes the figures away: such a sound has none. */
@@ -25,14 +25,14 @@ public:
     SoundFigures figures (const SoundMeter& recording) const;
 
     /** The samples themselves, all channels in one. */
-    const Course& waveform() const noexcept { return waveformCourse; }
+    const TimeCourse& waveform() const noexcept { return waveformCourse; }
     const LoudnessMeter& loudness() const noexcept { return loudnessMeter; }
 
 private:
     std::size_t channels;
     LoudnessMeter loudnessMeter;
     NoiseMeter noiseMeter;
-    Course waveformCourse;
+    TimeCourse waveformCourse;
     std::vector<float> numbers;
     bool allNumbers = true;
 };

@@ -12,7 +12,7 @@ namespace
 // dB; a gain of one shall be a line of its own and not one with the frame.
 constexpr double highestGain = 2.0;
 
-double peakOf (const meter::Course& waveform)
+double peakOf (const meter::TimeCourse& waveform)
 {
     double peak = 0.0;
 
@@ -23,7 +23,7 @@ double peakOf (const meter::Course& waveform)
 }
 
 /** The loudest momentary loudness on either side, or the value given where there is none. */
-double loudest (const meter::Measurement& measurement, double otherwise)
+double loudest (const meter::Listening& measurement, double otherwise)
 {
     auto highest = otherwise;
     bool found = false;
@@ -39,7 +39,7 @@ double loudest (const meter::Measurement& measurement, double otherwise)
     return highest;
 }
 
-double lowestGain (const meter::Measurement& measurement)
+double lowestGain (const meter::Listening& measurement)
 {
     double lowest = 1.0;
 
@@ -69,7 +69,7 @@ Axis upright (double lowest, double highest, Rows rows)
 }
 } // namespace
 
-Axes axesFor (const meter::Measurement& measurement)
+Axes axesFor (const meter::Listening& measurement)
 {
     const auto seconds = measurement.frames > 0 ? measurement.seconds() : 1.0;
     const auto peak = std::max (peakOf (measurement.before.waveform()), peakOf (measurement.after.waveform()));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "meter/Measurement.h"
+#include "meter/Listening.h"
 #include "plot/Axis.h"
 
 namespace larkspire::plot
@@ -38,6 +38,6 @@ struct Axes
 /** The scales for a sound. Times go from 0 to its end (of no sound: 1 s). Waveforms have the round number above the
     larger peak of the two, 0.1 at least; loudness goes from -60 to 0 LUFS and gains from -20 to 2 dB, in tens further
     where the sound does. So pictures of one recording in several modes can be laid side by side. */
-Axes axesFor (const meter::Measurement& measurement);
+Axes axesFor (const meter::Listening& measurement);
 
 } // namespace larkspire::plot

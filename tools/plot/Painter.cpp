@@ -16,8 +16,8 @@ namespace larkspire::plot
 
 namespace
 {
-using meter::Course;
-using meter::Measurement;
+using meter::Listening;
+using meter::TimeCourse;
 
 // Dark enough for white paper, and told apart by eyes that do not see red and green alike.
 const juce::Colour ink (0xff222222);
@@ -65,7 +65,7 @@ public:
         graphics.fillAll (juce::Colours::white);
     }
 
-    void drawTitle (const Title& title, const Measurement& measurement)
+    void drawTitle (const Title& title, const Listening& measurement)
     {
         const auto& shape = measurement.shape;
         const auto facts = utf8 (secondsText (measurement.seconds())) + " s, " + juce::String (shape.sampleRate)
@@ -189,8 +189,8 @@ public:
     void drawWaveform (Rows rows,
                        const Axes& axes,
                        const Axis& values,
-                       const Measurement& measurement,
-                       const Course& course,
+                       const Listening& measurement,
+                       const TimeCourse& course,
                        juce::Colour colour)
     {
         const juce::Graphics::ScopedSaveState saved (graphics);
@@ -309,7 +309,7 @@ std::vector<juce::Point<double>> loudnessPoints (const Axes& axes, const std::ve
 }
 
 /** A gain in dB as points, one for each column at most. */
-std::vector<juce::Point<double>> gainPoints (const Axes& axes, const Measurement& measurement, const Course& course)
+std::vector<juce::Point<double>> gainPoints (const Axes& axes, const Listening& measurement, const TimeCourse& course)
 {
     std::vector<juce::Point<double>> points;
     const auto secondsPerBin = double (course.samplesPerBin()) / measurement.shape.sampleRate;
@@ -344,9 +344,9 @@ void drawWaveformPanel (Sheet& sheet,
                         Rows rows,
                         const Axes& axes,
                         const Axis& values,
-                        const Measurement& measurement,
+                        const Listening& measurement,
                         const Entry& waveform,
-                        const Course& course)
+                        const TimeCourse& course)
 {
     sheet.drawPanel (rows, axes.time, values, ticksEvery (values.last / 2, values));
     sheet.drawWaveform (rows, axes, values, measurement, course, waveform.colour);
@@ -359,7 +359,7 @@ juce::String withLoudness (const juce::String& side, const meter::Figure& integr
     return integrated ? side + ", " + utf8 (numberText (*integrated, 1)) + " LUFS integrated" : side;
 }
 
-void drawLoudness (Sheet& sheet, const Axes& axes, const Measurement& measurement)
+void drawLoudness (Sheet& sheet, const Axes& axes, const Listening& measurement)
 {
     const auto analysis = measurement.analysis();
     const auto shortTerm = meter::LoudnessMeter::shortTermSeconds;
@@ -399,7 +399,7 @@ void drawLoudness (Sheet& sheet, const Axes& axes, const Measurement& measuremen
         sheet.drawNote (loudnessRows, "no loudness: silence, or shorter than 0.4 s");
 }
 
-void drawGains (Sheet& sheet, const Axes& axes, const Measurement& measurement)
+void drawGains (Sheet& sheet, const Axes& axes, const Listening& measurement)
 {
     sheet.drawPanel (gainRows, axes.time, axes.gain, ticksEvery (axes.gain.first < -30.0 ? 10.0 : 5.0, axes.gain));
     std::vector<Entry> legend;
@@ -432,7 +432,7 @@ struct FreeAtEnd
 };
 } // namespace
 
-std::vector<char> paintPng (const Measurement& measurement, const Title& title)
+std::vector<char> paintPng (const Listening& measurement, const Title& title)
 {
     // The framework keeps its typefaces in one place for the whole program.
     static std::mutex oneAtATime;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "meter/Measurement.h"
+#include "meter/Listening.h"
 
 #include <string>
 #include <vector>
@@ -19,8 +19,8 @@ struct Title
 /** Draws a rendering and gives the bytes of a PNG file: waveforms before and after, loudness before and after, and the
     gains of expander and leveller, one above the other on one time axis; the scales are those of axesFor.
 
-    It needs neither a window nor a display. Any thread. Throws render::Failure where no font is installed.
+    It needs neither a window nor a display. Any thread. Throws Failure where no font is installed.
 */
-std::vector<char> paintPng (const meter::Measurement& measurement, const Title& title);
+std::vector<char> paintPng (const meter::Listening& measurement, const Title& title);
 
 } // namespace larkspire::plot

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "plot/Typefaces.h"
 
-#include "render/Failure.h"
+#include "base/Failure.h"
 
 namespace larkspire::plot
 {
@@ -12,7 +12,7 @@ Typefaces::Typefaces()
     const auto names = juce::Font::findAllTypefaceNames();
 
     if (names.isEmpty())
-        throw render::Failure ("picture", "has words, and no font is installed; install the package fonts-liberation2");
+        throw Failure ("picture", "has words, and no font is installed; install the package fonts-liberation2");
 
     family = names.contains (preferred) ? preferred : juce::Font::getDefaultSansSerifFontName();
 }

@@ -15,7 +15,7 @@ namespace larkspire::plot
 class Typefaces
 {
 public:
-    /** Throws render::Failure where no font is installed. */
+    /** Throws Failure where no font is installed. */
     Typefaces();
 
     /** @param height  in pixels, from the highest to the lowest letter */

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "Announcer.h"
+#include "render/Announcer.h"
 
-#include "Failure.h"
-#include "ReportDocument.h"
-#include "ReportTable.h"
+#include "base/Failure.h"
+#include "render/ReportDocument.h"
+#include "render/ReportTable.h"
 
 #include <cstdio>
 #include <span>
@@ -60,9 +60,9 @@ void Announcer::end()
 
     printReport();
 
-    if (plan.telling.json)
+    if (plan.outputs.json)
     {
-        const auto document = reportDocument (told, plan.telling.stats);
+        const auto document = reportDocument (told, plan.outputs.stats);
         std::fwrite (document.data(), 1, document.size(), stdout);
     }
 }
@@ -101,7 +101,7 @@ void Announcer::announce (std::size_t index)
 
     if (! rendering.report.has_value())
         std::fprintf (stderr, "larkspire-render: %s\n", rendering.fault.c_str());
-    else if (plan.telling.stats && ! plan.telling.json)
+    else if (plan.outputs.stats && ! plan.outputs.json)
         printStats (rendering);
 
     if (index / plan.modesPerInput != inputOfTable)
@@ -117,7 +117,7 @@ void Announcer::announce (std::size_t index)
 
 void Announcer::printReport()
 {
-    if (const auto rows = std::exchange (rowsOfTable, 0); rows > 0 && plan.telling.report && ! plan.telling.json)
+    if (const auto rows = std::exchange (rowsOfTable, 0); rows > 0 && plan.outputs.report && ! plan.outputs.json)
     {
         const auto table = reportTable (std::span (told).last (rows));
         std::printf ("%s%s", tablesBefore && ! table.empty() ? "\n" : "", table.c_str());

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "BatchPlan.h"
-#include "ProgressBar.h"
-#include "Rendering.h"
+#include "render/BatchPlan.h"
+#include "render/ProgressBar.h"
+#include "render/Rendering.h"
 
 #include <cstddef>
 #include <map>

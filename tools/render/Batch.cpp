@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "Batch.h"
+#include "render/Batch.h"
 
-#include "Announcer.h"
-#include "Failure.h"
-#include "ProgressBar.h"
-#include "Signals.h"
+#include "base/Failure.h"
+#include "base/StopSignal.h"
+#include "render/Announcer.h"
+#include "render/ProgressBar.h"
 
 #include <atomic>
 #include <cstdio>
@@ -44,7 +44,7 @@ public:
     }
 
     /** Does jobs until there are none, or until an interruption. */
-    void help()
+    void run()
     {
         while (next < plan.jobs.size())
         {
@@ -105,7 +105,7 @@ private:
 };
 } // namespace
 
-void complain (const std::exception& fault)
+void printError (const std::exception& fault)
 {
     std::fprintf (stderr, "larkspire-render: %s\n", fault.what());
 }
@@ -116,7 +116,7 @@ BatchEnd runBatch (const PluginLibrary& library, const BatchPlan& plan)
         std::fprintf (stderr, "larkspire-render: %s\n", note.c_str());
 
     for (const auto& fault : plan.faults)
-        complain (fault);
+        printError (fault);
 
     if (! plan.jobs.empty())
         makeFolders (plan);
@@ -127,9 +127,9 @@ BatchEnd runBatch (const PluginLibrary& library, const BatchPlan& plan)
         std::vector<std::jthread> helpers;
 
         for (unsigned helper = 1; helper < plan.workers && helper < plan.jobs.size(); ++helper)
-            helpers.emplace_back ([&work] { work.help(); });
+            helpers.emplace_back ([&work] { work.run(); });
 
-        work.help();
+        work.run();
     }
 
     const auto end = work.end();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "BatchPlan.h"
+#include "render/BatchPlan.h"
 
 namespace larkspire::render
 {
@@ -15,7 +15,7 @@ enum class BatchEnd
 };
 
 /** Writes one line about a fault to stderr. */
-void complain (const std::exception& fault);
+void printError (const std::exception& fault);
 
 /** Does the jobs of a plan, several at once if it says so, and prints what it says. A job that fails is reported on
     stderr and the others go on; an interruption ends them all. Throws Failure if the folder for the results cannot be

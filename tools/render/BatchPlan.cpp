@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "BatchPlan.h"
+#include "render/BatchPlan.h"
 
-#include "Failure.h"
-#include "FileIdentity.h"
-#include "FolderScan.h"
+#include "base/Failure.h"
+#include "base/FileIdentity.h"
+#include "render/FolderScan.h"
 
 #include <algorithm>
 #include <array>
@@ -211,7 +211,7 @@ public:
         }
     }
 
-    fs::path nameFor (const Source& source, Mode mode, BatchPlan& plan) const
+    fs::path nameFor (const Source& source, KnobMode mode, BatchPlan& plan) const
     {
         if (! isFolder && ! modeInName)
             return path;
@@ -271,13 +271,13 @@ BatchPlan planBatch (const CommandLine& call)
     plan.settings = { .blockSize = call.blockSize,
                       .encoding = { .container = container, .samples = call.samples },
                       .measure = call.report || call.json };
-    plan.telling = { .stats = call.stats, .report = call.report || call.json, .json = call.json };
+    plan.outputs = { .stats = call.stats, .report = call.report || call.json, .json = call.json };
     plan.workers = workersFor (call);
 
     const Place results (call, call.output, std::string (".") + extensionOf (container), plan);
     const auto pictures = placeOfPictures (call, plan);
-    const std::vector<Mode> modes = call.compare ? std::vector<Mode> (allModes.begin(), allModes.end())
-                                                 : std::vector<Mode> { call.mode.value_or (Mode::medium) };
+    const std::vector<KnobMode> modes = call.compare ? std::vector<KnobMode> (knobModes.begin(), knobModes.end())
+                                                     : std::vector<KnobMode> { call.mode.value_or (KnobMode::medium) };
     plan.modesPerInput = modes.size();
 
     for (const auto& source : findSources (call, plan))

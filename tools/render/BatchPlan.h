@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "CommandLine.h"
-#include "Failure.h"
-#include "Renderer.h"
+#include "base/Failure.h"
+#include "render/CommandLine.h"
+#include "render/Renderer.h"
 
 #include <filesystem>
 #include <set>
@@ -14,7 +14,7 @@ namespace larkspire::render
 {
 
 /** What is printed on stdout. */
-struct Telling
+struct OutputChoice
 {
     bool stats = false;
     bool report = false; // as a table, unless json
@@ -25,7 +25,7 @@ struct Telling
 struct BatchPlan
 {
     RenderSettings settings;
-    Telling telling;
+    OutputChoice outputs;
     std::vector<Job> jobs; // in the order of the inputs, all modes of an input one after the other
     std::size_t modesPerInput = 1;
     unsigned workers = 1;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "CommandLine.h"
+#include "render/CommandLine.h"
 
-#include "Failure.h"
-#include "HelpText.h"
+#include "base/Failure.h"
+#include "render/HelpText.h"
 
 #include <CLI/CLI.hpp>
 
@@ -21,17 +21,17 @@ template <typename Value>
 using Choice = std::vector<std::pair<std::string, Value>>;
 
 /** The modes by the plug-in's own names. */
-Choice<Mode> namedModes()
+Choice<KnobMode> namedModes()
 {
-    Choice<Mode> choice;
+    Choice<KnobMode> choice;
 
-    for (const auto mode : allModes)
+    for (const auto mode : knobModes)
         choice.emplace_back (nameOf (mode), mode);
 
     return choice;
 }
 
-const Choice<Mode> modes = namedModes();
+const Choice<KnobMode> modes = namedModes();
 const Choice<Container> containers { { "wav", Container::wav }, { "flac", Container::flac } };
 const Choice<SampleType> sampleTypes { { "16", SampleType::pcm16 },
                                        { "24", SampleType::pcm24 },

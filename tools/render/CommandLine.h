@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "Encoding.h"
-#include "HostedPlugin.h"
+#include "audio/Encoding.h"
+#include "host/HostedPlugin.h"
 
 #include <optional>
 #include <string>
@@ -17,7 +17,7 @@ struct CommandLine
 {
     std::vector<std::string> inputs;
     std::string output;
-    std::optional<Mode> mode;
+    std::optional<KnobMode> mode;
     int blockSize = 4096;
     int workers = 1; // 0 is one for each processor core
     std::optional<std::string> plugin;

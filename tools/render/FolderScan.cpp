@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "FolderScan.h"
+#include "render/FolderScan.h"
 
-#include "FileDescriptor.h"
-#include "Signals.h"
+#include "base/FileDescriptor.h"
+#include "base/StopSignal.h"
 
 #include <fcntl.h>
 #include <unistd.h>

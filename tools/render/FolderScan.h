@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "Failure.h"
-#include "FileIdentity.h"
+#include "base/Failure.h"
+#include "base/FileIdentity.h"
 
 #include <cstddef>
 #include <filesystem>

@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // larkspire-render: takes recordings through the plug-in, as any host would, without one.
-#include "Batch.h"
-#include "CommandLine.h"
-#include "Failure.h"
-#include "PluginSearch.h"
-#include "Signals.h"
+#include "base/Failure.h"
+#include "base/StopSignal.h"
+#include "host/PluginSearch.h"
+#include "render/Batch.h"
+#include "render/CommandLine.h"
 
 #include <cstdio>
 #include <cstdlib>
 
 namespace
 {
+using namespace larkspire;
 using namespace larkspire::render;
 
 enum ExitStatus
@@ -31,6 +32,7 @@ ExitStatus run (const CommandLine& call)
     const auto plan = planBatch (call);
     endBySignal(); // a large folder is a long look
     const PluginLibrary library (call.plugin ? std::filesystem::path (*call.plugin) : findPlugin());
+    library.check(); // ahead of the batch, so that nothing is written
 
     switch (runBatch (library, plan))
     {
@@ -75,12 +77,12 @@ int main (int argumentCount, char** arguments)
     }
     catch (const WrongCall& fault)
     {
-        complain (fault);
+        printError (fault);
         return wrongCall;
     }
     catch (const std::exception& fault)
     {
-        complain (fault);
+        printError (fault);
         return workFailed;
     }
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "ProgressBar.h"
+#include "render/ProgressBar.h"
 
-#include "Failure.h"
+#include "base/Failure.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "Renderer.h"
+#include "render/Renderer.h"
 
-#include "AudioInput.h"
-#include "AudioOutput.h"
-#include "Failure.h"
-#include "PartialFile.h"
-#include "Quantiser.h"
-#include "Signals.h"
+#include "audio/AudioInput.h"
+#include "audio/AudioOutput.h"
+#include "audio/Quantiser.h"
+#include "base/Failure.h"
+#include "base/PartialFile.h"
+#include "base/StopSignal.h"
 #include "plot/Painter.h"
 
 #include <chrono>
@@ -25,10 +25,10 @@ double secondsSince (Clock::time_point start)
 }
 
 /** Listens to a rendering where that is wanted, and else does nothing. */
-class Listener
+class Meters
 {
 public:
-    Listener (const Job& job, const RenderSettings& settings, const AudioShape& shape)
+    Meters (const Job& job, const RenderSettings& settings, const AudioShape& shape)
         : samples (settings.encoding.samples)
     {
         if (settings.measure || job.picture.has_value())
@@ -55,16 +55,16 @@ public:
         measurement->add (input, block, asWritten);
     }
 
-    const std::optional<meter::Measurement>& result() const { return measurement; }
+    const std::optional<meter::Listening>& result() const { return measurement; }
 
 private:
     SampleType samples;
-    std::optional<meter::Measurement> measurement;
+    std::optional<meter::Listening> measurement;
     std::vector<float> input;
     std::vector<float> asWritten;
 };
 
-void paint (const meter::Measurement& measurement, const Job& job, PartialFile& file)
+void paint (const meter::Listening& measurement, const Job& job, PartialFile& file)
 {
     const plot::Title title { .name = printable (job.input.filename().string()), .mode = nameOf (job.mode) };
     const auto png = plot::paintPng (measurement, title);
@@ -93,7 +93,7 @@ RenderReport render (const PluginLibrary& library,
     const auto rate = double (shape.sampleRate);
     const auto channels = static_cast<std::size_t> (shape.channels);
     std::vector<float> buffer (static_cast<std::size_t> (settings.blockSize) * channels);
-    Listener listener (job, settings, shape);
+    Meters meters (job, settings, shape);
     RenderProgress soFar { .secondsInAll = length ? std::optional (double (*length) / rate) : std::nullopt };
     std::size_t framesDone = 0;
 
@@ -108,9 +108,9 @@ RenderReport render (const PluginLibrary& library,
             break;
 
         const auto block = std::span (buffer).first (frames * channels);
-        listener.hearInput (block);
+        meters.hearInput (block);
         plugin.process (block);
-        listener.hearOutput (block);
+        meters.hearOutput (block);
         output.write (block);
         framesDone += frames;
 
@@ -119,7 +119,7 @@ RenderReport render (const PluginLibrary& library,
         progress (soFar);
     }
 
-    const auto& measurement = listener.result();
+    const auto& measurement = meters.result();
 
     if (picture.has_value())
         paint (*measurement, job, *picture);

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "AudioShape.h"
-#include "Encoding.h"
-#include "HostedPlugin.h"
-#include "Levels.h"
-#include "meter/Measurement.h"
+#include "audio/AudioShape.h"
+#include "audio/Encoding.h"
+#include "audio/Levels.h"
+#include "host/HostedPlugin.h"
+#include "meter/Listening.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -20,7 +20,7 @@ struct Job
 {
     std::filesystem::path input;
     std::filesystem::path output;
-    Mode mode = Mode::medium;
+    KnobMode mode = KnobMode::medium;
     std::optional<std::filesystem::path> picture; // where the picture goes, if one is wanted
 };
 

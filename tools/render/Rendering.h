@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "Renderer.h"
+#include "render/Renderer.h"
 
 #include <optional>
 #include <string>

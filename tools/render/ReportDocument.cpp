@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "ReportDocument.h"
+#include "render/ReportDocument.h"
 
 #include <nlohmann/json.hpp>
 

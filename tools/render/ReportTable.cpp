@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "ReportTable.h"
+#include "render/ReportTable.h"
 
-#include "Failure.h"
+#include "base/Failure.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "Rendering.h"
+#include "render/Rendering.h"
 
 #include <span>
 #include <string>

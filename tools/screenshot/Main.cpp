@@ -1,48 +1,38 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // larkspire-screenshot: photographs the built library's editor in a host's window, one picture a mode.
-#include "render/Failure.h"
-#include "render/PluginLibrary.h"
+#include "host/KnobMode.h"
+#include "host/PluginInstance.h"
 #include "window/EditorWindow.h"
 #include "window/VirtualDisplay.h"
 
 #include <cstdio>
 #include <exception>
-#include <memory>
+#include <filesystem>
 
 namespace
 {
 using namespace larkspire;
 
-struct Close
-{
-    void operator() (Vst2::AEffect* effect) const { effect->dispatcher (effect, Vst2::effClose, 0, 0, nullptr, 0.0f); }
-};
-
 struct Shot
 {
     const char* file;
-    float position;
+    KnobMode mode;
 };
 
 // The window as it comes up first is the one that everybody knows; it stands for the plug-in.
-constexpr Shot shots[] = { { "editor.png", 2.0f / 9.0f },
-                           { "editor-bypass.png", 0.0f },
-                           { "editor-Gentle.png", 1.0f / 9.0f },
-                           { "editor-Medium.png", 2.0f / 9.0f },
-                           { "editor-Powerful.png", 3.0f / 9.0f } };
+constexpr Shot shots[] = { { "editor.png", KnobMode::medium },
+                           { "editor-bypass.png", KnobMode::bypass },
+                           { "editor-Gentle.png", KnobMode::gentle },
+                           { "editor-Medium.png", KnobMode::medium },
+                           { "editor-Powerful.png", KnobMode::powerful } };
 
-Vst2::VstIntPtr answer (Vst2::AEffect*, Vst2::VstInt32 opcode, Vst2::VstInt32, Vst2::VstIntPtr, void*, float)
+void photograph (const PluginLibrary& library, const Shot& shot, const std::filesystem::path& folder)
 {
-    return opcode == Vst2::audioMasterVersion ? kVstVersion : 0;
-}
+    PluginHost host;
+    PluginInstance instance (library, host);
+    instance.setParameter (knobPosition (shot.mode));
 
-void photograph (const render::PluginLibrary& library, const Shot& shot, const std::filesystem::path& folder)
-{
-    const std::unique_ptr<Vst2::AEffect, Close> effect (library.createEffect (answer));
-    effect->dispatcher (effect.get(), Vst2::effOpen, 0, 0, nullptr, 0.0f);
-    effect->setParameter (effect.get(), 0, shot.position);
-
-    window::EditorWindow editor (*effect);
+    window::EditorWindow editor (instance);
     editor.idle (std::chrono::milliseconds (800)); // the knob follows the parameter three times a second
     window::writePng (editor.picture(), folder / shot.file);
     std::printf ("%s\n", (folder / shot.file).c_str());
@@ -61,7 +51,7 @@ int main (int argumentCount, char** arguments)
     {
         const window::VirtualDisplay display;
         std::filesystem::create_directories (arguments[2]);
-        const render::PluginLibrary library (arguments[1]);
+        const PluginLibrary library (arguments[1]);
 
         for (const auto& shot : shots)
             photograph (library, shot, arguments[2]);

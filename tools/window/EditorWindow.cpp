@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "window/EditorWindow.h"
 
-#include "render/Failure.h"
+#include "base/Failure.h"
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
@@ -38,7 +38,7 @@ Display* openDisplay()
         return display;
     }
 
-    throw render::Failure (XDisplayName (nullptr), "there is no X server");
+    throw Failure (XDisplayName (nullptr), "there is no X server");
 }
 
 /** A window that no window manager would touch. */
@@ -70,33 +70,28 @@ std::uint8_t channel (unsigned long pixel, unsigned long mask)
 }
 } // namespace
 
-EditorWindow::EditorWindow (Vst2::AEffect& plugin, int x, int y) : effect (plugin), display (openDisplay())
+EditorWindow::EditorWindow (const PluginInstance& hosted, int x, int y) : plugin (hosted), display (openDisplay())
 {
     Vst2::ERect* bounds = nullptr;
-    dispatch (Vst2::effEditGetRect, &bounds);
+    plugin.dispatch (Vst2::effEditGetRect, 0, 0, &bounds);
 
     if (bounds == nullptr)
     {
         XCloseDisplay (display);
-        throw render::Failure ("the plug-in", "has no editor");
+        throw Failure ("the plug-in", "has no editor");
     }
 
     currentWidth = bounds->right - bounds->left;
     currentHeight = bounds->bottom - bounds->top;
     window = makeWindow (display, x, y, currentWidth, currentHeight);
-    dispatch (Vst2::effEditOpen, reinterpret_cast<void*> (window)); // NOLINT(performance-no-int-to-ptr)
+    plugin.dispatch (Vst2::effEditOpen, 0, 0, reinterpret_cast<void*> (window)); // NOLINT(performance-no-int-to-ptr)
 }
 
 EditorWindow::~EditorWindow()
 {
-    dispatch (Vst2::effEditClose);
+    plugin.dispatch (Vst2::effEditClose);
     XDestroyWindow (display, window);
     XCloseDisplay (display);
-}
-
-Vst2::VstIntPtr EditorWindow::dispatch (Vst2::VstInt32 opcode, void* data) const
-{
-    return effect.dispatcher (&effect, opcode, 0, 0, data, 0.0f);
 }
 
 void EditorWindow::idle (std::chrono::milliseconds time)
@@ -105,7 +100,7 @@ void EditorWindow::idle (std::chrono::milliseconds time)
 
     do
     {
-        dispatch (Vst2::effEditIdle);
+        plugin.dispatch (Vst2::effEditIdle);
         std::this_thread::sleep_for (std::chrono::milliseconds (5));
     } while (std::chrono::steady_clock::now() < end);
 }
@@ -139,7 +134,7 @@ Picture EditorWindow::picture() const
                                                                           ZPixmap));
 
     if (image == nullptr)
-        throw render::Failure ("the window", "cannot be photographed");
+        throw Failure ("the window", "cannot be photographed");
 
     Picture picture { .width = currentWidth, .height = currentHeight, .pixels = {} };
 

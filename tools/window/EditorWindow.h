@@ -3,7 +3,7 @@
 
 #include "window/Picture.h"
 
-#include "Vst2.h"
+#include "host/PluginInstance.h"
 
 #include <chrono>
 #include <functional>
@@ -21,8 +21,8 @@ class EditorWindow
 {
 public:
     /** Opens a window of the size that the plug-in asks for at a place of the screen, and the editor in it. Throws
-        larkspire::render::Failure if there is no X server or the plug-in has no editor. */
-    explicit EditorWindow (Vst2::AEffect& plugin, int x = 0, int y = 0);
+        Failure if there is no X server or the plug-in has no editor. */
+    explicit EditorWindow (const PluginInstance& plugin, int x = 0, int y = 0);
 
     /** Closes the editor, then the window. */
     ~EditorWindow();
@@ -53,9 +53,7 @@ public:
     static std::vector<std::string> refusals();
 
 private:
-    Vst2::VstIntPtr dispatch (Vst2::VstInt32 opcode, void* data = nullptr) const;
-
-    Vst2::AEffect& effect;
+    const PluginInstance& plugin;
     _XDisplay* display = nullptr;
     unsigned long window = 0;
     int currentWidth = 0;

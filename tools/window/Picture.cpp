@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "window/Picture.h"
 
-#include "render/Failure.h"
+#include "base/Failure.h"
 
 #include <png.h>
 
@@ -19,7 +19,7 @@ void writePng (const Picture& picture, const std::filesystem::path& path)
     image.format = PNG_FORMAT_RGB;
 
     if (png_image_write_to_file (&image, path.c_str(), 0, picture.pixels.data(), 0, nullptr) == 0)
-        throw render::Failure (path, image.message);
+        throw Failure (path, image.message);
 }
 
 Picture readPng (const std::filesystem::path& path)
@@ -28,7 +28,7 @@ Picture readPng (const std::filesystem::path& path)
     image.version = PNG_IMAGE_VERSION;
 
     if (png_image_begin_read_from_file (&image, path.c_str()) == 0)
-        throw render::Failure (path, image.message);
+        throw Failure (path, image.message);
 
     image.format = PNG_FORMAT_RGB;
     Picture picture { .width = static_cast<int> (image.width),
@@ -38,7 +38,7 @@ Picture readPng (const std::filesystem::path& path)
     const png_color black {};
 
     if (png_image_finish_read (&image, &black, picture.pixels.data(), 0, nullptr) == 0)
-        throw render::Failure (path, image.message);
+        throw Failure (path, image.message);
 
     return picture;
 }

@@ -36,10 +36,10 @@ struct Picture
     bool operator== (const Picture&) const = default;
 };
 
-/** Writes a picture as a PNG file. Throws larkspire::render::Failure if that does not work. */
+/** Writes a picture as a PNG file. Throws Failure if that does not work. */
 void writePng (const Picture& picture, const std::filesystem::path& path);
 
-/** Reads a PNG file; transparency is taken as black. Throws larkspire::render::Failure if that does not work. */
+/** Reads a PNG file; transparency is taken as black. Throws Failure if that does not work. */
 Picture readPng (const std::filesystem::path& path);
 
 } // namespace larkspire::window

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "window/VirtualDisplay.h"
 
-#include "render/Failure.h"
+#include "base/Failure.h"
 
 #include <X11/Xlib.h>
 
@@ -96,7 +96,7 @@ VirtualDisplay::VirtualDisplay()
     std::array<int, 2> pipeEnds {};
 
     if (pipe (pipeEnds.data()) != 0)
-        throw render::Failure (program, render::systemError (errno));
+        throw Failure (program, systemError (errno));
 
     const auto display = ":" + displayNumber();
     server = fork();
@@ -115,7 +115,7 @@ VirtualDisplay::VirtualDisplay()
         waitpid (server, nullptr, 0);
 
     if (number.empty())
-        throw render::Failure (program, "does not start; is the package xvfb installed?");
+        throw Failure (program, "does not start; is the package xvfb installed?");
 
     if (const auto* before = std::getenv ("DISPLAY")) // NOLINT(concurrency-mt-unsafe)
         displayBefore = before;

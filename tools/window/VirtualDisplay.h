@@ -15,7 +15,7 @@ namespace larkspire::window
 class VirtualDisplay
 {
 public:
-    /** Starts the server and waits until it takes windows. Throws larkspire::render::Failure without one. */
+    /** Starts the server and waits until it takes windows. Throws Failure without one. */
     VirtualDisplay();
     ~VirtualDisplay();
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // larkspire-windows-host COMMAND LIBRARY ARGUMENTS: what the tests ask of the library on Windows. Prints lines of the
 // form "name: value"; exits with 1 and a line on standard error where something does not work.
-#include "EditorWindow.h"
-#include "Plugin.h"
+#include "windows/host/NativeWindow.h"
+#include "windows/host/Plugin.h"
 
 #include <windows.h>
 
@@ -35,11 +35,10 @@ void writeFile (const std::string& path, const void* data, std::size_t size)
         throw std::runtime_error (path + " cannot be written");
 }
 
-void saveState (Plugin& plugin, const std::string& path)
+void saveState (const Plugin& plugin, const std::string& path)
 {
-    void* data = nullptr;
-    const auto size = plugin.dispatch (Vst2::effGetChunk, 0, 0, &data);
-    writeFile (path, data, static_cast<std::size_t> (size));
+    const auto state = plugin.chunk();
+    writeFile (path, state.data(), state.size());
 }
 
 /** identity LIBRARY: what a host reads first. */
@@ -69,9 +68,8 @@ void render (const Arguments& arguments)
 {
     Plugin plugin (arguments.at (0));
     plugin.setPosition (std::stoi (arguments.at (1)));
-    plugin.dispatch (Vst2::effSetSampleRate, 0, 0, nullptr, std::stof (arguments.at (2)));
-    plugin.dispatch (Vst2::effSetBlockSize, 0, 512);
-    plugin.dispatch (Vst2::effMainsChanged, 0, 1);
+    plugin.prepare (std::stof (arguments.at (2)), 512);
+    plugin.resume();
 
     auto bytes = readFile (arguments.at (3));
     auto* samples = reinterpret_cast<float*> (bytes.data());
@@ -89,8 +87,8 @@ void render (const Arguments& arguments)
             right[i] = samples[2 * (from + i) + 1];
         }
 
-        float* channels[] = { left.data(), right.data() };
-        plugin.effect().processReplacing (&plugin.effect(), channels, channels, static_cast<Vst2::VstInt32> (count));
+        float* const channels[] = { left.data(), right.data() };
+        plugin.process (channels, channels, count);
 
         for (std::size_t i = 0; i < count; ++i)
         {
@@ -114,15 +112,14 @@ void save (const Arguments& arguments)
 void restore (const Arguments& arguments)
 {
     Plugin plugin (arguments.at (0));
-    auto state = readFile (arguments.at (1));
-    plugin.dispatch (Vst2::effSetChunk, 0, static_cast<Vst2::VstIntPtr> (state.size()), state.data());
-    std::printf ("parameter: %.9g\n", static_cast<double> (plugin.parameter()));
+    plugin.setChunk (readFile (arguments.at (1)));
+    std::printf ("parameter: %.9g\n", static_cast<double> (plugin.getParameter()));
     saveState (plugin, arguments.at (2));
 }
 
 /** Takes pictures until the knob has left "bypass", where it stands before its first look at the parameter. Gives the
    time that took, or ten seconds if it never did. */
-int waitForTheKnob (EditorWindow& window, const std::string& path)
+int waitForTheKnob (NativeWindow& window, const std::string& path)
 {
     constexpr int longest = 10000;
     window.pump (100);
@@ -152,16 +149,16 @@ void editor (const Arguments& arguments)
     for (int i = 0; i < std::stoi (arguments.at (1)); ++i)
     {
         Plugin plugin (arguments.at (0));
-        EditorWindow window (plugin);
+        NativeWindow window (plugin);
         std::printf ("followed after: %d ms\n", waitForTheKnob (window, arguments.at (2)));
         std::printf ("size: %d by %d\n", window.width(), window.height());
 
-        Plugin::automation.clear();
+        plugin.automation.clear();
         window.drag (125, 120, -250);
-        std::printf ("dragged up: %.6f\n", static_cast<double> (plugin.parameter()));
+        std::printf ("dragged up: %.6f\n", static_cast<double> (plugin.getParameter()));
         window.drag (125, 120, 250);
-        std::printf ("dragged down: %.6f\n", static_cast<double> (plugin.parameter()));
-        std::printf ("told: %d\ngestures: %d\n", static_cast<int> (Plugin::automation.size()), Plugin::gestures);
+        std::printf ("dragged down: %.6f\n", static_cast<double> (plugin.getParameter()));
+        std::printf ("told: %d\ngestures: %d\n", static_cast<int> (plugin.automation.size()), plugin.gestures);
         std::fflush (stdout);
     }
 

@@ -3,7 +3,7 @@
 // aeffect.h for why it is written here.
 #pragma once
 
-#include "aeffect.h"
+#include "pluginterfaces/vst2.x/aeffect.h"
 
 // A macro because the framework's wrapper names it outside the namespace into which it includes this file.
 #define kVstVersion 2400

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#include "daws/Ardour.h"
+#include "support/Paths.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+
+namespace
+{
+constexpr int sampleRate = 48000; // Hz
+
+/** Where the package has put what people do not call themselves. */
+const std::string programs = "/usr/lib/ardour7/";
+} // namespace
+
+Ardour::Ardour() : library (folder / "vst/Quendal Larkspire.so"), searchPath ("LXVST_PATH='" + (folder / "vst") + "'")
+{
+    namespace fs = std::filesystem;
+    fs::create_directories (folder / "home");
+    fs::create_directories (folder / "vst");
+    fs::copy_file (paths::plugin(), library);
+
+    // What a scan found counts only if it is newer than the library, by whole seconds.
+    fs::last_write_time (library, fs::file_time_type::clock::now() - std::chrono::hours (24));
+    scan();
+}
+
+Ardour::Ardour (std::filesystem::path installed) : library (std::move (installed))
+{
+    std::filesystem::create_directories (folder / "home");
+    scan();
+}
+
+std::string Ardour::run (const std::vector<std::string>& command) const
+{
+    // Nothing of the caller's environment: neither a real display nor the caller's own settings of Ardour are touched.
+    std::string line = "cd '" + folder.path().string() + "' && env -i PATH=\"$PATH\" LANG=C.UTF-8 DISPLAY=:none HOME='"
+                       + (folder / "home") + "' " + searchPath + " LD_LIBRARY_PATH=" + programs + " ARDOUR_DLL_PATH="
+                       + programs + " ARDOUR_DATA_PATH=/usr/share/ardour7 ARDOUR_CONFIG_PATH=/etc/ardour7 timeout 60";
+
+    for (const auto& word : command)
+        line += " '" + word + "'";
+
+    const auto close = [] (FILE* pipe) { pclose (pipe); };
+    std::unique_ptr<FILE, decltype (close)> pipe (popen ((line + " 2>&1 </dev/null").c_str(), "r"));
+    std::string output;
+
+    for (std::array<char, 512> part {};
+         std::fgets (part.data(), static_cast<int> (part.size()), pipe.get()) != nullptr;)
+        output += part.data();
+
+    if (pclose (pipe.release()) != 0)
+        throw std::runtime_error (command.front() + " failed: " + output);
+
+    return output;
+}
+
+std::string Ardour::scan() const
+{
+    return run ({ programs + "ardour-vst-scanner", "-f", "-v", library.string() });
+}
+
+void Ardour::makeSession (const std::string& name, const Track& track) const
+{
+    std::array<char, 32> value {};
+    std::snprintf (value.data(), value.size(), "%.9g", static_cast<double> (track.parameter));
+    const std::string script = paths::source ("tests/daws/make-session.lua");
+    run ({ "ardour7-lua",
+           script,
+           folder / name,
+           std::to_string (track.channels.size()),
+           value.data(),
+           track.active ? "on" : "off",
+           std::to_string (track.channels.front().size()) });
+
+    for (std::size_t i = 0; i < track.channels.size(); ++i)
+        writeFloatWav (folder
+                           / (name + "/interchange/" + name + "/audiofiles/channel" + std::to_string (i + 1) + ".wav"),
+                       { track.channels[i] },
+                       sampleRate);
+}
+
+std::string Ardour::sessionPath (const std::string& name) const
+{
+    return folder / (name + "/voice.ardour");
+}
+
+std::string Ardour::openSession (const std::string& name) const
+{
+    return run ({ "ardour7-lua", paths::source ("tests/daws/open-session.lua"), folder / name });
+}
+
+Channels Ardour::exportSession (const std::string& name) const
+{
+    constexpr int mostRuns = 8;
+    std::vector<Channels> exports;
+
+    for (int i = 0; i < mostRuns; ++i)
+    {
+        try
+        {
+            exports.push_back (exportOnce (name));
+
+            if (std::find (exports.begin(), exports.end() - 1, exports.back()) != exports.end() - 1)
+                return exports.back();
+        }
+        catch (const std::runtime_error& error)
+        {
+            std::printf ("export %d of %s: %s\n", i + 1, name.c_str(), error.what());
+        }
+    }
+
+    throw std::runtime_error ("no two exports of " + name + " are the same");
+}
+
+Channels Ardour::exportOnce (const std::string& name) const
+{
+    const auto path = folder / (name + ".wav");
+    run ({ "ardour7-export", "-s", std::to_string (sampleRate), "-b", "float", "-o", path, folder / name, "voice" });
+    return readFloatWav (path, sampleRate);
+}

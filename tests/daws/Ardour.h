@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include "support/FloatWav.h"
+#include "support/TemporaryFolder.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+/** The DAW Ardour without a window, in a home folder of its own. Each call runs a
+    program of Ardour's and throws std::runtime_error, with what it wrote, if it fails or takes longer than a minute. */
+class Ardour
+{
+public:
+    /** Puts a copy of the built library into that home folder and lets Ardour scan it. */
+    Ardour();
+
+    /** Lets it scan a library that is installed where it looks for plug-ins without being told. */
+    explicit Ardour (std::filesystem::path installed);
+
+    /** What a scan of the library writes. */
+    std::string scan() const;
+
+    /** What is put on the one track of a session, at 48 kHz. */
+    struct Track
+    {
+        Channels channels;      // of equal length
+        float parameter = 0.0f; // of the plug-in
+        bool active = true;     // the plug-in
+    };
+
+    /** Makes a session of this name with the plug-in on its track, and saves it. */
+    void makeSession (const std::string& name, const Track& track) const;
+
+    /** The session as it was saved. */
+    std::string sessionPath (const std::string& name) const;
+
+    /** Opens the session and gives what it says of the plug-in: lines of a name, a colon and a value. */
+    std::string openSession (const std::string& name) const;
+
+    /** Opens the session and exports it, which gives the channels of its main output. On a busy machine Ardour 7.3
+        corrupts its memory in about one export of ten, without any plug-in too: it aborts, or blocks of garbage
+        are in the file. So an export counts when a second one has the same samples. */
+    Channels exportSession (const std::string& name) const;
+
+private:
+    Channels exportOnce (const std::string& name) const;
+    std::string run (const std::vector<std::string>& command) const;
+
+    TemporaryFolder folder;
+    std::filesystem::path library;
+    std::string searchPath {}; // as a variable of the environment; empty is Ardour's own
+};

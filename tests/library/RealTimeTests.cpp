@@ -1,0 +1,252 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// What the audio thread must not do: allocate, lock, call the system.
+#include "library/RealTimeHooks.h"
+#include "support/RawHost.h"
+#include "support/Signals.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <memory>
+#include <pthread.h>
+#include <semaphore.h>
+#include <stdexcept>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace
+{
+// The framework's wrapper holds one lock of its own around every block.
+constexpr std::size_t frameworkLocksPerBlock = 1;
+
+/** Processes a block of this many frames and expects it to be free of all that an audio thread must not do. */
+void expectRealTimeBlock (RawHost& host, Signal& signal, std::size_t from, std::size_t frames, const std::string& when)
+{
+    RealTimeScope scope;
+    host.process (signal.left, signal.right, from, frames);
+    const auto counts = scope.stop();
+    EXPECT_EQ (counts.allocations, 0u) << when;
+    EXPECT_EQ (counts.locks, frameworkLocksPerBlock) << when;
+    EXPECT_EQ (counts.systemCalls, 0u) << when << ", system call number " << counts.firstSystemCall;
+}
+
+// The first block is the framework's warm-up: the C library binds functions as they are first called.
+void warmUp (RawHost& host)
+{
+    host.stopLogging(); // it locks and allocates, and is nothing of the plug-in's
+    Signal signal = noise (64, -20.0, 1);
+    host.process (signal.left, signal.right, 0, 64);
+}
+
+class RealTime : public testing::TestWithParam<int>
+{
+};
+
+constexpr std::array rates { 1234.5678f, 8000.0f,   11025.0f,  12000.0f,  16000.0f,  22050.0f, 24000.0f,
+                             32000.0f,   44100.0f,  48000.0f,  64000.0f,  88200.0f,  96000.0f, 128000.0f,
+                             176400.0f,  192000.0f, 352800.0f, 384000.0f, 705600.0f, 768000.0f };
+
+constexpr std::array<std::size_t, 18> blockSizes { 0,   1,   2,   15,  16,   17,   32,   64,   127,
+                                                   128, 256, 441, 512, 1024, 2048, 4096, 8192, 16384 };
+
+/** Once through every block size, the parameter, the host's bypass and the soundness of the samples changing between.
+ */
+void expectRealTimeMatrix (RawHost& host, int position, float rate, bool mono)
+{
+    constexpr std::size_t longest = blockSizes.back();
+    static const auto clean = noise (longest, 0.0, 2);
+    static const auto bad = withBadSamples (noise (longest, 0.0, 5));
+
+    for (const std::size_t frames : blockSizes)
+        for (const bool bypassed : { false, true })
+            for (const bool isBad : { false, true })
+                for (const int newPosition : { position, position + 1 })
+                {
+                    auto signal = isBad ? bad : clean;
+                    host.setParameter (knobPosition (newPosition));
+                    host.dispatch (Vst2::effSetBypass, 0, bypassed ? 1 : 0);
+                    expectRealTimeBlock (host,
+                                         signal,
+                                         0,
+                                         frames,
+                                         std::to_string (frames) + " frames at " + std::to_string (rate) + " Hz"
+                                             + (mono ? ", mono" : ", stereo") + (isBad ? ", bad samples" : "")
+                                             + (bypassed ? ", host bypass" : ""));
+                }
+}
+
+TEST_P (RealTime, HoldsForEveryRateBlockSizeLayoutChangeBypassAndBadSample)
+{
+    for (const float rate : rates)
+        for (const bool mono : { false, true })
+        {
+            RawHost host;
+            host.setParameter (knobPosition (GetParam()));
+            host.start (rate, static_cast<int> (blockSizes.back()), mono);
+            warmUp (host);
+            expectRealTimeMatrix (host, GetParam(), rate, mono);
+        }
+}
+
+TEST_P (RealTime, HoldsAtAChangeOfModeAndAtTheWrapOfTheRefreshCounter)
+{
+    RawHost host;
+    host.setParameter (knobPosition (GetParam()));
+    host.start (48000.0f);
+    warmUp (host);
+    auto signal = noise (4096, -12.0, 3);
+
+    for (int mode = 0; mode < 10; ++mode)
+    {
+        host.setParameter (knobPosition (mode));
+        expectRealTimeBlock (host, signal, 0, 256, "change to " + std::to_string (mode));
+    }
+
+    for (int block = 0; block < 33; ++block) // past 2 * 65536 frames
+        expectRealTimeBlock (host, signal, 0, 4096, "block " + std::to_string (block));
+}
+
+TEST_P (RealTime, HoldsForBadSamplesDenormalsAndHostBypass)
+{
+    RawHost host;
+    host.setParameter (knobPosition (GetParam()));
+    host.start (48000.0f);
+    warmUp (host);
+
+    for (auto& signal : testSignals (2048))
+    {
+        expectRealTimeBlock (host, signal, 0, 2048, signal.name);
+        host.dispatch (Vst2::effSetBypass, 0, 1);
+        expectRealTimeBlock (host, signal, 0, 2048, signal.name + ", bypassed");
+        host.dispatch (Vst2::effSetBypass, 0, 0);
+    }
+}
+
+TEST_P (RealTime, HoldsAfterAStateWasLoadedAndAfterSuspendAndResume)
+{
+    RawHost host;
+    host.setParameter (knobPosition (GetParam()));
+    host.start (48000.0f);
+    warmUp (host);
+    void* data = nullptr;
+    const auto size = host.dispatch (Vst2::effGetChunk, 0, 0, &data);
+    const std::vector<char> chunk (static_cast<char*> (data), static_cast<char*> (data) + size);
+    host.dispatch (Vst2::effSetChunk, 0, size, const_cast<char*> (chunk.data()));
+    auto signal = noise (512, -12.0, 4);
+    expectRealTimeBlock (host, signal, 0, 512, "after a load");
+
+    host.suspend();
+    host.resume();
+    warmUp (host); // the wrapper asks its host anew whether it renders offline
+    expectRealTimeBlock (host, signal, 0, 512, "after a resume");
+}
+
+INSTANTIATE_TEST_SUITE_P (InMode, RealTime, testing::Range (0, 9));
+
+TEST (EntryPoint, GivesNoInstanceWhenMemoryRunsOut)
+{
+    const RawHost host;
+    const auto answer =
+        [] (Vst2::AEffect*, Vst2::VstInt32, Vst2::VstInt32, Vst2::VstIntPtr, void*, float) -> Vst2::VstIntPtr
+    { return 2400; };
+
+    constexpr std::size_t reserveBuffer = 524288 * sizeof (float);
+    const ScopedRefusal refusal (reserveBuffer);
+    EXPECT_EQ (host.entryPoint() (answer), nullptr);
+}
+
+TEST (EntryPoint, GivesAnInstanceOnceThereIsMemoryAgain)
+{
+    {
+        const ScopedRefusal refusal (524288 * sizeof (float));
+        EXPECT_THROW (const RawHost host, std::runtime_error);
+    }
+
+    RawHost host;
+    EXPECT_EQ (host.text (Vst2::effGetParamName), "Mode");
+}
+
+// The hooks must be able to see what they look for.
+
+void* volatile escape = nullptr;
+
+TEST (RealTimeHooks, SeeNothingWhereNothingHappens)
+{
+    RealTimeScope scope;
+    const auto counts = scope.stop();
+    EXPECT_EQ (counts.allocations, 0u);
+    EXPECT_EQ (counts.locks, 0u);
+    EXPECT_EQ (counts.systemCalls, 0u);
+}
+
+TEST (RealTimeHooks, SeeAnAllocation)
+{
+    RealTimeScope scope;
+    escape = new float[10];
+    delete[] static_cast<float*> (escape);
+    EXPECT_EQ (scope.stop().allocations, 2u);
+}
+
+TEST (RealTimeHooks, SeeAnAllocationByEveryFunctionOfTheCLibrary)
+{
+    RealTimeScope scope;
+    escape = malloc (10);
+    escape = realloc (escape, 20);
+    free (escape);
+    escape = calloc (10, 10);
+    free (escape);
+    void* aligned = nullptr;
+    const int result = posix_memalign (&aligned, 64, 64);
+    free (aligned);
+    escape = aligned_alloc (64, 64);
+    free (escape);
+    EXPECT_EQ (scope.stop().allocations, 9u);
+    EXPECT_EQ (result, 0);
+}
+
+TEST (RealTimeHooks, SeeALock)
+{
+    pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
+    pthread_rwlock_t readWrite = PTHREAD_RWLOCK_INITIALIZER;
+    sem_t semaphore {};
+    sem_init (&semaphore, 0, 0);
+
+    RealTimeScope scope;
+    pthread_mutex_lock (&mutex);
+    pthread_mutex_unlock (&mutex);
+    const int tried = pthread_mutex_trylock (&mutex);
+    pthread_mutex_unlock (&mutex);
+    pthread_rwlock_rdlock (&readWrite);
+    pthread_rwlock_unlock (&readWrite);
+    pthread_rwlock_wrlock (&readWrite);
+    pthread_rwlock_unlock (&readWrite);
+    sem_post (&semaphore);
+    sem_wait (&semaphore);
+    EXPECT_EQ (scope.stop().locks, 6u);
+    EXPECT_EQ (tried, 0);
+    sem_destroy (&semaphore);
+}
+
+TEST (RealTimeHooks, SeeASystemCallAndLetItThrough)
+{
+    RealTimeScope scope;
+    const auto process = getppid();
+    const auto counts = scope.stop();
+    EXPECT_EQ (counts.systemCalls, 1u);
+    EXPECT_EQ (counts.firstSystemCall, SYS_getppid);
+    EXPECT_EQ (process, getppid());
+}
+
+TEST (RealTimeHooks, SeeAnAllocationInsideTheLibrary)
+{
+    // Saving allocates and locks; done where a block is expected, it must be found out.
+    RawHost host;
+    void* data = nullptr;
+    RealTimeScope scope;
+    host.dispatch (Vst2::effGetChunk, 0, 0, &data);
+    const auto counts = scope.stop();
+    EXPECT_GT (counts.allocations, 0u);
+    EXPECT_GT (counts.locks, 0u);
+    EXPECT_EQ (counts.systemCalls, 1u);
+}
+} // namespace

@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// A person's hand on the knob of the built library, and what the host gets to know of it.
+#include "library/editor/EditorHost.h"
+#include "support/KnobPosition.h"
+
+namespace
+{
+class EditorMouse : public WithDisplay
+{
+protected:
+    static void expectPosition (OpenEditor& editor, int position)
+    {
+        EXPECT_NEAR (editor.host->getParameter(), knobValues.at (static_cast<std::size_t> (position)), 1e-6f);
+    }
+
+    /** Presses on the knob of an editor that shows the position it has. */
+    static void takeHold (OpenEditor& editor, int position)
+    {
+        ASSERT_TRUE (editor.comesToShow (position));
+        editor.mouse.moveTo (knobX, knobY);
+        editor.mouse.press();
+    }
+};
+
+// Positions change half way between them: after 1/6, 3/6 and 5/6 of the range.
+TEST_F (EditorMouse, DragsTheFullRangeIn250Pixels)
+{
+    OpenEditor editor (0.0f);
+    takeHold (editor, 0);
+    editor.mouse.moveVertically (-41);
+    expectPosition (editor, 0);
+    editor.mouse.moveVertically (-1);
+    expectPosition (editor, 1);
+    editor.mouse.moveVertically (-166);
+    expectPosition (editor, 2);
+    editor.mouse.moveVertically (-1);
+    expectPosition (editor, 3);
+    editor.mouse.moveVertically (-41);
+    expectPosition (editor, 3);
+    editor.mouse.moveVertically (250);
+    expectPosition (editor, 0);
+}
+
+TEST_F (EditorMouse, DragsTenTimesFinerWithAltAtTheStart)
+{
+    OpenEditor editor (0.0f);
+    ASSERT_TRUE (editor.comesToShow (0));
+    editor.mouse.hold (Mouse::Key::alt);
+    takeHold (editor, 0);
+    editor.mouse.moveVertically (-416);
+    expectPosition (editor, 0);
+    editor.mouse.moveVertically (-1);
+    expectPosition (editor, 1);
+}
+
+TEST_F (EditorMouse, KeepsTheFinenessOfTheStartThroughTheDrag)
+{
+    OpenEditor editor (0.0f);
+    ASSERT_TRUE (editor.comesToShow (0));
+    editor.mouse.hold (Mouse::Key::alt);
+    takeHold (editor, 0);
+    editor.mouse.moveVertically (-200);
+    editor.mouse.letGo (Mouse::Key::alt);
+    editor.mouse.moveVertically (-216);
+    expectPosition (editor, 0);
+    editor.mouse.moveVertically (-1);
+    expectPosition (editor, 1);
+    editor.mouse.release();
+
+    editor.mouse.moveTo (knobX, knobY);
+    editor.mouse.press();
+    editor.mouse.hold (Mouse::Key::alt);
+    editor.mouse.moveVertically (-42);
+    expectPosition (editor, 2);
+}
+
+TEST_F (EditorMouse, ReturnsToTheDefaultOnADoubleClick)
+{
+    OpenEditor editor (0.0f);
+    ASSERT_TRUE (editor.comesToShow (0));
+    editor.mouse.moveTo (knobX, knobY);
+    editor.mouse.click();
+    expectPosition (editor, 0);
+    editor.waitForTheNextTick(); // long enough for the next click to be a first one
+    editor.takeAutomation();
+    editor.mouse.doubleClick();
+    expectPosition (editor, 2);
+    EXPECT_EQ (editor.takeAutomation().size(), 1u);
+    EXPECT_TRUE (editor.comesToShow (2));
+}
+
+TEST_F (EditorMouse, ReturnsToTheDefaultOnAClickWithControl)
+{
+    OpenEditor editor (knobPosition (3));
+    ASSERT_TRUE (editor.comesToShow (3));
+    editor.mouse.moveTo (knobX, knobY);
+    editor.mouse.hold (Mouse::Key::control);
+    editor.mouse.click();
+    expectPosition (editor, 2);
+    EXPECT_EQ (editor.takeAutomation().size(), 1u);
+}
+
+TEST_F (EditorMouse, StaysOnAClickWithAlt)
+{
+    OpenEditor editor (knobPosition (3));
+    ASSERT_TRUE (editor.comesToShow (3));
+    editor.mouse.moveTo (knobX, knobY);
+    editor.mouse.hold (Mouse::Key::alt);
+    editor.mouse.click();
+    expectPosition (editor, 3);
+    EXPECT_TRUE (editor.takeAutomation().empty());
+}
+
+TEST_F (EditorMouse, MovesByPositionsWithTheWheel)
+{
+    OpenEditor editor (0.0f);
+    ASSERT_TRUE (editor.comesToShow (0));
+    editor.mouse.moveTo (knobX, knobY);
+
+    for (const int position : { 1, 2, 3, 3 })
+    {
+        editor.mouse.turnWheel (1);
+        expectPosition (editor, position);
+    }
+
+    for (const int position : { 2, 1, 0, 0 })
+    {
+        editor.mouse.turnWheel (-1);
+        expectPosition (editor, position);
+    }
+}
+
+TEST_F (EditorMouse, TellsTheHostEveryPositionAndNoGesture)
+{
+    OpenEditor editor (0.0f);
+    takeHold (editor, 0);
+    editor.takeAutomation();
+    editor.mouse.moveVertically (-250);
+    editor.mouse.release();
+
+    // That no gesture came is seen to by takeAutomation.
+    const auto values = editor.takeAutomation();
+    ASSERT_EQ (values.size(), 3u);
+    EXPECT_NEAR (values[0], knobValues[1], 1e-6f);
+    EXPECT_NEAR (values[1], knobValues[2], 1e-6f);
+    EXPECT_NEAR (values[2], knobValues[3], 1e-6f);
+}
+
+TEST_F (EditorMouse, TakesNoTypedValue)
+{
+    OpenEditor editor (knobPosition (1));
+    ASSERT_TRUE (editor.comesToShow (1));
+    const auto before = editor.window.picture();
+    editor.mouse.moveTo (knobX, 172); // on the text
+    editor.mouse.doubleClick();
+    editor.mouse.moveTo (5, 240);
+    editor.waitForTheNextTick();
+    EXPECT_EQ (editor.window.picture(), before) << "nothing to type into has opened";
+    expectPosition (editor, 1);
+}
+} // namespace

@@ -1,0 +1,323 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// The report, as people and as programs read it.
+#include "render/Tone.h"
+#include "support/Child.h"
+#include "support/Paths.h"
+#include "support/Recording.h"
+#include "support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <array>
+#include <cmath>
+#include <limits>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace
+{
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::Not;
+
+/** What the table calls a figure, and where it is in the document. */
+struct Name
+{
+    std::string row;
+    std::string group; // "" is before and after
+    std::string key;
+};
+
+const std::vector<Name> names {
+    { "integrated loudness, LUFS", "", "integrated_lufs" },
+    { "loudness range, LU", "", "loudness_range_lu" },
+    { "true peak, dBTP", "", "true_peak_dbtp" },
+    { "noise between words, dBFS", "", "noise_dbfs" },
+    { "high-pass", "gains", "high_pass_db" },
+    { "expander, mean over time", "gains", "expander_mean_db" },
+    { "stereo fold", "gains", "stereo_fold_db" },
+    { "air and body", "gains", "air_and_body_db" },
+    { "leveller, mean over time", "gains", "leveller_mean_db" },
+    { "make-up", "gains", "make_up_db" },
+    { "soft clip", "gains", "soft_clip_db" },
+};
+
+/** The cells of a table by the words in front of them. */
+std::map<std::string, std::vector<std::string>> cellsIn (const std::string& table)
+{
+    std::map<std::string, std::vector<std::string>> cells;
+
+    for (const auto& line : linesOf (table))
+        for (const auto& name : names)
+            if (const auto place = line.find ("  " + name.row + "  "); place != std::string::npos)
+            {
+                std::istringstream rest (line.substr (place + name.row.size() + 2));
+
+                for (std::string cell; rest >> cell;)
+                    cells[name.row].push_back (cell);
+            }
+
+    return cells;
+}
+
+/** A cell and a value of the document that say the same. */
+void expectSame (const std::string& cell, const json& value)
+{
+    if (value.is_null())
+        EXPECT_EQ (cell, "-");
+    else
+        EXPECT_NEAR (std::stod (cell), value.get<double>(), 0.0506); // half a tenth, and half a thousandth
+}
+
+class Report : public testing::Test
+{
+protected:
+    Report()
+    {
+        // Words of a tone with a little noise between them.
+        const auto word = Tone { .frequency = 300.0, .peakDbfs = -12.0, .seconds = 0.5 }.samples();
+        auto gap = toFloats (makeNoise (2, 14400, 24));
+
+        for (auto& sample : gap)
+            sample *= 0.001f;
+
+        for (int i = 0; i < 6; ++i)
+            speech = joined ({ speech, word, gap });
+
+        writeFloats (folder / "speech.wav", wav24, 2, speech);
+    }
+
+    std::string outputOf (std::vector<std::string> arguments, const std::string& input = "speech.wav") const
+    {
+        arguments.insert (arguments.end(), { folder / input, "-o", folder / "results/" });
+        const auto outcome = run (arguments);
+        EXPECT_EQ (outcome.exitStatus, 0) << outcome.errors;
+        EXPECT_EQ (outcome.errors, "");
+        return outcome.output;
+    }
+
+    json documentOf (std::vector<std::string> arguments, const std::string& input = "speech.wav") const
+    {
+        arguments.emplace_back ("--json");
+        return json::parse (outputOf (std::move (arguments), input));
+    }
+
+    TemporaryFolder folder;
+    std::vector<float> speech;
+};
+
+TEST_F (Report, SaysTheSameToPeopleAndToPrograms)
+{
+    for (const std::string mode : { "bypass", "Gentle", "Medium", "Powerful" })
+    {
+        SCOPED_TRACE (mode);
+        const auto table = outputOf ({ "--report", "--mode", mode });
+        const auto document = documentOf ({ "--mode", mode });
+        ASSERT_EQ (document.size(), 1U);
+        const auto& entry = document[0];
+        EXPECT_EQ (entry["mode"], mode);
+        EXPECT_EQ (entry["input"], folder / "speech.wav");
+        EXPECT_EQ (entry["output"], folder / "results/speech.wav");
+        EXPECT_EQ (entry["sample_rate_hz"], 48000);
+        EXPECT_EQ (entry["channels"], 2);
+        EXPECT_EQ (entry["length_s"], double (speech.size()) / 96000.0);
+        EXPECT_THAT (table, HasSubstr ("mode " + mode));
+        EXPECT_THAT (table, HasSubstr ("4.8 s, 48000 Hz, stereo"));
+
+        const auto cells = cellsIn (table);
+
+        for (const auto& name : names)
+        {
+            SCOPED_TRACE (name.row);
+
+            if (name.group.empty())
+            {
+                ASSERT_EQ (cells.at (name.row).size(), 2U) << table;
+                ASSERT_TRUE (entry["before"][name.key].is_number());
+                expectSame (cells.at (name.row)[0], entry["before"][name.key]);
+                expectSame (cells.at (name.row)[1], entry["after"][name.key]);
+            }
+            else if (mode != "bypass")
+            {
+                ASSERT_EQ (cells.at (name.row).size(), 1U) << table;
+                ASSERT_TRUE (entry["gains"][name.key].is_number());
+                expectSame (cells.at (name.row)[0], entry["gains"][name.key]);
+            }
+            else
+            {
+                EXPECT_FALSE (cells.contains (name.row));
+                EXPECT_TRUE (entry["gains"].is_null());
+                EXPECT_EQ (entry["gains_missing"], "in bypass no stage runs");
+            }
+        }
+    }
+}
+
+TEST_F (Report, MeasuresWhatIsInTheFiles)
+{
+    // In bypass both sides are one sound, down to what 16 bits leave of it.
+    writeFloats (folder / "tone.wav", wavFloat, 2, Tone { .seconds = 5.0 }.samples());
+    const auto document = documentOf ({ "--mode", "bypass", "--bits", "16" }, "tone.wav");
+    EXPECT_NEAR (document[0]["before"]["integrated_lufs"].get<double>(), -23.0, 0.1);
+    EXPECT_NEAR (document[0]["after"]["integrated_lufs"].get<double>(), -23.0, 0.1);
+    EXPECT_NEAR (document[0]["before"]["noise_dbfs"].get<double>(), -26.01, 0.05);
+
+    // Less than half a step is nothing in a file of 16 bits.
+    writeFloats (folder / "faint.wav", wavFloat, 2, Tone { .peakDbfs = -100.0, .seconds = 5.0 }.samples());
+    const auto faint = documentOf ({ "--mode", "bypass", "--bits", "16" }, "faint.wav");
+    EXPECT_NEAR (faint[0]["before"]["true_peak_dbtp"].get<double>(), -100.0, 0.2);
+    EXPECT_TRUE (faint[0]["after"]["true_peak_dbtp"].is_null());
+}
+
+TEST_F (Report, HasDashesAndNullForSilenceAndForNothing)
+{
+    writeFloats (folder / "silence.wav", wav16, 1, std::vector<float> (480000));
+    writeFloats (folder / "nothing.wav", wav16, 1, {});
+
+    for (const std::string input : { "silence.wav", "nothing.wav" })
+    {
+        SCOPED_TRACE (input);
+        const auto table = outputOf ({ "--report" }, input);
+        const auto cells = cellsIn (table);
+        const auto document = documentOf ({}, input);
+
+        for (const auto& name : names)
+            if (name.group.empty())
+            {
+                EXPECT_EQ (cells.at (name.row), (std::vector<std::string> { "-", "-" }));
+                EXPECT_TRUE (document[0]["before"][name.key].is_null());
+                EXPECT_TRUE (document[0]["after"][name.key].is_null());
+            }
+
+        EXPECT_EQ (cells.at ("high-pass"), std::vector<std::string> { "-" });
+        EXPECT_EQ (cells.at ("make-up"), std::vector<std::string> { "21.6" });
+        EXPECT_THAT (table, Not (HasSubstr ("nan")));
+        EXPECT_THAT (table, Not (HasSubstr ("inf")));
+        EXPECT_EQ (document[0]["gains"]["expander_mean_db"].is_null(), input == "nothing.wav");
+    }
+}
+
+TEST_F (Report, HasNullForWhatIsNoNumber)
+{
+    auto broken = Tone { .seconds = 5.0, .channels = 1 }.samples();
+    broken[100] = std::numeric_limits<float>::quiet_NaN();
+    broken[200] = std::numeric_limits<float>::infinity();
+    writeFloats (folder / "broken.wav", wavFloat, 1, broken);
+    const auto document = documentOf ({}, "broken.wav");
+    EXPECT_TRUE (document[0]["before"]["integrated_lufs"].is_null());
+    EXPECT_TRUE (document[0]["after"]["integrated_lufs"].is_number());
+}
+
+TEST_F (Report, LeavesTheGainsOfAnotherLibraryOut)
+{
+    const std::vector<std::string> standIn { "--plugin", paths::standIn() };
+    auto arguments = standIn;
+    arguments.emplace_back ("--report");
+    const auto table = outputOf (arguments);
+    EXPECT_THAT (table, HasSubstr ("gains left out: the library gives another sound"));
+    EXPECT_THAT (table, Not (HasSubstr ("expander")));
+    const auto document = documentOf (standIn);
+    EXPECT_TRUE (document[0]["gains"].is_null());
+    EXPECT_THAT (document[0]["gains_missing"].get<std::string>(), HasSubstr ("another sound"));
+
+    // It halves what it gets.
+    EXPECT_NEAR (document[0]["after"]["integrated_lufs"].get<double>(),
+                 document[0]["before"]["integrated_lufs"].get<double>() - 6.02,
+                 0.01);
+}
+
+TEST_F (Report, IsOneDocumentForAllFilesAndFailures)
+{
+    writeBytes (folder / "text.txt", "hello");
+    write (folder / "last.wav", wav16, makeNoise (1, 30000, 16));
+    const auto outcome = run ({ "--json",
+                                "--report",
+                                "--stats",
+                                folder / "speech.wav",
+                                folder / "text.txt",
+                                folder / "last.wav",
+                                "-o",
+                                folder / "results" });
+    EXPECT_EQ (outcome.exitStatus, 1);
+    EXPECT_EQ (outcome.errors,
+               "larkspire-render: " + (folder / "text.txt") + ": is not a WAV, FLAC, AIFF or Ogg file\n");
+    const auto document = json::parse (outcome.output);
+    ASSERT_EQ (document.size(), 3U);
+    EXPECT_EQ (document[0]["input"], folder / "speech.wav");
+    EXPECT_EQ (document[1]["input"], folder / "text.txt");
+    EXPECT_EQ (document[2]["input"], folder / "last.wav");
+    EXPECT_FALSE (document[0].contains ("error"));
+    EXPECT_EQ (document[1]["error"], (folder / "text.txt") + ": is not a WAV, FLAC, AIFF or Ogg file");
+    EXPECT_FALSE (document[1].contains ("before"));
+    EXPECT_TRUE (document[0]["stats"]["peak_dbfs"].is_number());
+    EXPECT_TRUE (document[0]["stats"]["rms_dbfs"].is_number());
+    EXPECT_GT (document[0]["stats"]["times_real_time"].get<double>(), 0.0);
+}
+
+TEST_F (Report, HoldsPathsThatAreNoText)
+{
+    write (folder / "\xff\xfe \"quoted\".wav", wav16, makeNoise (1, 300, 16));
+    const auto document = documentOf ({}, "\xff\xfe \"quoted\".wav");
+    EXPECT_EQ (document[0]["input"], folder / "\xef\xbf\xbd\xef\xbf\xbd \"quoted\".wav");
+}
+
+TEST_F (Report, FollowsTheInputsWithALineBetween)
+{
+    write (folder / "second.wav", wav16, makeNoise (1, 30000, 16));
+    const auto outcome = run ({ "--report", folder / "speech.wav", folder / "second.wav", "-o", folder / "results" });
+    const auto first = outcome.output.find ((folder / "speech.wav") + "  4.8 s");
+    const auto second = outcome.output.find ("\n\n" + (folder / "second.wav") + "  0.625 s");
+    ASSERT_NE (first, std::string::npos);
+    ASSERT_NE (second, std::string::npos);
+    EXPECT_LT (first, second);
+}
+
+TEST_F (Report, DoesNotChangeTheResult)
+{
+    outputOf ({ "--mode", "Powerful" });
+    const auto without = bytesOf (folder / "results/speech.wav");
+
+    for (const std::string option : { "--report", "--json" })
+    {
+        outputOf ({ "--mode", "Powerful", option });
+        EXPECT_EQ (bytesOf (folder / "results/speech.wav"), without);
+    }
+}
+
+TEST_F (Report, OfAComparisonHasAColumnForEachMode)
+{
+    const auto table = outputOf ({ "--report", "--compare" });
+    const auto document = documentOf ({ "--compare" });
+    const std::array<std::string, 4> modes { "bypass", "Gentle", "Medium", "Powerful" };
+    ASSERT_EQ (document.size(), 4U);
+    std::string heads;
+
+    std::istringstream headLine (linesOf (table).at (1));
+
+    for (std::string head; headLine >> head;)
+        heads += " " + head;
+
+    EXPECT_EQ (heads, " before bypass Gentle Medium Powerful");
+    const auto cells = cellsIn (table);
+
+    for (std::size_t mode = 0; mode < modes.size(); ++mode)
+    {
+        EXPECT_EQ (document[mode]["mode"], modes[mode]);
+        EXPECT_EQ (document[mode]["output"], folder / ("results/speech-" + modes[mode] + ".wav"));
+
+        for (const auto& name : names)
+        {
+            SCOPED_TRACE (name.row);
+
+            if (name.group.empty())
+                expectSame (cells.at (name.row).at (mode + 1), document[mode]["after"][name.key]);
+            else
+                expectSame (cells.at (name.row).at (mode), mode == 0 ? json() : document[mode]["gains"][name.key]);
+        }
+    }
+}
+} // namespace

@@ -1,0 +1,291 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// The pictures of --plot, looked at pixel by pixel where the scales say what must be there.
+#include "plot/Axes.h"
+#include "render/Tone.h"
+#include "support/Child.h"
+#include "support/Paths.h"
+#include "support/Recording.h"
+#include "support/TemporaryFolder.h"
+#include "window/Picture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace
+{
+using larkspire::plot::Rows;
+using larkspire::window::Colour;
+using larkspire::window::Picture;
+using testing::ElementsAre;
+using testing::HasSubstr;
+namespace plot = larkspire::plot;
+
+// As the legend of every picture has them.
+constexpr Colour before { 0x56, 0x78, 0x9a };
+constexpr Colour after { 0xd5, 0x5e, 0x00 };
+constexpr Colour expander { 0x00, 0x7d, 0x5c };
+constexpr Colour leveller { 0x8c, 0x3b, 0x78 };
+
+/** Rows of a panel, within its frame, in which a column has a colour. */
+std::vector<int> rowsWith (const Picture& picture, Rows panel, int column, Colour colour)
+{
+    std::vector<int> rows;
+
+    for (int row = panel.top + 1; row < panel.bottom; ++row)
+        if (picture.at (column, row) == colour)
+            rows.push_back (row);
+
+    return rows;
+}
+
+plot::Axis upright (double lowest, double highest, Rows rows)
+{
+    return { .first = lowest, .last = highest, .firstPixel = double (rows.bottom), .lastPixel = double (rows.top) };
+}
+
+int columnAt (double seconds, double secondsInAll)
+{
+    return static_cast<int> (plot::leftColumn + (plot::rightColumn - plot::leftColumn) * seconds / secondsInAll);
+}
+
+/** Expects a line through a place: its colour there, and nowhere in the column far from there. */
+void expectLine (const Picture& picture, Rows panel, int column, double row, Colour colour)
+{
+    const auto rows = rowsWith (picture, panel, column, colour);
+    ASSERT_FALSE (rows.empty()) << "column " << column;
+    EXPECT_NEAR (rows.front(), row, 2.0) << "column " << column;
+    EXPECT_NEAR (rows.back(), row, 2.0) << "column " << column;
+}
+
+class Drawing : public testing::Test
+{
+protected:
+    /** Draws a sound of 48000 Hz in floats. */
+    Picture pictureOf (const std::vector<float>& sound, int channels, std::vector<std::string> further = {})
+    {
+        writeFloats (folder / "sound.wav", wavFloat, channels, sound);
+        further.insert (further.end(),
+                        { "--plot", folder / "sound.png", folder / "sound.wav", "-o", folder / "result.wav" });
+        const auto outcome = run (Call { .arguments = further, .environment = { { "DISPLAY", "" } } });
+        EXPECT_EQ (outcome.exitStatus, 0) << outcome.errors;
+        EXPECT_EQ (outcome.output + outcome.errors, "");
+        return larkspire::window::readPng (folder / "sound.png");
+    }
+
+    TemporaryFolder folder;
+};
+
+TEST_F (Drawing, HasItsSizeAndWhitePaper)
+{
+    const auto picture = pictureOf (toFloats (makeNoise (1, 20000, 16)), 1);
+    EXPECT_EQ (picture.width, plot::pictureWidth);
+    EXPECT_EQ (picture.height, plot::pictureHeight);
+    EXPECT_EQ (picture.at (2, 2), (Colour { 255, 255, 255 }));
+    EXPECT_EQ (picture.at (plot::pictureWidth - 3, plot::pictureHeight - 3), (Colour { 255, 255, 255 }));
+}
+
+TEST_F (Drawing, OfSilenceHasFlatLines)
+{
+    constexpr double seconds = 10.0;
+    const auto picture = pictureOf (std::vector<float> (480000), 1);
+
+    for (const auto& [panel, colour] : { std::pair { plot::beforeRows, before }, { plot::afterRows, after } })
+        for (int column = plot::leftColumn + 1; column < plot::rightColumn; ++column)
+            ASSERT_EQ (rowsWith (picture, panel, column, colour), std::vector<int> { (panel.top + panel.bottom) / 2 })
+                << column;
+
+    // Neither side has a loudness; the gains go where silence takes them.
+    const auto gain = upright (-20.0, 2.0, plot::gainRows);
+    const auto floor = 20.0 * std::log10 (0.2 * 0.94868326 + 0.051316738);
+
+    for (const double time : { 1.0, 5.0, 9.0 })
+    {
+        const auto column = columnAt (time, seconds);
+        EXPECT_TRUE (rowsWith (picture, plot::loudnessRows, column, before).empty());
+        EXPECT_TRUE (rowsWith (picture, plot::loudnessRows, column, after).empty());
+        expectLine (picture, plot::gainRows, column, gain.pixelOf (floor), expander);
+        const auto running = 1.0 - 0.5 * std::pow (1.0 - 1.5935553e-05, 48000.0 * time);
+        expectLine (picture, plot::gainRows, column, gain.pixelOf (20.0 * std::log10 (running)), leveller);
+    }
+}
+
+TEST_F (Drawing, ShowsTheHeightOfTheWaveformOverTime)
+{
+    // Two seconds at 0.4 of full scale and two at 0.2, upwards only.
+    std::vector<float> sound (192000);
+
+    for (std::size_t i = 0; i < sound.size(); ++i)
+        sound[i] = i % 2 == 0 ? 0.0f : (i < sound.size() / 2 ? 0.4f : 0.2f);
+
+    const auto picture = pictureOf (sound, 1, { "--mode", "bypass" });
+    const auto axis = upright (-0.5, 0.5, plot::beforeRows);
+
+    for (const auto& [time, height] : { std::pair { 1.0, 0.4 }, { 1.9, 0.4 }, { 2.1, 0.2 }, { 3.0, 0.2 } })
+    {
+        const auto rows = rowsWith (picture, plot::beforeRows, columnAt (time, 4.0), before);
+        ASSERT_FALSE (rows.empty());
+        EXPECT_NEAR (rows.front(), axis.pixelOf (height), 1.5) << time;
+        EXPECT_NEAR (rows.back(), axis.pixelOf (0.0), 1.5) << time;
+        const auto offset = plot::afterRows.top - plot::beforeRows.top;
+        EXPECT_EQ (rowsWith (picture, plot::afterRows, columnAt (time, 4.0), after).front(), rows.front() + offset);
+    }
+}
+
+TEST_F (Drawing, ShowsTheChannelsInOneWaveform)
+{
+    std::vector<float> sound (96000);
+
+    for (std::size_t frame = 0; frame < 48000; ++frame)
+    {
+        sound[2 * frame] = 0.8f;
+        sound[2 * frame + 1] = -0.3f;
+    }
+
+    const auto picture = pictureOf (sound, 2, { "--mode", "bypass" });
+    const auto axis = upright (-1.0, 1.0, plot::beforeRows);
+    const auto rows = rowsWith (picture, plot::beforeRows, columnAt (0.5, 1.0), before);
+    ASSERT_FALSE (rows.empty());
+    EXPECT_NEAR (rows.front(), axis.pixelOf (0.8), 1.5);
+    EXPECT_NEAR (rows.back(), axis.pixelOf (-0.3), 1.5);
+}
+
+TEST_F (Drawing, ShowsTheLoudnessOfATone)
+{
+    const auto picture =
+        pictureOf (Tone { .seconds = 8.0 }.samples(), 2, { "--plugin", paths::standIn(), "--bits", "32f" });
+    const auto axis = upright (-60.0, 0.0, plot::loudnessRows);
+
+    for (const double time : { 2.0, 4.0, 6.0 })
+    {
+        const auto column = columnAt (time, 8.0);
+        expectLine (picture, plot::loudnessRows, column, axis.pixelOf (-23.0), before);
+        expectLine (picture, plot::loudnessRows, column, axis.pixelOf (-29.02), after); // halved
+    }
+
+    // A window of 3 s fits nowhere ahead of its own middle.
+    EXPECT_TRUE (rowsWith (picture, plot::loudnessRows, columnAt (1.3, 8.0), before).empty());
+    EXPECT_TRUE (rowsWith (picture, plot::loudnessRows, columnAt (6.7, 8.0), before).empty());
+}
+
+TEST_F (Drawing, HasNoGainsOfAnotherLibraryOrOfBypass)
+{
+    for (const std::vector<std::string>& arguments :
+         { std::vector<std::string> { "--plugin", paths::standIn() }, { "--mode", "bypass" } })
+    {
+        const auto picture = pictureOf (toFloats (makeNoise (1, 100000, 16)), 1, arguments);
+
+        for (int column = plot::leftColumn + 1; column < plot::rightColumn; ++column)
+        {
+            ASSERT_TRUE (rowsWith (picture, plot::gainRows, column, expander).empty()) << column;
+            ASSERT_TRUE (rowsWith (picture, plot::gainRows, column, leveller).empty()) << column;
+        }
+    }
+}
+
+TEST_F (Drawing, OfNothingAndOfOneSampleIsAPicture)
+{
+    EXPECT_EQ (pictureOf ({}, 1).width, plot::pictureWidth);
+    EXPECT_EQ (pictureOf ({ 0.5f }, 1).width, plot::pictureWidth);
+}
+
+TEST_F (Drawing, HasWordsForTitleAndAxes)
+{
+    const auto picture = pictureOf (std::vector<float> (48000), 1);
+
+    /** Pixels as dark as letters in a part of the picture. */
+    const auto ink = [&picture] (int left, int top, int right, int bottom)
+    {
+        int count = 0;
+
+        for (int row = top; row < bottom; ++row)
+            for (int column = left; column < right; ++column)
+                count += picture.at (column, row).green < 0x60 ? 1 : 0;
+
+        return count;
+    };
+
+    const auto left = plot::leftColumn;
+    EXPECT_GT (ink (left, 15, left + 300, 50), 500) << "title";
+    EXPECT_GT (ink (left, plot::beforeRows.top - 26, left + 260, plot::beforeRows.top - 2), 300) << "heading";
+    EXPECT_GT (ink (0, plot::loudnessRows.top - 10, left - 4, plot::loudnessRows.bottom + 10), 150) << "numbers";
+    EXPECT_GT (ink (left, plot::gainRows.bottom + 4, plot::rightColumn, plot::gainRows.bottom + 28), 50) << "times";
+    EXPECT_GT (ink (left, plot::gainRows.bottom + 30, plot::rightColumn, plot::gainRows.bottom + 54), 50) << "unit";
+}
+
+TEST_F (Drawing, HasFileAndModeInItsTitle)
+{
+    const std::vector<float> silence (48000);
+    const auto titleOf = [] (const Picture& picture)
+    {
+        std::string greens;
+
+        for (int row = 15; row < 50; ++row)
+            for (int column = 0; column < picture.width; ++column)
+                greens += static_cast<char> (picture.at (column, row).green);
+
+        return greens;
+    };
+
+    writeFloats (folder / "sound.wav", wavFloat, 1, silence);
+    writeFloats (folder / "another.wav", wavFloat, 1, silence);
+    std::set<std::string> titles;
+
+    for (const std::string name : { "sound", "another" })
+        for (const std::string mode : { "Gentle", "Powerful" })
+        {
+            run ({ "--mode", mode, "--plot", folder / "p.png", folder / (name + ".wav"), "-o", folder / "r.wav" });
+            titles.insert (titleOf (larkspire::window::readPng (folder / "p.png")));
+        }
+
+    EXPECT_EQ (titles.size(), 4U);
+}
+
+TEST_F (Drawing, IsTheSameEveryTime)
+{
+    const auto noise = toFloats (makeNoise (2, 100000, 16));
+    pictureOf (noise, 2);
+    const auto bytes = bytesOf (folder / "sound.png");
+    pictureOf (noise, 2, { "--block", "77" });
+    EXPECT_EQ (bytesOf (folder / "sound.png"), bytes);
+}
+
+TEST_F (Drawing, WithoutAnyFontIsReportedAndLeavesNothing)
+{
+    writeFloats (folder / "sound.wav", wavFloat, 1, std::vector<float> (4800));
+    const auto outcome =
+        run (Call { .arguments = { "--plot", folder / "sound.png", folder / "sound.wav", "-o", folder / "result.wav" },
+                    .environment = { { "JUCE_FONT_PATH", folder / "nothing" } } });
+    EXPECT_EQ (outcome.exitStatus, 1);
+    EXPECT_EQ (linesOf (outcome.errors).size(), 1U) << outcome.errors;
+    EXPECT_THAT (outcome.errors, HasSubstr ("fonts-liberation2"));
+    EXPECT_THAT (folder.contents(), ElementsAre ("sound.wav"));
+}
+
+TEST_F (Drawing, ThatCannotBeWrittenLeavesNoResultEither)
+{
+    write (folder / "sound.wav", wav16, makeNoise (1, 20000, 16));
+    const auto outcome =
+        run ({ "--plot", folder / "missing/sound.png", folder / "sound.wav", "-o", folder / "result.wav" });
+    EXPECT_EQ (outcome.exitStatus, 1);
+    EXPECT_THAT (outcome.errors, HasSubstr ("missing/sound.png: cannot be written"));
+    EXPECT_THAT (folder.contents(), ElementsAre ("sound.wav"));
+}
+
+TEST_F (Drawing, OfAComparisonHasTheModeInItsName)
+{
+    write (folder / "sound.wav", wav16, makeNoise (1, 20000, 16));
+    EXPECT_EQ (run (Call { .arguments = { "--compare", "--plot", "look.png", "sound.wav", "-o", "results/" },
+                           .folder = folder.path() })
+                   .exitStatus,
+               0);
+
+    for (const std::string mode : { "bypass", "Gentle", "Medium", "Powerful" })
+        EXPECT_EQ (larkspire::window::readPng (folder / ("look-" + mode + ".png")).height, plot::pictureHeight);
+}
+} // namespace

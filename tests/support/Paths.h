@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include <string>
+
+/** Where the tests find what this build has made, and the sources. In one place, so that the compiler cache of one
+    checkout serves another. */
+namespace paths
+{
+
+std::string plugin(); // the built library
+std::string latencyPlugin();
+std::string standIn();      // what the renderer can be given in place of the plug-in
+std::string otherLibrary(); // a library that is no plug-in
+
+std::string renderer();
+std::string measure();
+std::string screenshot();
+std::string torture();
+std::string cmake();
+
+/** A file or folder of the sources, by its path in the project. */
+std::string source (const std::string& name = "");
+
+} // namespace paths

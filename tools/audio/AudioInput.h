@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include "audio/AudioShape.h"
+#include "base/FileDescriptor.h"
+
+#include <sndfile.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <span>
+
+namespace larkspire
+{
+
+/** A WAV, FLAC, AIFF or Ogg file with one or two channels, read from front to back. */
+class AudioInput
+{
+public:
+    /** Opens the file. Throws Failure for whatever cannot be rendered: no such file, a folder, an empty file, no audio,
+        another kind of audio, more than two channels. */
+    explicit AudioInput (const std::filesystem::path& path);
+
+    const AudioShape& shape() const noexcept { return audioShape; }
+
+    /** The number of sample frames that the file states; nothing where it states none, as streamed FLAC may. */
+    std::optional<std::int64_t> length() const noexcept;
+
+    /** Reads as many frames as fit, channels interleaved, linear full scale 1.0, and returns how many those are: 0 is
+        the end. Throws Failure where the file is damaged or holds less than it states. */
+    std::size_t read (std::span<float> interleaved);
+
+private:
+    struct Close
+    {
+        void operator() (SNDFILE* opened) const noexcept { sf_close (opened); }
+    };
+
+    std::filesystem::path filePath;
+    FileDescriptor descriptor;
+    SF_INFO info {};
+    std::unique_ptr<SNDFILE, Close> file;
+    AudioShape audioShape;
+    std::int64_t framesRead = 0;
+};
+
+} // namespace larkspire

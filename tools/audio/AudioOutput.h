@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include "audio/AudioShape.h"
+#include "audio/Encoding.h"
+#include "audio/Levels.h"
+#include "base/PartialFile.h"
+
+#include <sndfile.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace larkspire
+{
+
+/** Whether that much sound is too long for the 32-bit sizes of an ordinary WAV file. Then, and where the length is not
+    known, RF64 is written, which is the same with 64-bit sizes. */
+bool needsLargeWav (const AudioShape& shape, SampleType samples, std::optional<std::int64_t> frames);
+
+/** A WAV or FLAC file that is written from front to back and gets its name at the end. */
+class AudioOutput
+{
+public:
+    /** @param frames  the length to come, where it is known.
+
+        Throws Failure where the file cannot be created or the kind of file has no such sample rate. */
+    AudioOutput (const std::filesystem::path& path,
+                 const Encoding& wanted,
+                 const AudioShape& shape,
+                 std::optional<std::int64_t> frames);
+
+    /** Appends whole frames, channels interleaved, linear full scale 1.0. Throws Failure if the disk does not take
+        them. */
+    void write (std::span<const float> interleaved);
+
+    /** What has been written so far, as it reads back: rounded, and held within full scale unless it is floats. */
+    const Levels& levels() const noexcept { return writtenLevels; }
+
+    /** Completes the file and gives it its name. Throws Failure, and leaves no file, if any byte did not get through.
+     */
+    void commit();
+
+private:
+    struct Close
+    {
+        void operator() (SNDFILE* opened) const noexcept { sf_close (opened); }
+    };
+
+    void writeFloats (std::span<const float> interleaved);
+    void writeWholeNumbers (std::span<const float> interleaved);
+    void checkCount (sf_count_t written, std::size_t wanted);
+
+    std::filesystem::path filePath;
+    PartialFile partial;
+    Encoding encoding;
+    std::unique_ptr<SNDFILE, Close> file; // below the partial file: closing still writes to it
+    std::vector<int> wholeNumbers;
+    Levels writtenLevels;
+};
+
+} // namespace larkspire

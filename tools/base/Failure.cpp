@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#include "base/Failure.h"
+
+#include <system_error>
+
+namespace larkspire
+{
+
+std::string printable (const std::string& text)
+{
+    constexpr const char* digits = "0123456789abcdef";
+    std::string line;
+    line.reserve (text.size());
+
+    for (const char character : text)
+    {
+        const auto byte = static_cast<unsigned char> (character);
+
+        if (byte >= 0x20 && byte != 0x7f)
+        {
+            line += character;
+            continue;
+        }
+
+        line += "\\x";
+        line += digits[byte >> 4];
+        line += digits[byte & 0x0f];
+    }
+
+    return line;
+}
+
+std::string systemError (int errorNumber)
+{
+    return std::generic_category().message (errorNumber);
+}
+
+} // namespace larkspire

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+namespace larkspire
+{
+
+/** A text as it may stand in one line of a terminal: control characters, line ends above all, become \xNN. Bytes that
+    are no UTF-8 stay, a path is whatever bytes it is. */
+std::string printable (const std::string& text);
+
+/** Work that could not be done, the exit status 1. what() is one line: "<path>: <reason>". */
+class Failure : public std::runtime_error
+{
+public:
+    Failure (const std::filesystem::path& path, const std::string& reason)
+        : std::runtime_error (printable (path.string()) + ": " + printable (reason))
+    {
+    }
+};
+
+/** A call that asks for something impossible, the exit status 2. Nothing has been written when it is thrown. what() is
+    one line. */
+class WrongCall : public std::runtime_error
+{
+public:
+    explicit WrongCall (const std::string& reason) : std::runtime_error (printable (reason)) {}
+};
+
+/** A person or the system asked the program to stop. what() is one line: "<path>: <reason>". */
+class Interrupted : public Failure
+{
+public:
+    explicit Interrupted (const std::filesystem::path& path) : Failure (path, "interrupted, nothing was written") {}
+};
+
+/** The system's words for an errno value. */
+std::string systemError (int errorNumber);
+
+} // namespace larkspire

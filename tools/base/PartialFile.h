@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include "base/FileDescriptor.h"
+
+#include <cstdint>
+#include <filesystem>
+
+namespace larkspire
+{
+
+/** A file that gets its name once it is whole.
+
+    Until then it is a hidden file beside that name, ".<name>.partial-<process>", and is removed if commit is never
+    reached. A file that had the name before is replaced in one step, so nobody ever sees half a result. Where the name
+    is a symbolic link, the file behind it is replaced and the link stays.
+
+    The operations on the content report like the system's own: a count, a position or -1. The first error is kept.
+*/
+class PartialFile
+{
+public:
+    /** Creates the hidden file. Throws Failure where that is impossible or the name belongs to no regular file. */
+    explicit PartialFile (const std::filesystem::path& name);
+    ~PartialFile();
+
+    PartialFile (const PartialFile&) = delete;
+    PartialFile& operator= (const PartialFile&) = delete;
+
+    std::int64_t write (const void* bytes, std::int64_t count) noexcept;
+    std::int64_t read (void* bytes, std::int64_t count) noexcept;
+    std::int64_t seek (std::int64_t offset, int whence) noexcept;
+    std::int64_t size() noexcept;
+
+    /** Throws Failure if an operation has failed up to here. */
+    void throwOnError() const;
+
+    /** Gives the file its name. Throws Failure, with the hidden file on its way out, if any byte did not reach the
+        disk. */
+    void commit();
+
+private:
+    void keepError (int errorNumber) noexcept;
+
+    std::filesystem::path shownName; // as the caller wrote it, for messages
+    std::filesystem::path finalPath;
+    std::filesystem::path partialPath;
+    FileDescriptor descriptor;
+    int firstError = 0;
+    bool committed = false;
+};
+
+} // namespace larkspire

@@ -1,7 +1,7 @@
 # What people type. The build itself is CMake's; see CMakePresets.json for other builds.
 .DEFAULT_GOAL := build
-.PHONY: setup configure build demo screenshot docs lint test fuzz fuzzer test-asan test-tsan torture exhaustive bench \
-	performance test-hosts windows test-windows package test-packages install uninstall clean
+.PHONY: help setup configure build demo screenshot docs lint test check fuzz fuzzer test-asan test-tsan torture \
+	exhaustive bench performance test-hosts windows test-windows package test-packages install uninstall clean
 
 PRESET := release
 LIBRARY := dist/linux/Quendal Larkspire.so
@@ -11,7 +11,7 @@ INSTALL_FOLDER := $(firstword $(subst :, ,$(VST_PATH)))
 JOBS := $(shell nproc)
 JUCE_OPTION := $(if $(LARKSPIRE_JUCE),-DLARKSPIRE_JUCE="$(LARKSPIRE_JUCE)")
 
-# How long `make fuzz` looks for harmful state blocks, and how long the tests do.
+# How long `make fuzz` looks for harmful state blocks, and how long `make test-asan` does.
 FUZZ_SECONDS ?= 3600
 SHORT_FUZZ_SECONDS := 30
 
@@ -26,27 +26,29 @@ define configure-preset
 		|| { cat build-configure.log; rm -f build-configure.log; exit 1; }
 endef
 
-setup:
+help: ## says what there is to make
+	@sed -nE 's/^([a-z-]+):[^#]*## (.*)/make \1\t\2/p' Makefile | expand -t 24
+
+setup: ## installs what the build needs from Debian's archive
 	@scripts/setup
 
 configure: setup
 	$(call configure-preset,$(PRESET))
 
-# The library, the renderer and what the demo needs; tests are built by those who run them.
-build: configure
+build: configure ## the library and the renderer, in dist/linux
 	@cmake --build --preset $(PRESET) --target Larkspire_VST larkspire-render
 
-demo: build
+demo: build ## renders a real voice in all four modes into demo/
 	@scripts/demo
 
 # The pictures of the documents, of the library as built; in the letters that every machine has which was set up.
-screenshot: configure
+screenshot: configure ## the pictures of the window in docs/
 	@cmake --build --preset $(PRESET) --target Larkspire_VST larkspire-screenshot
 	@JUCE_FONT_PATH=/usr/share/fonts/truetype/liberation2 build/$(PRESET)/tools/larkspire-screenshot "$(LIBRARY)" docs
 
 # The measurements and pictures of docs/sound.md, of the library as built, and the pictures of the window. What the
 # plug-in costs depends on the machine, and is measured by make performance.
-docs: screenshot
+docs: screenshot ## the measurements and pictures of docs/sound.md
 	@scripts/setup scripts/docs/packages.txt
 	@cmake --build --preset $(PRESET) --target larkspire-measure
 	@scripts/voice build/$(PRESET)/voice.wav
@@ -54,98 +56,99 @@ docs: screenshot
 		docs/sound/data docs/sound.md
 	@scripts/docs/draw docs/sound/data docs/sound
 
-lint: configure
+lint: configure ## clang-format and clang-tidy over all our own files
 	@cmake --build --preset $(PRESET) --target lint
 
-test: configure
-	@cmake --build --preset $(PRESET) --target all lint
+test: configure ## sets up, builds, runs all tests; the same every time
+	@cmake --build --preset $(PRESET)
 	@ctest --preset $(PRESET) --parallel $(JOBS)
-	@$(MAKE) --no-print-directory fuzz FUZZ_SECONDS=$(SHORT_FUZZ_SECONDS)
+
+check: test lint test-asan test-tsan ## the tests, the style, the sanitizers and a fresh half minute of the fuzzer
 
 # Damaged state blocks without end, on a build with AddressSanitizer and UndefinedBehaviorSanitizer.
 fuzzer: setup
 	$(call configure-preset,asan)
 	@cmake --build --preset asan --target larkspire-fuzz-state
 
-fuzz: fuzzer
+fuzz: fuzzer ## damaged projects for an hour; FUZZ_SECONDS=60 for a minute
 	@scripts/fuzz build/asan $(FUZZ_SECONDS)
 
 # The tests of the classes, of the library, its window and the tools on that same build, some torture, and the fuzzer
 # for a moment.
-test-asan: fuzzer
-	@cmake --build --preset asan --target larkspire-unit-tests larkspire-host-tests larkspire-editor-host-tests \
+test-asan: fuzzer ## the tests under AddressSanitizer and UndefinedBehaviorSanitizer
+	@cmake --build --preset asan --target larkspire-unit-tests larkspire-library-tests larkspire-window-tests \
 		larkspire-tools-tests larkspire-torture
-	@scripts/sanitize asan larkspire-unit-tests larkspire-host-tests larkspire-editor-host-tests larkspire-tools-tests
+	@scripts/sanitize asan larkspire-unit-tests larkspire-library-tests larkspire-window-tests larkspire-tools-tests
 	@build/asan/tests/torture/larkspire-torture --seconds $(SHORT_FUZZ_SECONDS)
 	@scripts/fuzz build/asan $(SHORT_FUZZ_SECONDS)
 
 # The tests with threads, on a build with ThreadSanitizer.
-test-tsan: setup
+test-tsan: setup ## the tests with threads under ThreadSanitizer
 	$(call configure-preset,tsan)
-	@cmake --build --preset tsan --target larkspire-unit-tests larkspire-host-tests larkspire-editor-host-tests
+	@cmake --build --preset tsan --target larkspire-unit-tests larkspire-library-tests larkspire-window-tests
 	@LARKSPIRE_TEST_FILTER='*Thread*:*WhileAudioRuns*:CallLog.*:LatencyNotice.*:EditorLife.*Audio*' \
-		scripts/sanitize tsan larkspire-unit-tests larkspire-host-tests larkspire-editor-host-tests
+		scripts/sanitize tsan larkspire-unit-tests larkspire-library-tests larkspire-window-tests
 
 # Whatever a host can do, in any order, beside a model of what must come of it; TORTURE_SEED repeats a sequence.
-torture: configure
+torture: configure ## ten million calls in any order; TORTURE_SEED=n repeats a sequence
 	@cmake --build --preset $(PRESET) --target larkspire-torture
 	@build/$(PRESET)/tests/torture/larkspire-torture --operations $(TORTURE_OPERATIONS) $(TORTURE_SEED:%=--seed %)
 
 # Sine and arc tangent at every float there is: minutes, where the tests above take a sample near zero and far out.
-exhaustive: configure
+exhaustive: configure ## sine and arc tangent at every float there is
 	@cmake --build --preset $(PRESET) --target larkspire-unit-tests
 	@LARKSPIRE_EVERY_FLOAT=1 build/$(PRESET)/tests/larkspire-unit-tests --gtest_filter='*Polynomial*'
 
 # What it costs, as a table and as build/$(PRESET)/performance.json; fails when a ratio is above its bound.
-bench: configure
+bench: configure ## what a frame costs, and whether what is promised holds
 	@cmake --build --preset $(PRESET) --target larkspire-bench
 	@build/$(PRESET)/benchmarks/larkspire-bench --benchmark_out=build/$(PRESET)/performance.json
 
 # The same, and docs/performance.md written anew.
-performance: configure
+performance: configure ## the same, and docs/performance.md anew
 	@cmake --build --preset $(PRESET) --target larkspire-bench
 	@mkdir -p docs
 	@build/$(PRESET)/benchmarks/larkspire-bench --benchmark_out=build/$(PRESET)/performance.json --markdown=docs/performance.md
 
 # The library in a DAW and in a sound editor as Debian packages them, without a window to look at.
-test-hosts:
+test-hosts: ## installs real DAWs and runs the library in them, without a window
 	@scripts/setup scripts/hosts/packages.txt
 	$(call configure-preset,$(PRESET))
-	@cmake --build --preset $(PRESET) --target larkspire-hosts-tests
-	@build/$(PRESET)/tests/hosts/larkspire-hosts-tests
+	@cmake --build --preset $(PRESET) --target larkspire-daw-tests
+	@build/$(PRESET)/tests/daws/larkspire-daw-tests
 
 # The Windows library, cross-built.
-windows:
+windows: ## the Windows library, cross-built, in dist/windows
 	@scripts/windows/setup
 	$(call configure-preset,windows)
 	@cmake --build --preset windows --target Larkspire_VST larkspire-windows-host
 
 # Reads the Windows library's file and runs it under Wine, beside the Linux library.
-test-windows: windows configure
+test-windows: windows configure ## runs the Windows library under Wine
 	@cmake --build --preset $(PRESET) --target larkspire-windows-tests
 	@build/$(PRESET)/tests/windows/larkspire-windows-tests
 
 # The packages for Debian, for other Linux systems and for Windows, in dist/packages/.
-package: build windows
+package: build windows ## packages for Debian, other Linux systems and Windows
 	@scripts/setup scripts/packaging/packages.txt
 	@scripts/packaging/package
 
 # Reads them, and installs and removes the one for Debian, for which it has to be run by root.
-test-packages: package
+test-packages: package ## checks the packages; as root also installs and removes the one for Debian
 	@scripts/setup scripts/packaging/packages.txt scripts/hosts/packages.txt
 	@cmake --build --preset $(PRESET) --target larkspire-packages-tests
 	@scripts/packaging/test
 
-install:
+install: ## copies the library to ~/.vst, or to the first folder of VST_PATH
 	@test -f "$(LIBRARY)" || { echo "install: there is no $(LIBRARY) yet; run make first" >&2; exit 1; }
 	@mkdir -p "$(INSTALL_FOLDER)"
 	@cp "$(LIBRARY)" "$(INSTALL_FOLDER)/.Quendal Larkspire.so.new"
 	@mv "$(INSTALL_FOLDER)/.Quendal Larkspire.so.new" "$(INSTALL_FOLDER)/Quendal Larkspire.so"
 	@echo "installed $(INSTALL_FOLDER)/Quendal Larkspire.so"
 
-uninstall:
+uninstall: ## removes it again
 	@rm -f "$(INSTALL_FOLDER)/Quendal Larkspire.so"
 	@echo "removed $(INSTALL_FOLDER)/Quendal Larkspire.so"
 
-clean:
+clean: ## removes all that was built
 	@rm -rf build dist demo

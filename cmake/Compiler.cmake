@@ -1,4 +1,4 @@
-# What every translation unit of ours is compiled with, the framework's modules included: plug-in, tools, tests and
+# What every translation unit of ours is compiled with, JUCE's modules included: plug-in, tools, tests and
 # oracle share one set of flags.
 set (CMAKE_CXX_STANDARD 20)
 set (CMAKE_CXX_STANDARD_REQUIRED ON)

@@ -1,4 +1,4 @@
-# ccache where there is one: the framework takes minutes to compile and never changes.
+# ccache where there is one: JUCE takes minutes to compile and never changes.
 find_program (LARKSPIRE_CCACHE ccache)
 
 if (LARKSPIRE_CCACHE)

@@ -1,4 +1,4 @@
-# The framework, built from its sources, and the interface header that its VST 2 wrapper needs.
+# JUCE, built from its sources, and the interface header that its VST 2 wrapper needs.
 set (LARKSPIRE_JUCE "${CMAKE_SOURCE_DIR}/.deps/juce" CACHE PATH "A JUCE 8.0 source tree")
 set (LARKSPIRE_VST2_SDK "${CMAKE_SOURCE_DIR}/vst2" CACHE PATH "A folder with pluginterfaces/vst2.x")
 
@@ -19,7 +19,7 @@ endif ()
 
 message (STATUS "JUCE ${juce_version} from ${LARKSPIRE_JUCE}")
 
-# The framework's helper program is built while configuring, by the compiler that the environment names. The system's own
+# JUCE's helper program is built while configuring, by the compiler that the environment names. The system's own
 # serves in every build folder, so that the compiler cache has it after the first.
 set (larkspire_c_compiler "$ENV{CC}")
 set (larkspire_cxx_compiler "$ENV{CXX}")

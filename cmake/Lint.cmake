@@ -1,5 +1,5 @@
 # clang-format and clang-tidy over all our own files, as build targets with stamps: what has not changed is not looked at
-# again. The test command builds the target lint. Sources register themselves in larkspire_own_sources.
+# again. Sources register themselves in larkspire_own_sources.
 find_program (LARKSPIRE_CLANG_FORMAT clang-format)
 find_program (LARKSPIRE_CLANG_TIDY clang-tidy)
 

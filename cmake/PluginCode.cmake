@@ -1,4 +1,4 @@
-# Programs that link the plug-in's own machine code: tests, benchmarks, measurements. The framework's headers and settings
+# Programs that link the plug-in's own machine code: tests, benchmarks, measurements. JUCE's headers and settings
 # come from the target itself, so that nothing is compiled a second time with other flags.
 function (larkspire_link_plugin_code target)
     target_link_libraries (${target} PRIVATE Larkspire)

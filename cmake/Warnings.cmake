@@ -1,5 +1,5 @@
-# Warnings are errors in our own files, and only there: the framework's modules are compiled into the same targets, so
-# the flags go to sources, not to targets. The framework's headers are system headers (cmake/Juce.cmake).
+# Warnings are errors in our own files, and only there: JUCE's modules are compiled into the same targets, so
+# the flags go to sources, not to targets. JUCE's headers are system headers (cmake/Juce.cmake).
 if (MSVC)
     set (LARKSPIRE_STRICT_OPTIONS /W4)
 else ()

@@ -1,5 +1,5 @@
 # What is linked into library and renderer that others wrote, and on which terms; to be included by WriteDocuments.cmake.
-# The words of the licences come from where the linked things came from: the framework's tree and Debian's packages.
+# The words of the licences come from where the linked things came from: JUCE's tree and Debian's packages.
 set (juce_graphics "${LARKSPIRE_JUCE}/modules/juce_graphics")
 
 # A text as it stands, with single line ends.
@@ -59,7 +59,7 @@ endfunction ()
 # Each gives a heading and the text of a licence.
 function (licence_of part)
     if (part STREQUAL "framework")
-        set (heading "JUCE 8, by Raw Material Software Limited, the framework of the plug-in: AGPL-3.0")
+        set (heading "JUCE 8, by Raw Material Software Limited, which the plug-in is built on: AGPL-3.0")
         set (text "The same licence as that of Quendal Larkspire, which stands in the file beside this one.")
     elseif (part STREQUAL "text-shaping")
         read_text ("${juce_graphics}/fonts/harfbuzz/COPYING" harfbuzz)
@@ -84,7 +84,7 @@ function (licence_of part)
         read_text ("${LARKSPIRE_WINDOWS_DEPS}/codecs/share/doc/libjpeg-turbo/LICENSE.md" jpeg)
         read_text (/usr/share/doc/libpng16-16/copyright png)
         read_text (/usr/share/doc/libz-mingw-w64-dev/copyright zlib)
-        set (heading "libjpeg-turbo, libpng and zlib, the framework's readers of pictures")
+        set (heading "libjpeg-turbo, libpng and zlib, JUCE's readers of pictures")
         set (text "libjpeg-turbo. This software is based in part on the work of the Independent JPEG Group.\n\n${jpeg}\n\nlibpng:\n\n${png}\n\nzlib:\n\n${zlib}")
     else ()
         message (FATAL_ERROR "  no licence is known of '${part}'")

@@ -1,4 +1,4 @@
-# What Debian's MinGW compiler needs to build the framework for Windows, none of which touches the framework's files. A
+# What Debian's MinGW compiler needs to build JUCE for Windows, none of which touches JUCE's files. A
 # native compiler on Windows needs nothing of it and does not come here.
 include_guard ()
 set (LARKSPIRE_CROSS_BUILD OFF)
@@ -10,18 +10,18 @@ endif ()
 set (LARKSPIRE_CROSS_BUILD ON)
 set (LARKSPIRE_CROSS_COMPAT "${CMAKE_CURRENT_LIST_DIR}/compat")
 
-# For every file that is compiled, the framework's too: its headers come before the system's.
+# For every file that is compiled, JUCE's too: its headers come before the system's.
 include_directories (BEFORE SYSTEM "${LARKSPIRE_CROSS_COMPAT}")
 include_directories (SYSTEM "${LARKSPIRE_WINDOWS_DEPS}/codecs/include")
 
 add_compile_definitions (
-    JUCE_64BIT=1                                # the framework takes its word size from another compiler's macro
+    JUCE_64BIT=1                                # JUCE takes its word size from another compiler's macro
     JUCE_DONT_AUTOLINK_TO_WIN32_LIBRARIES=1     # "#pragma comment (lib)" does nothing here; the list stands below
     JUCE_USE_WINDOWS_MEDIA_FORMAT=0             # its header is another compiler's
     _WIN32_WINNT=0x0A00)
 
 add_compile_options (
-    $<$<COMPILE_LANGUAGE:C,CXX>:-U__MINGW32__>  # the framework refuses to go on where it sees this macro
+    $<$<COMPILE_LANGUAGE:C,CXX>:-U__MINGW32__>  # JUCE refuses to go on where it sees this macro
     "$<$<COMPILE_LANGUAGE:CXX>:SHELL:-include ${LARKSPIRE_CROSS_COMPAT}/mingw_compat.h>"
     $<$<COMPILE_LANGUAGE:C,CXX>:-Wa,-mbig-obj>  # more sections than the ordinary object format can number
     $<$<COMPILE_LANGUAGE:C,CXX>:-ffunction-sections>

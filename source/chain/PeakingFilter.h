@@ -43,7 +43,7 @@ static_assert (sizeof (PeakingFilter) == 16 * sizeof (float));
         a     = 1 + alpha / A, -2 cos (w0), 1 - alpha / A
 
     Any numbers are taken: a frequency at or above half the sample rate gives a filter too, if not a useful one, and an
-    alpha that is no number becomes the cap.
+    alpha that is NaN becomes the cap.
 
     @param sampleRate  in Hz
     @param gainDb      the gain at the centre, in dB

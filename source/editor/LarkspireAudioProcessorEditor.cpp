@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "editor/LarkspireAudioProcessorEditor.h"
 
+#include "editor/WineRendering.h"
 #include "frame/LarkspireAudioProcessor.h"
 
 #include <cmath>
 #include <cstdio>
+#include <memory>
 
 using juce::Colour;
 
@@ -13,6 +15,14 @@ namespace
 /** What the window calls itself. A number of the build, beside the versions that hosts and projects are told. */
 constexpr int windowVersion = 242;
 } // namespace
+
+// Here, so that the processor's own file knows of sound alone.
+juce::AudioProcessorEditor* LarkspireAudioProcessor::createEditor()
+{
+    auto editor = std::make_unique<LarkspireAudioProcessorEditor> (this);
+    larkspire::drawInSoftwareUnderWine (*editor);
+    return editor.release();
+}
 
 LarkspireAudioProcessorEditor::LarkspireAudioProcessorEditor (LarkspireAudioProcessor* p)
     : AudioProcessorEditor (p),

@@ -7,7 +7,7 @@
 
 /** How the editor draws: the rotary knob with ticks and bands, two fonts, and a flat button with a hard shadow.
 
-    All else is the framework's. The constructor names the default sans-serif typeface for the whole process, through
+    All else is JUCE's. The constructor names the default sans-serif typeface for the whole process, through
     which fonts are resolved; that outlives the object.
 */
 class QuendalLookAndFeel : public juce::LookAndFeel_V4
@@ -26,7 +26,7 @@ public:
     /** A plain font of the base height, whatever the button's height. */
     juce::Font getTextButtonFont (juce::TextButton& button, int buttonHeight) override;
 
-    /** The framework's layout, moved by the press; the disabled text is the brighter one. */
+    /** JUCE's layout, moved by the press; the disabled text is the brighter one. */
     void drawButtonText (juce::Graphics& g, juce::TextButton& button, bool isHighlighted, bool isDown) override;
 
     /** The label's own font at 0.8 of the base height. */

@@ -6,8 +6,8 @@ namespace larkspire
 
 /** Names "Microsoft Sans Serif" as the process's default sans-serif typeface where the machine has it.
 
-    Where it has not, naming it would leave the framework without a typeface and the window without a word; there the
-    framework's own default stays. The name goes to the framework's global look and feel, because fonts are resolved
+    Where it has not, naming it would leave JUCE without a typeface and the window without a word; there the
+    JUCE's own default stays. The name goes to JUCE's global look and feel, because fonts are resolved
     through that one.
 */
 void nameDefaultSansSerif();

@@ -16,7 +16,7 @@ bool isRunningUnderWine()
 }
 } // namespace
 
-/** Stands in front of the system's function of that name for this library alone, which the framework asks for the
+/** Stands in front of the system's function of that name for this library alone, which JUCE asks for the
     computer's graphics adapters. Under Wine there are none for it: images are made in memory, where Wine would take a
     good second to draw one knob's shadows, and no thread waits for a screen's vertical blank, which Wine never reports:
     closing the window would wait for that thread for ever. On Windows the system answers. */
@@ -44,7 +44,7 @@ namespace
 constexpr int softwareRenderer = 0;
 
 /** Chooses the renderer as soon as the component has a window, and lets what is out of date be drawn thirty times a
-   second, since there is no vertical blank that would. Goes when the component goes. */
+    second, since there is no vertical blank that would. Goes when the component goes. */
 class SoftwareRendering : public juce::ComponentListener, private juce::Timer
 {
 public:

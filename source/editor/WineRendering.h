@@ -6,8 +6,8 @@
 namespace larkspire
 {
 
-/** Lets an editor be drawn by the framework's software renderer where the Windows library runs under Wine: the renderer
-    that the framework takes on Windows paints nothing there. On Windows itself, and on Linux, nothing changes. */
+/** Lets an editor be drawn by JUCE's software renderer where the Windows library runs under Wine: the renderer
+    that JUCE takes on Windows paints nothing there. On Windows itself, and on Linux, nothing changes. */
 void drawInSoftwareUnderWine (juce::Component& editor);
 
 } // namespace larkspire

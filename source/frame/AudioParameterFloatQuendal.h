@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "settings/DisplayMode.h"
+#include "frame/DisplayMode.h"
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
@@ -15,8 +15,8 @@ namespace juce
 
 /** A float parameter from 0 to 1 with a display mode, a number of positions, names for them and a change watch.
 
-    The plain and the normalised value are the same number; what it means to a person is decided at the moment of
-    display by displayMode, rangeMin, rangeMax and unit. Towards the host it is the framework's float parameter.
+    The plain and the normalised value are the same number; what it means to the user is decided at the moment of
+    display by displayMode, rangeMin, rangeMax and unit. Towards the host it is JUCE's float parameter.
 */
 class AudioParameterFloatQuendal : public AudioParameterFloat
 {
@@ -49,7 +49,7 @@ public:
     /** The position nearest to a value, halves going away from zero: round ((numSteps - 1) * position).
 
         0 where the value selects no position: in any display mode but Choices, and with fewer than two steps. A value
-        that is no number, or too large for an int, gives the smallest int.
+        that is NaN, or too large for an int, gives the smallest int.
     */
     int getChoiceIndex (float position) const noexcept;
 
@@ -57,7 +57,7 @@ public:
     int getChoiceIndex() const noexcept { return getChoiceIndex (get()); }
 
     /** True once after every change of the value, and at the first call. For one watcher only, the audio thread; a
-        value that is no number never counts as a change. */
+        value that is NaN never counts as a change. */
     bool hasChanged() noexcept
     {
         const float current = get();
@@ -69,7 +69,7 @@ public:
         return true;
     }
 
-    /** What a person reads at this value, as UTF-8. Allocates; not for the audio thread. */
+    /** What the user reads at this value, as UTF-8. Allocates; not for the audio thread. */
     std::string valueToText (float position) const;
 
     ParameterSlider* attachedSlider = nullptr;

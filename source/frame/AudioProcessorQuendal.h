@@ -42,7 +42,7 @@ public:
     /** The most samples that are processed without a look at requests for updateSettings from other threads. */
     static constexpr int longestRun = 64;
 
-    /** Takes a subclass's buses, as the framework's own base class does, and leaves the framework's default pair. */
+    /** Takes a subclass's buses, as JUCE's own base class does, and leaves JUCE's default pair. */
     explicit AudioProcessorQuendal (const BusesProperties& buses);
     ~AudioProcessorQuendal() override;
 
@@ -140,7 +140,7 @@ protected:
         allocates, and tells the host a changed latency. */
     void updateOversampler (int numChannels);
 
-    // The rate in force for filter design, in Hz. Not the framework's: a rate that makes no sense leaves it standing.
+    // The rate in force for filter design, in Hz. Not JUCE's: a rate that makes no sense leaves it standing.
     double sampleRate = 96000.0;
 
     // Counts processed samples modulo 65536; its return to 0 brings a refresh. Nothing resets it.

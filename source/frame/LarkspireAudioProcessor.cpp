@@ -2,8 +2,6 @@
 #include "frame/LarkspireAudioProcessor.h"
 
 #include "chain/VoiceChain.h"
-#include "editor/LarkspireAudioProcessorEditor.h"
-#include "editor/WineRendering.h"
 #include "frame/HighPassAccess.h"
 
 using namespace larkspire;
@@ -44,13 +42,6 @@ LarkspireAudioProcessor::~LarkspireAudioProcessor()
 
     for (auto* filter : { &airFilter, &bodyFilter, &spareFilter })
         delete *filter;
-}
-
-juce::AudioProcessorEditor* LarkspireAudioProcessor::createEditor()
-{
-    auto editor = std::make_unique<LarkspireAudioProcessorEditor> (this);
-    drawInSoftwareUnderWine (*editor);
-    return editor.release();
 }
 
 bool LarkspireAudioProcessor::isBusesLayoutSupported (const BusesLayout& layouts) const

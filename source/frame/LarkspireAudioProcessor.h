@@ -53,7 +53,7 @@ public:
     /** The same for a run of samples. A change of the parameter is noticed at the first one. */
     std::size_t processRun (std::span<std::pair<float, float>> run) override;
 
-    juce::AudioParameterFloatQuendal* modeParameter = nullptr; // owned by the framework once it is added
+    juce::AudioParameterFloatQuendal* modeParameter = nullptr; // owned by JUCE once it is added
 
 protected:
     int modeIndex = 2; // the row in force; 0 is "bypass"

@@ -4,7 +4,7 @@
 #include <limits>
 
 /** What the processor's own conversion gives, on every compiler: towards zero, and the smallest int for all that fits
-   no int and for what is no number. 32-bit floats are widened without a change. */
+    no int and for NaN. 32-bit floats are widened without a change. */
 constexpr int truncateToInt (double x) noexcept
 {
     constexpr double tooLarge = 2147483648.0;

@@ -13,7 +13,7 @@ namespace juce
 
 namespace
 {
-/** "VC2!", which the framework's frame begins with. */
+/** "VC2!", which JUCE's frame begins with. */
 constexpr uint32 magicNumber = 0x21324356;
 
 /** The text in the frame of a state block, empty where there is no frame. What the frame claims beyond the end of the
@@ -51,7 +51,7 @@ std::size_t characterLength (std::string_view text)
     return length;
 }
 
-/** The text for the parser, with a question mark for each byte that is no UTF-8: the framework steps over the end of a
+/** The text for the parser, with a question mark for each byte that is no UTF-8: JUCE steps over the end of a
     text whose last character is incomplete. */
 String wellFormed (std::string text)
 {
@@ -88,7 +88,7 @@ double numberFrom (const XmlElement& document, const String& name, double fallba
     return fallback;
 }
 
-/** 0 to 1, in 32-bit floats; what is no number becomes 0. */
+/** 0 to 1, in 32-bit floats; NaN becomes 0. */
 float clampToRange (double value)
 {
     return static_cast<float> (std::fmin (1.0, std::fmax (0.0, static_cast<double> (static_cast<float> (value)))));

@@ -2,7 +2,7 @@
 #include "settings/ValueTexts.h"
 
 #include "frame/TruncateToInt.h"
-#include "settings/DisplayMode.h"
+#include "frame/DisplayMode.h"
 
 #include <algorithm>
 #include <array>
@@ -50,7 +50,7 @@ int roundToInt (double x) noexcept
 
 /** (max - min) v + min, with as many decimals as a range of that size needs, and signed if it reaches below 0.
 
-    The range 0 to 1 comes ahead of the mode: it is the one that the framework itself maps, limits included, and
+    The range 0 to 1 comes ahead of the mode: it is the one that JUCE itself maps, limits included, and
     always has one decimal.
 */
 std::string linear (const ValueTextSettings& settings, float v)

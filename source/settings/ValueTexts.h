@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// Numbers and times as a person reads them. The decimal point is that of the host's locale.
+// Numbers and times as the user reads them. The decimal point is that of the host's locale.
 #pragma once
 
 #include <cstddef>
@@ -20,7 +20,7 @@ struct ValueTextSettings
 /** The text of a position, 0 to 1, as UTF-8. With an empty unit most texts end in a blank.
 
     The mode Choices needs names and belongs to the parameter: here it is a number without a mode of its own and, like
-    all such numbers, shown as LinearAuto. A position that is no number, or a logarithmic range that does not lie
+    all such numbers, shown as LinearAuto. A position that is NaN, or a logarithmic range that does not lie
     above 0, gives some text, such as "nan". Allocates.
 */
 std::string valueText (const ValueTextSettings& settings, float position);

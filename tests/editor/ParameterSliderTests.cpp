@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "editor/Canvas.h"
 #include "editor/ParameterSlider.h"
-#include "settings/DisplayMode.h"
+#include "frame/DisplayMode.h"
 #include "support/KnobPosition.h"
 
 #include <gtest/gtest.h>

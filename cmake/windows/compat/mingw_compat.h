@@ -6,22 +6,22 @@
 
 #ifdef __cplusplus
 
-    #include <cstring>     // the framework uses strncmp and std::memcpy, which come in by the way elsewhere
+    #include <cstring>     // JUCE uses strncmp and std::memcpy, which come in by the way elsewhere
     #include <guiddef.h>   // GUID
     #include <intrin.h>    // __cpuid with an array
     #include <type_traits> // std::remove_cv_t
 
-    // GCC 12 cannot parse this operator inside a default member initialiser, where the framework silences a warning.
+    // GCC 12 cannot parse this operator inside a default member initialiser, where JUCE silences a warning.
     #define _Pragma(text)
 
-// The framework looks for the codec's boolean type in the namespace that it includes the codec in; here the system's
+// JUCE looks for the codec's boolean type in the namespace that it includes the codec in; here the system's
 // headers have defined it already, outside.
 namespace juce::jpeglibNamespace
 {
 using boolean = unsigned char;
 }
 
-// The framework asks a smart pointer for the id of the interface that it points to. MinGW's __uuidof works on the exact
+// JUCE asks a smart pointer for the id of the interface that it points to. MinGW's __uuidof works on the exact
 // type alone, so it is taught to look inside.
 namespace juce
 {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// The system's header lacks an enumeration that the framework's screen-reader support returns. The values are those of the
+// The system's header lacks an enumeration that JUCE's screen-reader support returns. The values are those of the
 // Windows interface.
 #pragma once
 

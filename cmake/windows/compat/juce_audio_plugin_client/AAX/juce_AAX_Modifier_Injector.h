@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// Debian's package of the framework leaves out a plug-in format together with this header, but the window code for
+// Debian's package of JUCE leaves out a plug-in format together with this header, but the window code for
 // Windows derives from the two interfaces that it declares, whatever the format. Nothing of ours calls them.
 #pragma once
 

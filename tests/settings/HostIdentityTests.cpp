@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// The login name in the document. This program's own getpwuid_r stands before the system's and can answer in its place.
+// Who runs what, as the document has it: the user's login name and the tail of the host's path. This program's own
+// getpwuid_r stands before the system's and can answer in its place.
 #include "settings/HostIdentity.h"
-#include "settings/StateBlock.h"
+
+#include "settings/EnvironmentVariable.h"
+#include "settings/ProcessorState.h"
 #include "support/OpenProcessor.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +14,6 @@
 #include <cstring>
 #include <dlfcn.h>
 #include <functional>
-#include <optional>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -35,66 +37,34 @@ extern "C" int getpwuid_r (uid_t user, passwd* record, char* buffer, std::size_t
 namespace
 {
 using namespace state_block;
+using juce::AudioProcessorQuendal;
 
-/** Puts an answer in the place of the system's for a test. */
+/** A processor whose saves name whoever the system's answer says. */
 class LoginName : public testing::Test
 {
 protected:
-    void TearDown() override { standIn = nullptr; }
+    ~LoginName() override { standIn = nullptr; }
 
-    static void answer (UserLookup lookup) { standIn = std::move (lookup); }
+    std::string saved() { return valueOf (save (processor), "username"); }
 
-    /** Answers every question with a name. */
+    /** Puts a name in the place of the system's answer. */
     static void call (const std::string& name)
     {
-        answer (
-            [name] (uid_t, passwd* record, char* buffer, std::size_t size, passwd** result)
-            {
-                *result = nullptr;
+        standIn = [name] (uid_t, passwd* record, char* buffer, std::size_t size, passwd** result)
+        {
+            *result = nullptr;
 
-                if (size < name.size() + 1)
-                    return ERANGE;
+            if (size < name.size() + 1)
+                return ERANGE;
 
-                std::memcpy (buffer, name.c_str(), name.size() + 1);
-                record->pw_name = buffer;
-                *result = record;
-                return 0;
-            });
+            std::memcpy (buffer, name.c_str(), name.size() + 1);
+            record->pw_name = buffer;
+            *result = record;
+            return 0;
+        };
     }
 
-    static std::string saved()
-    {
-        OpenProcessor processor;
-        return valueOf (save (processor), "username");
-    }
-};
-
-/** Sets a variable of the environment for a scope. */
-class EnvironmentVariable
-{
-public:
-    EnvironmentVariable (const char* variable, const char* value) : name (variable)
-    {
-        if (const char* present = std::getenv (name))
-            former = present;
-
-        setenv (name, value, 1);
-    }
-
-    ~EnvironmentVariable()
-    {
-        if (former)
-            setenv (name, former->c_str(), 1);
-        else
-            unsetenv (name);
-    }
-
-    EnvironmentVariable (const EnvironmentVariable&) = delete;
-    EnvironmentVariable& operator= (const EnvironmentVariable&) = delete;
-
-private:
-    const char* name;
-    std::optional<std::string> former;
+    OpenProcessor processor;
 };
 
 TEST_F (LoginName, IsTheSystemsAndNotTheEnvironments)
@@ -110,38 +80,23 @@ TEST_F (LoginName, IsTheSystemsAndNotTheEnvironments)
     EXPECT_EQ (saved(), name);
 }
 
-TEST_F (LoginName, IsThatOfTheEffectiveUser)
-{
-    std::vector<uid_t> asked;
-    answer (
-        [&asked] (uid_t user, passwd*, char*, std::size_t, passwd** result)
-        {
-            asked.push_back (user);
-            *result = nullptr;
-            return 0;
-        });
-    saved();
-    EXPECT_EQ (asked, (std::vector { geteuid() }));
-}
-
-TEST_F (LoginName, IsEmptyForAUserThatTheSystemDoesNotKnow)
+TEST_F (LoginName, IsThatOfTheEffectiveUserAndEmptyIfTheSystemKnowsNone)
 {
     for (const int error : { 0, ENOENT, EIO, EMFILE })
     {
-        answer (
-            [error] (uid_t, passwd*, char*, std::size_t, passwd** result)
-            {
-                *result = nullptr;
-                return error;
-            });
+        std::vector<uid_t> asked;
+        standIn = [&asked, error] (uid_t user, passwd*, char*, std::size_t, passwd** result)
+        {
+            asked.push_back (user);
+            *result = nullptr;
+            return error;
+        };
         EXPECT_EQ (saved(), "") << error;
-
-        OpenProcessor processor;
-        EXPECT_NE (textOf (save (processor)).find (" username=\"\"/>"), std::string::npos);
+        EXPECT_EQ (asked, (std::vector { geteuid() }));
     }
 }
 
-TEST_F (LoginName, MayBeOfAnyLength)
+TEST_F (LoginName, IsAskedForAtEverySaveAndMayBeOfAnyLength)
 {
     for (const std::size_t length : { 1u, 255u, 1023u, 1024u, 100000u })
     {
@@ -151,22 +106,72 @@ TEST_F (LoginName, MayBeOfAnyLength)
     }
 }
 
-TEST_F (LoginName, IsReadAsUtf8AndEscaped)
+TEST_F (LoginName, IsReadAsUtf8)
 {
     call ("J\u00f6rg <&> \"\u58f0\"");
     EXPECT_EQ (saved(), "J\u00f6rg <&> \"\u58f0\"");
-
-    OpenProcessor processor;
-    EXPECT_NE (textOf (save (processor)).find (" username=\"J&#246;rg &lt;&amp;&gt; &quot;&#22768;&quot;\"/>"),
-               std::string::npos);
 }
 
-TEST_F (LoginName, IsAskedForAtEverySave)
+TEST (HostTail, IsTheSecondHalfWithoutTheFirstElement)
 {
-    OpenProcessor processor;
-    call ("first");
-    EXPECT_EQ (valueOf (save (processor), "username"), "first");
-    call ("second");
-    EXPECT_EQ (valueOf (save (processor), "username"), "second");
+    const std::vector<std::pair<const char*, const char*>> rows {
+        // by the count of elements
+        { "", "" },
+        { "host.exe", "" },
+        { "C:/host.exe", "host.exe" },
+        { "C:/b/host.exe", "b/host.exe" },
+        { "C:/a/b/host.exe", "b/host.exe" },
+        { "C:/a/b/c/host.exe", "b/c/host.exe" },
+        { "C:/a/b/c/d/host.exe", "c/d/host.exe" },
+        { "C:/a/b/c/d/e/host.exe", "c/d/e/host.exe" },
+        { "C:/a/b/c/d/e/f/host.exe", "d/e/f/host.exe" },
+
+        // with backslashes
+        { "C:\\b\\host.exe", "b/host.exe" },
+        { "C:\\a/b\\c/host.exe", "b/c/host.exe" },
+        { "\\\\server\\share\\host.exe", "server/share/host.exe" },
+
+        // from the root
+        { "/", "" },
+        { "/host", "host" },
+        { "/bin/host", "bin/host" },
+        { "/usr/bin/host", "bin/host" },
+        { "/usr/local/bin/host", "local/bin/host" },
+
+        // with empty elements
+        { "//", "" },
+        { "//host", "/host" },
+        { "a/b//c", "/c" },
+        { "a/b/c/", "b/c" },
+        { "C:/host.exe/", "host.exe" },
+
+        // with unusual characters
+        { "C:\\Program Files\\Voice Studio 7\\bin\\ host .exe ", "Voice Studio 7/bin/ host .exe " },
+        { "C:\\a\\R&D <\"beta\">\\host.exe", "R&D <\"beta\">/host.exe" },
+        { "/opt/B\u00fccher/\u97f3\u58f0/\U0001F399 h\u00f6st", "B\u00fccher/\u97f3\u58f0/\U0001F399 h\u00f6st" },
+    };
+
+    for (const auto& [path, tail] : rows)
+        EXPECT_EQ (AudioProcessorQuendal::hostTail (juce::String::fromUTF8 (path)).toStdString(), tail) << path;
+}
+
+TEST (SplitPath, CutsAtEverySlash)
+{
+    const std::vector<std::pair<const char*, std::vector<std::string>>> rows {
+        { "", {} },
+        { "a", { "a" } },
+        { "/", { "" } },
+        { "//", { "", "" } },
+        { "/a", { "", "a" } },
+        { "a/", { "a" } },
+        { "a//", { "a", "" } },
+        { "a//b", { "a", "", "b" } },
+        { "a b/ c", { "a b", " c" } },
+        { "a\\b/c", { "a\\b", "c" } },
+        { "a\nb/\u00e4", { "a\nb", "\u00e4" } },
+    };
+
+    for (const auto& [text, elements] : rows)
+        EXPECT_EQ (AudioProcessorQuendal::splitPath (text), elements) << text;
 }
 } // namespace

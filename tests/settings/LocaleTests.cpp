@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // What the host's locale does to a document. Locales with a decimal comma are rarely installed where programs are
 // built, so the tests make one.
-#include "settings/StateBlock.h"
+#include "settings/EnvironmentVariable.h"
+#include "settings/ProcessorState.h"
 #include "support/OpenProcessor.h"
+#include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <clocale>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iomanip>
 
@@ -45,12 +46,8 @@ public:
 class DecimalComma : public testing::Test
 {
 protected:
-    void SetUp() override
+    DecimalComma()
     {
-        auto pattern = (std::filesystem::temp_directory_path() / "larkspire-locale-XXXXXX").string();
-        ASSERT_NE (mkdtemp (pattern.data()), nullptr);
-        folder = pattern;
-
         std::ofstream (folder / "numbers") << "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \"\"\ngrouping -1\n"
                                               "END LC_NUMERIC\n";
 
@@ -65,42 +62,38 @@ protected:
         letters.close();
 
         // Its result says nothing: it warns of the categories that are missing here. What counts is the file.
-        const auto command = "cd '" + folder.string()
+        const auto command = "cd '" + folder.path().string()
                              + "' && localedef --no-archive -c -i ./numbers -f ./letters ./comma"
                              + " > log 2>&1; test -f comma/LC_NUMERIC";
-        ASSERT_EQ (std::system (command.c_str()), 0) << "localedef is needed";
-        ASSERT_EQ (setenv ("LOCPATH", folder.c_str(), 1), 0);
+        EXPECT_EQ (std::system (command.c_str()), 0) << "localedef is needed";
     }
 
-    void TearDown() override
-    {
-        unsetenv ("LOCPATH");
-        std::filesystem::remove_all (folder);
-    }
-
-    std::filesystem::path folder;
+    TemporaryFolder folder;
+    const EnvironmentVariable path { "LOCPATH", folder.path().string() };
+    OpenProcessor processor;
 };
 
-TEST_F (DecimalComma, GoesIntoTheDocument)
+TEST_F (DecimalComma, GoesIntoTheDocumentAsLongAsTheLocaleIsInForce)
 {
-    const HostLocale comma (LC_NUMERIC, "comma");
-    ASSERT_TRUE (comma.isInForce);
-    ASSERT_STREQ (std::localeconv()->decimal_point, ",");
-
-    OpenProcessor processor;
     processor.giveRate (1234567.0);
     processor.setMode (1.0f / 3.0f);
-    const auto block = save (processor);
-    EXPECT_EQ (valueOf (block, "mode"), "0,3333");
-    EXPECT_EQ (valueOf (block, "samplerate"), "1234567") << "whole numbers have neither point nor comma";
+
+    {
+        const HostLocale comma (LC_NUMERIC, "comma");
+        ASSERT_TRUE (comma.isInForce);
+        ASSERT_STREQ (std::localeconv()->decimal_point, ",");
+        const auto block = save (processor);
+        EXPECT_EQ (valueOf (block, "mode"), "0,3333");
+        EXPECT_EQ (valueOf (block, "samplerate"), "1234567") << "whole numbers have neither point nor comma";
+    }
+
+    EXPECT_EQ (valueOf (save (processor), "mode"), "0.3333");
 }
 
-TEST_F (DecimalComma, IsWhereTheParserStops)
+TEST_F (DecimalComma, EndsANumberThatIsReadWhereAPointDoesNot)
 {
     const HostLocale comma (LC_NUMERIC, "comma");
     ASSERT_TRUE (comma.isInForce);
-
-    OpenProcessor processor;
 
     for (const auto& [value, readBack] : { std::pair { 0.0f, 0.0f }, { 0.9999f, 0.0f }, { 1.0f, 1.0f } })
     {
@@ -110,29 +103,9 @@ TEST_F (DecimalComma, IsWhereTheParserStops)
         restore (processor, block);
         EXPECT_EQ (processor.modeParameter->get(), readBack) << value;
     }
-}
 
-TEST_F (DecimalComma, LeavesTheReadingOfAPointAlone)
-{
-    const HostLocale comma (LC_NUMERIC, "comma");
-    ASSERT_TRUE (comma.isInForce);
-
-    OpenProcessor processor;
     restore (processor, blockWith ("mode=\"0.7500\""));
     EXPECT_EQ (processor.modeParameter->get(), 0.75f);
-}
-
-TEST_F (DecimalComma, IsGoneWithTheLocale)
-{
-    OpenProcessor processor;
-    processor.setMode (1.0f / 3.0f);
-
-    {
-        const HostLocale comma (LC_NUMERIC, "comma");
-        ASSERT_EQ (valueOf (save (processor), "mode"), "0,3333");
-    }
-
-    EXPECT_EQ (valueOf (save (processor), "mode"), "0.3333");
 }
 
 TEST (LettersOfTheLocale, MayStandInAttributeNames)

@@ -3,7 +3,7 @@
 // they hold, and beyond it they are no document.
 #include "settings/ParserGuard.h"
 
-#include "settings/StateBlock.h"
+#include "settings/ProcessorState.h"
 #include "support/OpenProcessor.h"
 
 #include <gtest/gtest.h>

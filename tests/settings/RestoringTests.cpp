@@ -1,44 +1,20 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // What setStateInformation takes in, and what it leaves alone.
 #include "settings/RecordingParameter.h"
-#include "settings/StateBlock.h"
-#include "support/OpenProcessor.h"
+#include "settings/RestoredProcessor.h"
 #include "support/ProbeProcessor.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <ostream>
 
 namespace
 {
 using namespace state_block;
 
-/** A processor whose state shows every touch. */
-class Restored : public OpenProcessor
-{
-public:
-    Restored()
-    {
-        setMode (0.625f);
-        settings = { { "kept", "entry" }, { "mode", "stale" } };
-        settle();
-    }
-
-    void settle()
-    {
-        settingsDue = false;
-        samplesSinceChange = 77;
-        stateTouched = false;
-    }
-
-    bool isUntouched() const
-    {
-        return modeParameter->get() == 0.625f && plain (settings) == Store { { "kept", "entry" }, { "mode", "stale" } };
-    }
-
-    bool hasAskedForAnUpdate() const { return settingsDue && samplesSinceChange == 0 && stateTouched; }
-};
+const std::string goodText = documentWith ("mode=\"0.2500\" theirs=\"value\"");
+const std::string goodBlock = around (goodText);
+const auto goodLength = static_cast<std::int32_t> (goodText.size());
 
 /** A row of the tests below: what is restored. */
 struct Block
@@ -47,343 +23,204 @@ struct Block
     std::string bytes;
 };
 
-void PrintTo (const Block& block, std::ostream* out)
+void expectNoDocuments (const std::vector<Block>& blocks)
 {
-    *out << block.what;
-}
-
-const std::string goodText = documentWith ("mode=\"0.2500\" theirs=\"value\"");
-
-class NoDocument : public testing::TestWithParam<Block>
-{
-};
-
-TEST_P (NoDocument, ChangesNothingButAsksForAnUpdate)
-{
-    Restored processor;
-    restore (processor, GetParam().bytes);
-    EXPECT_TRUE (processor.isUntouched());
-    EXPECT_TRUE (processor.hasAskedForAnUpdate());
-}
-
-INSTANTIATE_TEST_SUITE_P (Frame,
-                          NoDocument,
-                          testing::Values (Block { "no byte", "" },
-                                           Block { "one byte", "V" },
-                                           Block { "the magic number alone", "VC2!" },
-                                           Block { "8 bytes", around (goodText).substr (0, 8) },
-                                           Block { "9 bytes", around ("<").substr (0, 9) },
-                                           Block { "10 bytes", around ("<") },
-                                           Block { "another magic number", "VC1!" + around (goodText).substr (4) },
-                                           Block { "the magic number turned round",
-                                                   "!2CV" + around (goodText).substr (4) },
-                                           Block { "plain XML", goodText },
-                                           Block { "plain XML with a zero", goodText + '\0' },
-                                           Block { "the text alone behind 8 bytes", std::string (8, '\0') + goodText },
-                                           Block { "a length of 0", around (goodText, 0) },
-                                           Block { "a length of -1", around (goodText, -1) },
-                                           Block { "the lowest length", around (goodText, -2147483647 - 1) }));
-
-INSTANTIATE_TEST_SUITE_P (
-    Text,
-    NoDocument,
-    testing::Values (Block { "a length too small by one", around (goodText, static_cast<int> (goodText.size()) - 1) },
-                     Block { "a length of 1", around (goodText, 1) },
-                     Block { "an empty text", around ("") },
-                     Block { "zeros", around (std::string (100, '\0')) },
-                     Block { "blanks", around ("    ") },
-                     Block { "no XML", around ("mode=\"0.2500\"") },
-                     Block { "the header alone", around ("<?xml version=\"1.0\" encoding=\"UTF-8\"?> ") },
-                     Block { "an open quote", around ("<settings mode=\"0.2500") },
-                     Block { "an attribute without a value", around ("<settings mode/>") },
-                     Block { "a value without quotes ahead of the end", around ("<settings <mode=\"0.2500\"/>") },
-                     Block { "an element that stays open", around ("<settings mode=\"0.2500\">") },
-                     Block { "a child that stays open", around ("<settings mode=\"0.2500\"><child></settings>") },
-                     Block { "a byte-order mark", around ("\xef\xbb\xbf" + goodText) },
-                     Block { "a zero inside a value",
-                             around (std::string ("<settings mode=\"0.2") + '\0' + "500\"/>") },
-                     Block { "UTF-16", around (std::string_view ("<\0s\0e\0t\0t\0i\0n\0g\0s\0/\0>\0", 22)) }));
-
-INSTANTIATE_TEST_SUITE_P (Root,
-                          NoDocument,
-                          testing::Values (Block { "setting", around ("<setting mode=\"0.2500\"/>") },
-                                           Block { "settings2", around ("<settings2 mode=\"0.2500\"/>") },
-                                           Block { "a name space", around ("<x:settings mode=\"0.2500\"/>") },
-                                           Block { "settings inside another element",
-                                                   around ("<state><settings mode=\"0.2500\"/></state>") }));
-
-class Document : public testing::TestWithParam<Block>
-{
-};
-
-TEST_P (Document, IsTakenIn)
-{
-    Restored processor;
-    restore (processor, GetParam().bytes);
-    EXPECT_EQ (processor.modeParameter->get(), 0.25f);
-    EXPECT_EQ (plain (processor.settings), (Store { { "mode", "0.2500" }, { "theirs", "value" } }));
-    EXPECT_TRUE (processor.hasAskedForAnUpdate());
-}
-
-INSTANTIATE_TEST_SUITE_P (
-    Frame,
-    Document,
-    testing::Values (Block { "as it is saved", around (goodText) },
-                     Block { "without the zero", around (goodText).substr (0, goodText.size() + 8) },
-                     Block { "a length too large by one", around (goodText, static_cast<int> (goodText.size()) + 1) },
-                     Block { "the largest length", around (goodText, 2147483647) },
-                     Block { "the largest length without the zero",
-                             around (goodText, 2147483647).substr (0, goodText.size() + 8) },
-                     Block { "bytes behind the block", around (goodText) + "<settings mode=\"1\"/>" },
-                     Block { "text behind the document", around (goodText + "<settings mode=\"1\"/>") }));
-
-INSTANTIATE_TEST_SUITE_P (
-    Text,
-    Document,
-    testing::Values (
-        Block { "without a header", around ("<settings mode=\"0.2500\" theirs=\"value\"/>") },
-        Block { "the root in capitals", around ("<SETTINGS mode=\"0.2500\" theirs=\"value\"/>") },
-        Block { "the root with a capital", around ("<Settings mode=\"0.2500\" theirs=\"value\"/>") },
-        Block { "the long form", around ("<settings mode=\"0.2500\" theirs=\"value\"></settings>") },
-        Block { "single quotes", around ("<settings mode='0.2500' theirs='value'/>") },
-        Block { "many lines", around ("\r\n<settings\n\tmode = \"0.2500\"\n\ttheirs = \"value\"\n/>\n") },
-        Block { "comments", around ("<!-- a --> <settings mode=\"0.2500\" theirs=\"value\"/> <!-- b -->") },
-        Block { "half a character behind it", around (goodText + "\xf0") },
-        Block { "half a character in text", around ("<settings mode=\"0.2500\" theirs=\"value\">\xf0</settings>") },
-        Block { "empty attributes", around ("<settings a=\"\" mode=\"0.2500\" theirs=\"value\" z=\"\"/>") },
-        Block { "children and text",
-                around ("<settings mode=\"0.2500\" theirs=\"value\">text<settings mode=\"1\" ours=\"2\"/>"
-                        "<mode>1</mode></settings>") }));
-
-struct ByteRow
-{
-    std::string bytes;
-    std::string text;
-};
-
-class RestoredBytes : public testing::TestWithParam<ByteRow>
-{
-};
-
-TEST_P (RestoredBytes, AreReadAsUtf8OrAsQuestionMarks)
-{
-    Restored processor;
-    restore (processor, blockWith ("mode=\"0.2500\" a=\"(" + GetParam().bytes + ")\""));
-    EXPECT_EQ (processor.modeParameter->get(), 0.25f);
-    EXPECT_EQ (plain (processor.settings), (Store { { "mode", "0.2500" }, { "a", "(" + GetParam().text + ")" } }));
-    EXPECT_EQ (valueOf (save (processor), "a"), "(" + GetParam().text + ")");
-}
-
-INSTANTIATE_TEST_SUITE_P (Utf8,
-                          RestoredBytes,
-                          testing::Values (ByteRow { "\x7f", "\x7f" },
-                                           ByteRow { "\xc2\x80", "\xc2\x80" },
-                                           ByteRow { "\xdf\xbf", "\xdf\xbf" },
-                                           ByteRow { "\xe0\xa0\x80", "\xe0\xa0\x80" },
-                                           ByteRow { "\xef\xbf\xbd", "\xef\xbf\xbd" },
-                                           ByteRow { "\xf0\x90\x80\x80", "\xf0\x90\x80\x80" },
-                                           ByteRow { "\xf4\x8f\xbf\xbf", "\xf4\x8f\xbf\xbf" }));
-
-INSTANTIATE_TEST_SUITE_P (NoUtf8,
-                          RestoredBytes,
-                          testing::Values (ByteRow { "J\xf6rg", "J?rg" },
-                                           ByteRow { "\x80", "?" },
-                                           ByteRow { "\xc1\xbf", "??" },
-                                           ByteRow { "\xc3", "?" },
-                                           ByteRow { "\xe4\xb8", "??" },
-                                           ByteRow { "\xf0\x9f\x8e", "???" },
-                                           ByteRow { "\xf0\x9f\xc3\xa4", "??\xc3\xa4" },
-                                           ByteRow { "\xf5\x80\x80\x80", "????" },
-                                           ByteRow { "\xff\xfe", "??" },
-                                           ByteRow { "\xc3\xa4\xa4", "\xc3\xa4?" }));
-
-TEST (Restoring, HandsBackWhatWasSaved)
-{
-    OpenProcessor first;
-    OpenProcessor second;
-    first.giveRate (48000.0);
-    second.giveRate (48000.0);
-    first.setSetting ("theirs", juce::String::fromUTF8 (" <\u00e4> "));
-
-    for (int step = 0; step <= 1000; ++step)
+    for (const auto& [what, bytes] : blocks)
     {
-        const auto value = static_cast<float> (step) / 1000.0f * 0.99987f;
-        first.setMode (value);
-        const auto block = save (first);
-        restore (second, block);
-        ASSERT_NEAR (second.modeParameter->get(), value, 0.0001f);
-        ASSERT_EQ (timelessAttributesOf (save (second)), timelessAttributesOf (block));
+        const RestoredProcessor processor (bytes);
+        EXPECT_TRUE (processor.isUntouched()) << what;
+        EXPECT_TRUE (processor.hasAskedForAnUpdate()) << what;
     }
 }
 
-TEST (Restoring, StoresEveryAttributeTheFixedKeysAndTheParametersAmongThem)
+TEST (Restoring, OfABlockWithoutAFrameChangesNothingButAsksForAnUpdate)
 {
-    OpenProcessor first;
-    first.setSetting ("theirs", "value");
-    const auto block = save (first);
-    const auto attributes = attributesOf (block);
-
-    Restored second;
-    restore (second, block);
-    EXPECT_EQ (plain (second.settings), Store (attributes.begin(), attributes.end()));
-    EXPECT_EQ (second.settings.size(), 8u);
+    expectNoDocuments ({
+        { "no byte", "" },
+        { "one byte", "V" },
+        { "the magic number alone", "VC2!" },
+        { "8 bytes", goodBlock.substr (0, 8) },
+        { "9 bytes", around ("<").substr (0, 9) },
+        { "10 bytes", around ("<") },
+        { "another magic number", "VC1!" + goodBlock.substr (4) },
+        { "the magic number turned round", "!2CV" + goodBlock.substr (4) },
+        { "plain XML", goodText },
+        { "plain XML with a zero", goodText + '\0' },
+        { "the text alone behind 8 bytes", std::string (8, '\0') + goodText },
+        { "a length of 0", around (goodText, 0) },
+        { "a length of -1", around (goodText, -1) },
+        { "the lowest length", around (goodText, -2147483647 - 1) },
+    });
 }
 
-TEST (Restoring, WorksThroughAProgramsStateToo)
+TEST (Restoring, OfATextThatIsNoDocumentChangesNothingButAsksForAnUpdate)
 {
-    Restored processor;
-    const auto block = around (goodText);
-    processor.setCurrentProgramStateInformation (block.data(), static_cast<int> (block.size()));
-    EXPECT_EQ (processor.modeParameter->get(), 0.25f);
-    EXPECT_TRUE (processor.hasAskedForAnUpdate());
+    expectNoDocuments ({
+        { "a length too small by one", around (goodText, goodLength - 1) },
+        { "a length of 1", around (goodText, 1) },
+        { "an empty text", around ("") },
+        { "zeros", around (std::string (100, '\0')) },
+        { "blanks", around ("    ") },
+        { "no XML", around ("mode=\"0.2500\"") },
+        { "the header alone", around (header) },
+        { "an open quote", around ("<settings mode=\"0.2500") },
+        { "an attribute without a value", around ("<settings mode/>") },
+        { "a value without quotes ahead of the end", around ("<settings <mode=\"0.2500\"/>") },
+        { "an element that stays open", around ("<settings mode=\"0.2500\">") },
+        { "a child that stays open", around ("<settings mode=\"0.2500\"><child></settings>") },
+        { "a byte-order mark", around ("\xef\xbb\xbf" + goodText) },
+        { "a zero inside a value", around (std::string ("<settings mode=\"0.2") + '\0' + "500\"/>") },
+        { "UTF-16", around (std::string_view ("<\0s\0e\0t\0t\0i\0n\0g\0s\0/\0>\0", 22)) },
+    });
+}
+
+TEST (Restoring, OfAnotherRootChangesNothingButAsksForAnUpdate)
+{
+    expectNoDocuments ({
+        { "setting", around ("<setting mode=\"0.2500\"/>") },
+        { "settings2", around ("<settings2 mode=\"0.2500\"/>") },
+        { "a name space", around ("<x:settings mode=\"0.2500\"/>") },
+        { "settings inside another element", around ("<state><settings mode=\"0.2500\"/></state>") },
+    });
+}
+
+void expectGoodDocuments (const std::vector<Block>& blocks)
+{
+    for (const auto& [what, bytes] : blocks)
+    {
+        const RestoredProcessor processor (bytes);
+        EXPECT_EQ (processor.mode(), 0.25f) << what;
+        EXPECT_EQ (processor.store(), (Store { { "mode", "0.2500" }, { "theirs", "value" } })) << what;
+        EXPECT_TRUE (processor.hasAskedForAnUpdate()) << what;
+    }
+}
+
+TEST (Restoring, NeedsNeitherTheRightLengthNorTheZeroBehindTheText)
+{
+    expectGoodDocuments ({
+        { "as it is saved", goodBlock },
+        { "without the zero", goodBlock.substr (0, goodText.size() + 8) },
+        { "a length too large by one", around (goodText, goodLength + 1) },
+        { "the largest length", around (goodText, 2147483647) },
+        { "the largest length without the zero", around (goodText, 2147483647).substr (0, goodText.size() + 8) },
+        { "bytes behind the block", goodBlock + "<settings mode=\"1\"/>" },
+        { "text behind the document", around (goodText + "<settings mode=\"1\"/>") },
+    });
+}
+
+TEST (Restoring, TakesADocumentInAnyFormOfXml)
+{
+    expectGoodDocuments ({
+        { "without a header", around ("<settings mode=\"0.2500\" theirs=\"value\"/>") },
+        { "the root in capitals", around ("<SETTINGS mode=\"0.2500\" theirs=\"value\"/>") },
+        { "the root with a capital", around ("<Settings mode=\"0.2500\" theirs=\"value\"/>") },
+        { "the long form", around ("<settings mode=\"0.2500\" theirs=\"value\"></settings>") },
+        { "single quotes", around ("<settings mode='0.2500' theirs='value'/>") },
+        { "many lines", around ("\r\n<settings\n\tmode = \"0.2500\"\n\ttheirs = \"value\"\n/>\n") },
+        { "comments", around ("<!-- a --> <settings mode=\"0.2500\" theirs=\"value\"/> <!-- b -->") },
+        { "half a character behind it", around (goodText + "\xf0") },
+        { "half a character in text", around ("<settings mode=\"0.2500\" theirs=\"value\">\xf0</settings>") },
+        { "empty attributes", around ("<settings a=\"\" mode=\"0.2500\" theirs=\"value\" z=\"\"/>") },
+        { "children and text",
+          around ("<settings mode=\"0.2500\" theirs=\"value\">text<settings mode=\"1\" ours=\"2\"/>"
+                  "<mode>1</mode></settings>") },
+    });
 }
 
 TEST (Restoring, TakesASizeBelowZeroForNoDocument)
 {
-    Restored processor;
-    const auto block = around (goodText);
-    processor.setStateInformation (block.data(), -1);
+    RestoredProcessor processor;
+    processor.settle();
+    processor.setStateInformation (goodBlock.data(), -1);
     EXPECT_TRUE (processor.isUntouched());
     EXPECT_TRUE (processor.hasAskedForAnUpdate());
 }
 
-TEST (Restoring, LeavesAParameterThatTheDocumentLacks)
+TEST (Restoring, SetsTheParameterThatIsNamedExactlyAndKeepsAllThatIsNotEmpty)
 {
-    Restored processor;
-    restore (processor, blockWith ("theirs=\"value\""));
-    EXPECT_EQ (processor.modeParameter->get(), 0.625f);
-    EXPECT_EQ (plain (processor.settings), (Store { { "theirs", "value" } }));
-    EXPECT_TRUE (processor.hasAskedForAnUpdate());
+    struct Row
+    {
+        const char* attributes;
+        float mode;
+        Store store;
+    };
+
+    const float former = RestoredProcessor::formerMode;
+    const std::vector<Row> rows {
+        { "", former, {} },
+        { "theirs=\"value\"", former, { { "theirs", "value" } } },
+        { "MODE=\"0.1\" Mode=\"0.2\" mode2=\"0.3\" mod=\"0.4\" x:mode=\"0.5\"",
+          former,
+          { { "MODE", "0.1" }, { "Mode", "0.2" }, { "mod", "0.4" }, { "mode2", "0.3" }, { "x:mode", "0.5" } } },
+        { "mode=\"\" theirs=\"\" ours=\"1\"", 0.0f, { { "ours", "1" } } },
+        { "mode=\"0.25\" theirs=\"1\" mode=\"0.75\" theirs=\"2\"", 0.25f, { { "mode", "0.75" }, { "theirs", "2" } } },
+        { "plugin=\"Another\" pluginversion=\"9999\" mode=\"0.25\"",
+          0.25f,
+          { { "mode", "0.25" }, { "plugin", "Another" }, { "pluginversion", "9999" } } },
+        { "a=\"&lt;&amp;&quot;&apos;&gt;\" b=\"&#228;&#xe4;\u00e4&#127897;\" c=\"&#10;\" d=\" e \"",
+          former,
+          { { "a", "<&\"'>" }, { "b", "\u00e4\u00e4\u00e4\U0001F399" }, { "c", "\n" }, { "d", " e " } } },
+    };
+
+    for (const auto& row : rows)
+    {
+        const RestoredProcessor processor (blockWith (row.attributes));
+        EXPECT_EQ (processor.mode(), row.mode) << row.attributes;
+        EXPECT_EQ (processor.store(), row.store) << row.attributes;
+        EXPECT_TRUE (processor.hasAskedForAnUpdate()) << row.attributes;
+    }
 }
 
-TEST (Restoring, EmptiesTheStoreForADocumentWithoutAttributes)
+TEST (Restoring, LimitsANumberToTheRangeAndKeepsItAsItStood)
 {
-    Restored processor;
-    restore (processor, blockWith (""));
-    EXPECT_EQ (processor.modeParameter->get(), 0.625f);
-    EXPECT_TRUE (processor.settings.empty());
-    EXPECT_TRUE (processor.hasAskedForAnUpdate());
+    const std::vector<std::pair<float, std::vector<const char*>>> rows {
+        { 0.0f, { "0.0000", "-0.0001", "-7", "-1e300", "-inf", "nan", "-nan", "NaN" } },
+        { 0.0f, { "Medium", "x0.5", "-", "0,7500" } },
+        { 0.123456789f, { "0.123456789" } },
+        { 0.3333f, { "0.3333" } },
+        { 0.5f, { " 0.5", "+0.5", ".5", "5e-1", "0.5 dB" } },
+        { 1.0f, { "1.0000", "1.0001", "2", "1e300", "inf", "+inf", "1,5" } },
+    };
+
+    for (const auto& [value, texts] : rows)
+        for (const auto* text : texts)
+        {
+            const RestoredProcessor processor (blockWith ("mode=\"" + std::string (text) + "\""));
+            EXPECT_EQ (processor.mode(), value) << text;
+            EXPECT_EQ (processor.store(), (Store { { "mode", text } }));
+            EXPECT_TRUE (processor.hasAskedForAnUpdate());
+        }
 }
 
-struct NumberRow
+TEST (Restoring, ReadsBytesAsUtf8OrAsQuestionMarks)
 {
-    const char* text;
-    float value;
-};
+    const std::vector<std::pair<std::string, std::string>> rows {
+        { "\x7f", "\x7f" },
+        { "\xc2\x80", "\xc2\x80" },
+        { "\xdf\xbf", "\xdf\xbf" },
+        { "\xe0\xa0\x80", "\xe0\xa0\x80" },
+        { "\xef\xbf\xbd", "\xef\xbf\xbd" },
+        { "\xf0\x90\x80\x80", "\xf0\x90\x80\x80" },
+        { "\xf4\x8f\xbf\xbf", "\xf4\x8f\xbf\xbf" },
+        { "J\xf6rg", "J?rg" },
+        { "\x80", "?" },
+        { "\xc1\xbf", "??" },
+        { "\xc3", "?" },
+        { "\xe4\xb8", "??" },
+        { "\xf0\x9f\x8e", "???" },
+        { "\xf0\x9f\xc3\xa4", "??\xc3\xa4" },
+        { "\xf5\x80\x80\x80", "????" },
+        { "\xff\xfe", "??" },
+        { "\xc3\xa4\xa4", "\xc3\xa4?" },
+    };
 
-class RestoredNumber : public testing::TestWithParam<NumberRow>
-{
-};
-
-TEST_P (RestoredNumber, IsLimitedToTheRangeAndKeptAsItStood)
-{
-    Restored processor;
-    restore (processor, blockWith ("mode=\"" + std::string (GetParam().text) + "\""));
-    EXPECT_EQ (processor.modeParameter->get(), GetParam().value);
-    EXPECT_EQ (plain (processor.settings), (Store { { "mode", GetParam().text } }));
-    EXPECT_TRUE (processor.hasAskedForAnUpdate());
-}
-
-INSTANTIATE_TEST_SUITE_P (InRange,
-                          RestoredNumber,
-                          testing::Values (NumberRow { "0.0000", 0.0f },
-                                           NumberRow { "1.0000", 1.0f },
-                                           NumberRow { "0.3333", 0.3333f },
-                                           NumberRow { "0.123456789", 0.123456789f },
-                                           NumberRow { " 0.5", 0.5f },
-                                           NumberRow { "+0.5", 0.5f },
-                                           NumberRow { ".5", 0.5f },
-                                           NumberRow { "5e-1", 0.5f },
-                                           NumberRow { "0.5 dB", 0.5f }));
-
-INSTANTIATE_TEST_SUITE_P (OutOfRange,
-                          RestoredNumber,
-                          testing::Values (NumberRow { "-0.0001", 0.0f },
-                                           NumberRow { "-7", 0.0f },
-                                           NumberRow { "1.0001", 1.0f },
-                                           NumberRow { "2", 1.0f },
-                                           NumberRow { "1e300", 1.0f },
-                                           NumberRow { "-1e300", 0.0f },
-                                           NumberRow { "inf", 1.0f },
-                                           NumberRow { "+inf", 1.0f },
-                                           NumberRow { "-inf", 0.0f },
-                                           NumberRow { "nan", 0.0f },
-                                           NumberRow { "-nan", 0.0f },
-                                           NumberRow { "NaN", 0.0f }));
-
-INSTANTIATE_TEST_SUITE_P (NoPlainNumber,
-                          RestoredNumber,
-                          testing::Values (NumberRow { "Medium", 0.0f },
-                                           NumberRow { "x0.5", 0.0f },
-                                           NumberRow { "-", 0.0f },
-                                           NumberRow { "0,7500", 0.0f },
-                                           NumberRow { "1,5", 1.0f }));
-
-TEST (Restoring, ReadsAnEmptyValueAsZeroAndDropsIt)
-{
-    Restored processor;
-    restore (processor, blockWith ("mode=\"\" theirs=\"\" ours=\"1\""));
-    EXPECT_EQ (processor.modeParameter->get(), 0.0f);
-    EXPECT_EQ (plain (processor.settings), (Store { { "ours", "1" } }));
-    EXPECT_TRUE (processor.hasAskedForAnUpdate());
-}
-
-TEST (Restoring, KnowsParametersByTheirExactName)
-{
-    Restored processor;
-    restore (processor, blockWith ("MODE=\"0.1\" Mode=\"0.2\" mode2=\"0.3\" mod=\"0.4\" x:mode=\"0.5\""));
-    EXPECT_EQ (processor.modeParameter->get(), 0.625f);
-    EXPECT_EQ (
-        plain (processor.settings),
-        (Store { { "MODE", "0.1" }, { "Mode", "0.2" }, { "mod", "0.4" }, { "mode2", "0.3" }, { "x:mode", "0.5" } }));
-
-    const auto block = save (processor);
-    EXPECT_EQ (valueOf (block, "mode"), "0.6250");
-    EXPECT_EQ (valueOf (block, "MODE"), "0.1");
-}
-
-TEST (Restoring, TakesTheFirstOfTwoValuesForTheParameterAndTheLastForTheStore)
-{
-    Restored processor;
-    restore (processor, blockWith ("mode=\"0.25\" theirs=\"1\" mode=\"0.75\" theirs=\"2\""));
-    EXPECT_EQ (processor.modeParameter->get(), 0.25f);
-    EXPECT_EQ (plain (processor.settings), (Store { { "mode", "0.75" }, { "theirs", "2" } }));
-}
-
-TEST (Restoring, TakesAnotherPluginsDocumentIn)
-{
-    Restored processor;
-    restore (processor, blockWith ("plugin=\"Another\" pluginversion=\"9999\" mode=\"0.25\""));
-    EXPECT_EQ (processor.modeParameter->get(), 0.25f);
-
-    const auto block = save (processor);
-    EXPECT_EQ (valueOf (block, "plugin"), "Quendal Larkspire");
-    EXPECT_EQ (valueOf (block, "pluginversion"), "242");
-}
-
-TEST (Restoring, CarriesAnUnknownAttributeUntilADocumentLacksIt)
-{
-    OpenProcessor processor;
-    restore (processor, blockWith ("theirs=\"value\""));
-    EXPECT_EQ (valueOf (save (processor), "theirs"), "value");
-    EXPECT_EQ (valueOf (save (processor), "theirs"), "value") << "a save keeps it";
-
-    restore (processor, around ("no document"));
-    EXPECT_EQ (valueOf (save (processor), "theirs"), "value") << "so does a block that is no document";
-
-    restore (processor, blockWith ("ours=\"other\""));
-    const auto block = save (processor);
-    EXPECT_EQ (valueOf (block, "ours"), "other");
-    EXPECT_FALSE (processor.settings.contains ("theirs"));
-}
-
-TEST (Restoring, UnderstandsEscapedValues)
-{
-    Restored processor;
-    restore (processor,
-             blockWith ("a=\"&lt;&amp;&quot;&apos;&gt;\" b=\"&#228;&#xe4;\u00e4&#127897;\" c=\"&#10;\" d=\" e \""));
-    EXPECT_EQ (plain (processor.settings),
-               (Store { { "a", "<&\"'>" }, { "b", "\u00e4\u00e4\u00e4\U0001F399" }, { "c", "\n" }, { "d", " e " } }));
+    for (const auto& [bytes, text] : rows)
+    {
+        RestoredProcessor processor (blockWith ("mode=\"0.2500\" a=\"(" + bytes + ")\""));
+        EXPECT_EQ (processor.mode(), 0.25f);
+        EXPECT_EQ (processor.store(), (Store { { "mode", "0.2500" }, { "a", "(" + text + ")" } }));
+        EXPECT_EQ (valueOf (save (processor), "a"), "(" + text + ")");
+    }
 }
 
 TEST (Restoring, SetsEveryParameterWithAnIdOnceAndInOrder)
@@ -434,25 +271,9 @@ TEST (Restoring, SetsNormalisedValues)
     EXPECT_EQ (gain->get(), -40.0f);
 }
 
-/** Counts what a processor and its parameter tell their listeners. */
-class Notices : public juce::AudioProcessorListener, public juce::AudioProcessorParameter::Listener
+/** Counts what a processor tells its host, and its parameter those who listen to it. */
+struct Notices : juce::AudioProcessorListener, juce::AudioProcessorParameter::Listener
 {
-public:
-    explicit Notices (OpenProcessor& observed) : processor (observed)
-    {
-        processor.addListener (this);
-        processor.modeParameter->addListener (this);
-    }
-
-    ~Notices() override
-    {
-        processor.modeParameter->removeListener (this);
-        processor.removeListener (this);
-    }
-
-    Notices (const Notices&) = delete;
-    Notices& operator= (const Notices&) = delete;
-
     void audioProcessorParameterChanged (juce::AudioProcessor*, int, float) override { ++toHost; }
     void audioProcessorChanged (juce::AudioProcessor*, const ChangeDetails&) override { ++toHost; }
     void audioProcessorParameterChangeGestureBegin (juce::AudioProcessor*, int) override { ++toHost; }
@@ -462,20 +283,19 @@ public:
 
     int toHost = 0;
     int toListeners = 0;
-
-private:
-    OpenProcessor& processor;
 };
 
 TEST (Restoring, TellsNeitherHostNorListeners)
 {
+    Notices notices;
     OpenProcessor processor;
-    Notices notices (processor);
+    processor.addListener (&notices);
+    processor.modeParameter->addListener (&notices);
     processor.setMode (0.5f);
     ASSERT_EQ (notices.toHost, 1);
     ASSERT_EQ (notices.toListeners, 1);
 
-    for (const auto& block : { around (goodText), blockWith ("mode=\"1\""), blockWith (""), around ("no document") })
+    for (const auto& block : { goodBlock, blockWith ("mode=\"1\""), blockWith (""), around ("no document") })
         restore (processor, block);
 
     save (processor);
@@ -486,7 +306,7 @@ TEST (Restoring, TellsNeitherHostNorListeners)
 
 TEST (Restoring, MakesTheBlockLoopUpdateAtItsNextSample)
 {
-    for (const auto& block : { around (goodText), blockWith (""), around ("no document"), std::string() })
+    for (const auto& block : { goodBlock, blockWith (""), around ("no document"), std::string() })
     {
         ProbeProcessor probe;
         probe.runSilence (10);
@@ -499,32 +319,5 @@ TEST (Restoring, MakesTheBlockLoopUpdateAtItsNextSample)
         probe.runSilence (5);
         EXPECT_EQ (probe.updatesAtSample, (std::vector<std::size_t> { 0, 10 }));
     }
-}
-
-TEST (Restoring, BringsItsModeIntoForceWithTheNextSample)
-{
-    OpenProcessor processor;
-    std::vector<float> left { 0.1f };
-    std::vector<float> right { 0.1f };
-    processor.run (left, right);
-    ASSERT_EQ (processor.modeIndex, 2);
-
-    restore (processor, blockWith ("mode=\"0.3333\""));
-    EXPECT_EQ (processor.modeIndex, 2);
-
-    processor.run (left, right);
-    EXPECT_EQ (processor.modeIndex, 3);
-}
-
-TEST (Restoring, LeavesTheProgramsAlone)
-{
-    ProbeProcessor probe;
-    probe.programs = { { "One", "mode=\"0.1\"" }, { "Two", "mode=\"0.2\"" } };
-    probe.currentProgram = 1;
-    probe.appliedProgram = 0;
-    restore (probe, blockWith ("mode=\"0.25\""));
-    EXPECT_EQ (probe.currentProgram, 1);
-    EXPECT_EQ (probe.appliedProgram, 0);
-    EXPECT_EQ (probe.programs.size(), 2u);
 }
 } // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "torture/SettingsModel.h"
 
+#include "support/StateBlock.h"
 #include "torture/Mismatch.h"
 
 #include <array>
@@ -13,7 +14,8 @@
 
 namespace
 {
-constexpr std::string_view header = "<?xml version=\"1.0\" encoding=\"UTF-8\"?> ";
+using state_block::around;
+using state_block::header;
 
 /** A value as a host may write it, and as the plug-in writes it. */
 struct Spelling
@@ -53,21 +55,6 @@ constexpr std::array modeTexts { ModeText { "0.0000", 0.0f },    ModeText { "0.1
                                  ModeText { "", 0.0f },          ModeText { " 0.25", 0.25f },
                                  ModeText { "0.25xyz", 0.25f },  ModeText { "2.5e-1", 0.25f } };
 
-std::string framed (const std::string& text, std::int64_t claimed)
-{
-    std::string bytes = "VC2!";
-
-    for (unsigned shift = 0; shift < 32; shift += 8)
-        bytes += static_cast<char> (static_cast<std::uint32_t> (claimed) >> shift & 0xffu);
-
-    return bytes + text + '\0';
-}
-
-std::string framed (const std::string& text)
-{
-    return framed (text, static_cast<std::int64_t> (text.size()));
-}
-
 /** Damage that makes a block no document. */
 std::string damaged (const std::string& text, Dice& dice)
 {
@@ -77,23 +64,23 @@ std::string damaged (const std::string& text, Dice& dice)
         return text; // without a frame
 
     case 1:
-        return framed (text, 0);
+        return around (text, 0);
 
     case 2:
-        return framed (text, -5);
+        return around (text, -5);
 
     case 3:
-        return framed (text, 5); // ends within the first name
+        return around (text, 5); // ends within the first name
 
     case 4:
-        return framed ("<other mode=\"1\"/>");
+        return around ("<other mode=\"1\"/>");
 
     case 5:
-        return framed (text).substr (0, 1 + dice.below (8));
+        return around (text).substr (0, 1 + dice.below (8));
 
     case 6:
     {
-        auto bytes = framed (text);
+        auto bytes = around (text);
         bytes[dice.below (4)] ^= 0x20;
         return bytes;
     }
@@ -190,7 +177,7 @@ SettingsModel::Block SettingsModel::someBlock (Dice& dice)
     if (dice.onceIn (3))
         return { damaged (text, dice), false, false, 0.0f, {} };
 
-    block.bytes = dice.onceIn (5) ? framed (text, 1000000) : framed (text);
+    block.bytes = dice.onceIn (5) ? around (text, 1000000) : around (text);
     block.isDocument = true;
     return block;
 }
@@ -230,6 +217,5 @@ void SettingsModel::requireSaved (const std::string& bytes, float mode, double r
         text += " " + attribute (name, spelling);
 
     text += "/>";
-    require ("the saved document", bytes.substr (8, bytes.size() - 9), text);
-    require ("the frame around a saved document", bytes == framed (text), true);
+    require ("the saved block", bytes, around (text));
 }

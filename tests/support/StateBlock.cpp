@@ -1,18 +1,24 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "settings/StateBlock.h"
-
-#include <gtest/gtest.h>
+#include "support/StateBlock.h"
 
 #include <algorithm>
 #include <cstdlib>
+#include <stdexcept>
 
 namespace state_block
 {
 
 namespace
 {
-constexpr std::string_view header = "<?xml version=\"1.0\" encoding=\"UTF-8\"?> ";
+constexpr std::string_view magic = "VC2!";
 
+void require (bool condition, const char* what, std::string_view block)
+{
+    if (! condition)
+        throw std::runtime_error ("a state block " + std::string (what) + ": " + std::string (block));
+}
+
+/** Four bytes, the lowest first. */
 std::string littleEndian (std::uint32_t number)
 {
     std::string bytes;
@@ -44,10 +50,7 @@ std::string takeUpTo (std::string_view& text, char end)
 
 std::string unescaped (std::string_view text)
 {
-    static const std::map<std::string, std::string> named {
-        { "amp", "&" }, { "lt", "<" }, { "gt", ">" }, { "quot", "\"" }
-    };
-
+    static const Store named { { "amp", "&" }, { "lt", "<" }, { "gt", ">" }, { "quot", "\"" } };
     std::string value;
 
     while (! text.empty())
@@ -61,28 +64,30 @@ std::string unescaped (std::string_view text)
 
         if (entity.starts_with ('#'))
             value += utf8 (static_cast<std::uint32_t> (std::strtoul (entity.c_str() + 1, nullptr, 10)));
-        else
+        else if (named.contains (entity))
             value += named.at (entity);
+        else
+            throw std::runtime_error ("an entity that is never saved: " + entity);
     }
 
     return value;
 }
 } // namespace
 
-std::string around (std::string_view text)
+std::vector<std::string> freshNames()
 {
-    return around (text, static_cast<std::int32_t> (text.size()));
+    return { "mode", "date_modified", "daw", "plugin", "pluginversion", "samplerate", "username" };
 }
 
-std::string around (std::string_view text, std::int32_t claimedLength)
+std::string around (std::string_view text, std::optional<std::int32_t> claimedLength)
 {
-    return "VC2!" + littleEndian (static_cast<std::uint32_t> (claimedLength)) + std::string (text) + '\0';
+    const auto length = claimedLength.value_or (static_cast<std::int32_t> (text.size()));
+    return std::string (magic) + littleEndian (static_cast<std::uint32_t> (length)) + std::string (text) + '\0';
 }
 
-std::string documentWith (std::string_view attributes, std::string_view element)
+std::string documentWith (std::string_view attributes)
 {
-    const std::string gap = attributes.empty() ? "" : " ";
-    return std::string (header) + "<" + std::string (element) + gap + std::string (attributes) + "/>";
+    return std::string (header) + "<settings" + (attributes.empty() ? "" : " ") + std::string (attributes) + "/>";
 }
 
 std::string blockWith (std::string_view attributes)
@@ -130,96 +135,60 @@ std::string utf8 (std::uint32_t codePoint)
     return byte (0xf0u | codePoint >> 18) + further (12) + further (6) + further (0);
 }
 
-std::string save (juce::AudioProcessor& processor)
+std::string textOf (std::string_view block)
 {
-    juce::MemoryBlock block;
-    processor.getStateInformation (block);
-    return { static_cast<const char*> (block.getData()), block.getSize() };
-}
+    require (block.size() >= 9, "is too short", block);
 
-void restore (juce::AudioProcessor& processor, std::string_view block)
-{
-    const std::vector<char> bytes (block.begin(), block.end());
-    processor.setStateInformation (bytes.data(), static_cast<int> (bytes.size()));
-}
-
-std::string textOf (const std::string& block)
-{
-    if (block.size() < 9)
-    {
-        ADD_FAILURE() << "a block of " << block.size() << " bytes";
-        return {};
-    }
-
-    EXPECT_EQ (block.substr (0, 4), "VC2!");
-    EXPECT_EQ (block.substr (4, 4), littleEndian (static_cast<std::uint32_t> (block.size() - 9)));
-    EXPECT_EQ (block.back(), '\0');
-
-    auto text = block.substr (8, block.size() - 9);
-    EXPECT_EQ (text.find ('\0'), std::string::npos);
+    const std::string text (block.substr (8, block.size() - 9));
+    require (block == around (text), "has another frame", block);
+    require (text.find ('\0') == std::string::npos, "has a zero in its text", block);
     return text;
 }
 
-Attributes attributesOf (const std::string& block)
+Attributes attributesOf (std::string_view block)
 {
     const auto text = textOf (block);
     std::string_view rest (text);
     Attributes attributes;
-
-    if (! take (rest, header) || ! take (rest, "<settings"))
-        ADD_FAILURE() << text;
+    require (take (rest, header) && take (rest, "<settings"), "has another start", block);
 
     while (take (rest, " "))
     {
         auto name = takeUpTo (rest, '=');
-
-        if (! take (rest, "\""))
-            ADD_FAILURE() << text;
-
+        require (take (rest, "\""), "has a value without quotes", block);
         attributes.emplace_back (std::move (name), unescaped (takeUpTo (rest, '"')));
     }
 
-    EXPECT_EQ (rest, "/>") << text;
+    require (rest == "/>", "has another end", block);
     return attributes;
 }
 
-std::vector<std::string> namesOf (const Attributes& attributes)
-{
-    std::vector<std::string> names;
-
-    for (const auto& [name, value] : attributes)
-        names.push_back (name);
-
-    return names;
-}
-
-std::string valueOf (const std::string& block, const std::string& name)
-{
-    auto found = attributesOf (block);
-    std::erase_if (found, [&] (const auto& attribute) { return attribute.first != name; });
-
-    if (found.size() == 1)
-        return found.front().second;
-
-    ADD_FAILURE() << found.size() << " attributes \"" << name << "\"";
-    return {};
-}
-
-Attributes timelessAttributesOf (const std::string& block)
+Attributes timelessAttributesOf (std::string_view block)
 {
     auto attributes = attributesOf (block);
     std::erase_if (attributes, [] (const auto& attribute) { return attribute.first == "date_modified"; });
     return attributes;
 }
 
-Store plain (const std::map<juce::String, juce::String>& settings)
+std::vector<std::string> namesOf (std::string_view block)
 {
-    Store store;
+    std::vector<std::string> names;
 
-    for (const auto& [key, value] : settings)
-        store.emplace (key.toStdString(), value.toStdString());
+    for (const auto& [name, value] : attributesOf (block))
+        names.push_back (name);
 
-    return store;
+    return names;
+}
+
+std::string valueOf (std::string_view block, std::string_view name)
+{
+    auto found = attributesOf (block);
+    std::erase_if (found, [&] (const auto& attribute) { return attribute.first != name; });
+
+    if (found.size() != 1)
+        throw std::runtime_error (std::to_string (found.size()) + " attributes " + std::string (name));
+
+    return found.front().second;
 }
 
 } // namespace state_block

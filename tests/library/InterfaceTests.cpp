@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 namespace
 {
 TEST (Interface, ShowsTheEffectRecord)
@@ -244,22 +242,5 @@ TEST (Interface, KeepsToSinglePrecision)
 {
     RawHost host;
     EXPECT_EQ (host.effect().flags & Vst2::effFlagsCanDoubleReplacing, 0);
-}
-
-TEST (Interface, RoundTripsItsStateAsProgramAndAsBank)
-{
-    for (const int kind : { 0, 1 })
-    {
-        RawHost source;
-        source.setParameter (1.0f / 3.0f);
-        void* data = nullptr;
-        const auto size = source.dispatch (Vst2::effGetChunk, kind, 0, &data);
-        ASSERT_GT (size, 9);
-        ASSERT_EQ (std::memcmp (data, "VC2!", 4), 0);
-
-        RawHost target;
-        target.dispatch (Vst2::effSetChunk, kind, size, data);
-        EXPECT_EQ (target.getParameter(), 0.3333f);
-    }
 }
 } // namespace

@@ -5,58 +5,42 @@
 
 #include <cmath>
 #include <limits>
+#include <vector>
 
 namespace
 {
 using larkspire::durationText;
 
-struct UnitRow
+TEST (DurationText, ChangesItsUnitAtExactlyOneAndItsWordAtExactlyTwo)
 {
-    const char* name;
-    double seconds;
-    const char* one;
-    const char* justBelowOne;
-    const char* two;
-    const char* justBelowTwo;
-};
+    struct Unit
+    {
+        double seconds;
+        const char* justBelowOne;
+        const char* one;
+        const char* justBelowTwo;
+        const char* two;
+    };
 
-class DurationUnit : public testing::TestWithParam<UnitRow>
-{
-protected:
-    static std::string justBelow (double seconds) { return durationText (std::nextafter (seconds, 0.0)); }
-};
+    const std::vector<Unit> units {
+        { 31536000.0, "12 months", "1 year", "1 year", "2 years" },
+        { 2592000.0, "29 days", "1 month", "1 month", "2 months" },
+        { 86400.0, "23 hours", "1 day", "1 day", "2 days" },
+        { 3600.0, "59 minutes", "1 hour", "1 hour", "2 hours" },
+        { 60.0, "59 sec", "1 minute", "1 minute", "2 minutes" },
+        { 1.0, "999 ms", "1 sec", "1 sec", "2 sec" },
+        { 0.001, "999 micros", "1 ms", "1 ms", "2 ms" },
+        { 0.000001, "", "1 micros", "1 micros", "2 micros" },
+    };
 
-TEST_P (DurationUnit, HasAWordForExactlyOne)
-{
-    EXPECT_EQ (durationText (GetParam().seconds), GetParam().one);
+    for (const auto& unit : units)
+    {
+        EXPECT_EQ (durationText (std::nextafter (unit.seconds, 0.0)), unit.justBelowOne);
+        EXPECT_EQ (durationText (unit.seconds), unit.one);
+        EXPECT_EQ (durationText (std::nextafter (2.0 * unit.seconds, 0.0)), unit.justBelowTwo);
+        EXPECT_EQ (durationText (2.0 * unit.seconds), unit.two);
+    }
 }
-
-TEST_P (DurationUnit, LeavesJustBelowOneToTheNextSmallerUnit)
-{
-    EXPECT_EQ (justBelow (GetParam().seconds), GetParam().justBelowOne);
-}
-
-TEST_P (DurationUnit, HasAWordForMore)
-{
-    EXPECT_EQ (durationText (2.0 * GetParam().seconds), GetParam().two);
-}
-
-TEST_P (DurationUnit, DropsTheRemainderJustBelowTwo)
-{
-    EXPECT_EQ (justBelow (2.0 * GetParam().seconds), GetParam().justBelowTwo);
-}
-
-INSTANTIATE_TEST_SUITE_P (OfEachRow,
-                          DurationUnit,
-                          testing::Values (UnitRow { "Year", 31536000.0, "1 year", "12 months", "2 years", "1 year" },
-                                           UnitRow { "Month", 2592000.0, "1 month", "29 days", "2 months", "1 month" },
-                                           UnitRow { "Day", 86400.0, "1 day", "23 hours", "2 days", "1 day" },
-                                           UnitRow { "Hour", 3600.0, "1 hour", "59 minutes", "2 hours", "1 hour" },
-                                           UnitRow { "Minute", 60.0, "1 minute", "59 sec", "2 minutes", "1 minute" },
-                                           UnitRow { "Second", 1.0, "1 sec", "999 ms", "2 sec", "1 sec" },
-                                           UnitRow { "Millisecond", 0.001, "1 ms", "999 micros", "2 ms", "1 ms" },
-                                           UnitRow { "Microsecond", 0.000001, "1 micros", "", "2 micros", "1 micros" }),
-                          [] (const auto& test) { return test.param.name; });
 
 TEST (DurationText, ShowsTheLargestUnitAndDropsTheRest)
 {
@@ -64,9 +48,7 @@ TEST (DurationText, ShowsTheLargestUnitAndDropsTheRest)
     EXPECT_EQ (durationText (90.0), "1 minute");
     EXPECT_EQ (durationText (3.7), "3 sec");
     EXPECT_EQ (durationText (0.25), "250 ms");
-    EXPECT_EQ (durationText (172800.0), "2 days");
     EXPECT_EQ (durationText (0.0000015), "1 micros");
-    EXPECT_EQ (durationText (59.999), "59 sec");
     EXPECT_EQ (durationText (3.0e9), "95 years");
 }
 

@@ -53,43 +53,17 @@ void expectTexts (int mode, const std::vector<Row>& rows)
             << "mode " << mode << ", range " << row.min << " to " << row.max << ", value " << row.value;
 }
 
-TEST (ValueText, NumbersItsModesAsStoredParametersDo)
-{
-    EXPECT_EQ (DisplayMode::LinearAuto, 0);
-    EXPECT_EQ (DisplayMode::LinearWhole, 1);
-    EXPECT_EQ (DisplayMode::Percent, 2);
-    EXPECT_EQ (DisplayMode::CubicRange, 3);
-    EXPECT_EQ (DisplayMode::CubicGain10, 4);
-    EXPECT_EQ (DisplayMode::CubicGain18, 5);
-    EXPECT_EQ (DisplayMode::LogFrequency, 6);
-    EXPECT_EQ (DisplayMode::LogValue, 7);
-    EXPECT_EQ (DisplayMode::Signed15, 8);
-    EXPECT_EQ (DisplayMode::Square5, 9);
-    EXPECT_EQ (DisplayMode::Choices, 10);
-    EXPECT_EQ (DisplayMode::SignedLinear, 11);
-    EXPECT_EQ (DisplayMode::ReciprocalSweep, 12);
-    EXPECT_EQ (DisplayMode::LogDuration, 13);
-}
-
 TEST (ValueText, LinearAutoHasFewerDecimalsTheHigherTheRangeReaches)
 {
     expectTexts (0,
                  {
                      { 0.0f, 100.0f, 0.5f, "50 u" },
-                     { 0.0f, 100.0f, 0.0f, "0 u" },
-                     { 0.0f, 100.0f, 1.0f, "100 u" },
-                     { 0.0f, 100.0f, 0.256f, "26 u" },
                      { 0.0f, justAbove (29.0f), 0.5f, "15 u" },
                      { 0.0f, 29.0f, 0.5f, "14.5 u" },
-                     { 0.0f, 10.0f, 0.123f, "1.2 u" },
                      { 1.0f, justAbove (2.9f), 1.0f, "2.9 u" },
                      { 1.0f, 2.9f, 1.0f, "2.90 u" }, // the 32-bit 2.9 lies above the 64-bit one
-                     { 1.0f, justBelow (2.9f), 1.0f, "2.90 u" },
                      { 0.0f, 2.0f, 0.25f, "0.50 u" },
-                     { 0.5f, 1.0f, 0.5f, "0.75 u" },
                      { 0.0f, 100.0f, 0.015f, "2 u" },  // 32-bit
-                     { 0.0f, 10.0f, 0.025f, "0.2 u" }, // 32-bit
-                     { 2.0f, 2.9f, 0.15f, "2.13 u" },  // 32-bit
                      { 0.1f, 7.3f, 0.3125f, "2.3 u" }, // 32-bit
                      { 0.0f, 100.0f, -0.5f, "-50 u" }, // beyond the ends the line goes on
                      { 0.0f, 100.0f, 1.5f, "150 u" },
@@ -104,9 +78,7 @@ TEST (ValueText, LinearAutoIsSignedWhereTheRangeReachesBelowZero)
                      { -1.0f, 1.0f, 0.25f, "-0.50 u" },
                      { -1.0f, 1.0f, 0.5f, "+0.00 u" },
                      { -10.0f, 10.0f, 0.75f, "+5.0 u" },
-                     { -10.0f, 10.0f, 0.0f, "-10.0 u" },
                      { -60.0f, 60.0f, 0.75f, "+30 u" },
-                     { -60.0f, 60.0f, 0.25f, "-30 u" },
                      { -1.0f, 1.0f, 0.0275f, "-0.94 u" }, // 32-bit
                      { -0.0f, 2.0f, 0.5f, "1.00 u" },     // a negative zero is not below zero
                      { justBelow (0.0f), 2.0f, 0.5f, "+1.00 u" },
@@ -118,12 +90,9 @@ TEST (ValueText, LinearWholeHasNoDecimalsWhateverTheRange)
 {
     expectTexts (1,
                  {
-                     { 0.0f, 100.0f, 0.5f, "50 u" },
                      { 0.0f, 10.0f, 0.5f, "5 u" },
                      { 0.0f, 2.0f, 0.9f, "2 u" },
-                     { 0.0f, 29.0f, 1.0f, "29 u" },
                      { -1.0f, 1.0f, 0.9f, "+1 u" },
-                     { -10.0f, 10.0f, 0.25f, "-5 u" },
                      { 0.0f, 10.0f, 0.05f, "0 u" }, // 32-bit, and a half that goes to the even number
                      { 0.0f, 10.0f, 0.85f, "8 u" }, // 32-bit
                  });
@@ -131,7 +100,7 @@ TEST (ValueText, LinearWholeHasNoDecimalsWhateverTheRange)
 
 TEST (ValueText, ShowsOneDecimalInTheRange0To1EvenWhereWholeNumbersAreAskedFor)
 {
-    for (const int mode : { 0, 1, 14, -1 })
+    for (const int mode : { 0, 1 })
         expectTexts (mode,
                      {
                          { 0.0f, 1.0f, 0.0f, "0.0 u" },
@@ -172,11 +141,9 @@ TEST (ValueText, PercentRoundsHalvesAwayFromZeroAndIgnoresTheRange)
                      { 0.0f, 1.0f, 0.0f, "0 u" },
                      { 0.0f, 1.0f, 1.0f, "100 u" },
                      { 0.0f, 1.0f, 0.125f, "13 u" },
-                     { 0.0f, 1.0f, 0.625f, "63 u" },
                      { 0.0f, 1.0f, justBelow (0.125f), "12 u" },
                      { 0.0f, 1.0f, -0.125f, "-13 u" },
                      { 0.0f, 1.0f, 0.005f, "1 u" }, // 32-bit
-                     { 0.0f, 1.0f, 0.055f, "6 u" }, // 32-bit
                      { -5.0f, 7.0f, 0.3f, "30 u" },
                  });
 }
@@ -191,10 +158,7 @@ TEST (ValueText, CubicRangeIsOffAtTheBottomAndSignedAbove)
                      { -60.0f, 12.0f, std::numeric_limits<float>::denorm_min(), "-60.0 u" },
                      { -60.0f, 12.0f, 0.5f, "-51.0 u" },
                      { -60.0f, 12.0f, 1.0f, "+12.0 u" },
-                     { 0.0f, 100.0f, 0.2f, "+0.8 u" },
-                     { 0.0f, 1.0f, 0.5f, "+0.1 u" },
                      { -60.0f, 12.0f, 0.395374954f, "-55.6 u" },    // 64-bit
-                     { 0.0f, 10.0f, 0.246621206f, "+0.1 u" },       // 64-bit
                      { -7.3f, 1.1f, 0.5f, "-6.3 u" },               // 64-bit
                      { -1.0f, 16777216.0f, 1.0f, "+16777215.0 u" }, // 32-bit in the difference alone
                  });
@@ -209,10 +173,8 @@ TEST (ValueText, CubicGain10IsOffAtTheBottomAndReachesTenDecibels)
                      { 0.0f, 1.0f, nan, "OFF" },
                      { 0.0f, 1.0f, 1.0f, "+10.0 u" },
                      { 0.0f, 1.0f, 0.5f, "-8.1 u" },
-                     { 0.0f, 1.0f, 0.1f, "-50.0 u" },
                      { -5.0f, 7.0f, 0.7f, "+0.7 u" },
                      { 0.0f, 1.0f, 0.255564183f, "-25.5 u" }, // the square root of ten gives -25.6
-                     { 0.0f, 1.0f, 0.445827305f, "-11.0 u" }, // and here -11.1
                  });
 }
 
@@ -221,13 +183,9 @@ TEST (ValueText, CubicGain18IsOffAtTheBottomAndReachesEighteenDecibels)
     expectTexts (5,
                  {
                      { 0.0f, 1.0f, 0.0f, "OFF" },
-                     { 0.0f, 1.0f, -0.5f, "OFF" },
-                     { 0.0f, 1.0f, nan, "OFF" },
                      { 0.0f, 1.0f, 1.0f, "+18.1 u" },
                      { 0.0f, 1.0f, 0.5f, "+0.0 u" }, // 8 times an eighth
-                     { 0.0f, 1.0f, 0.1f, "-41.9 u" },
                      { -5.0f, 7.0f, 0.7f, "+8.8 u" },
-                     { 0.0f, 1.0f, 0.538852632f, "+2.0 u" },  // 64-bit
                      { 0.0f, 1.0f, 0.177747428f, "-27.0 u" }, // 64-bit
                  });
 }
@@ -238,14 +196,10 @@ TEST (ValueText, LogFrequencyRunsEvenlyInOctaves)
                  {
                      { 20.0f, 20000.0f, 0.0f, "20.0 u" },
                      { 20.0f, 20000.0f, 0.1f, "40 u" },
-                     { 20.0f, 20000.0f, 0.5f, "632 u" },
-                     { 20.0f, 20000.0f, 0.6f, "1.3 ku" },
                      { 20.0f, 20000.0f, 0.99f, "18.7 ku" },
                      { 20.0f, 20000.0f, 1.0f, "20 ku" },
-                     { 0.01f, 100.0f, 0.0f, "1 minute" },
                      { 0.01f, 100.0f, 0.25f, "10 sec" },
                      { 0.01f, 100.0f, 0.5f, "1.00 u" },
-                     { 0.01f, 100.0f, 0.75f, "10.0 u" },
                      { 20000.0f, 20.0f, 0.0f, "20 ku" },
                      { 20.0f, 0.0f, 1.0f, "0 u" }, // the logarithm of 0 is minus infinity
                  });
@@ -257,10 +211,7 @@ TEST (ValueText, LogValueRunsEvenlyInRatios)
                  {
                      { 0.1f, 1000.0f, 0.0f, "0.10 u" },
                      { 0.1f, 1000.0f, 0.25f, "1.00 u" },
-                     { 0.1f, 1000.0f, 0.5f, "10.0 u" },
-                     { 0.1f, 1000.0f, 0.625f, "32 u" },
                      { 1.0f, 1000000.0f, 0.936f, "413048 u" }, // 32-bit
-                     { 10.0f, 100000.0f, 0.867f, "29377 u" },  // 32-bit
                      { 10.0f, 100000.0f, 0.886f, "34994 u" },  // 32-bit
                      { 20.0f, 0.0f, 1.0f, "0 u" },
                  });
@@ -273,7 +224,6 @@ TEST (ValueText, LogDurationRunsEvenlyInRatiosOfTime)
                      { 0.0001525f, 15.0f, 0.0f, "152 micros" },
                      { 0.00015f, 15.0f, 0.25f, "2 ms" }, // 2.667 ms
                      { 0.00015f, 15.0f, 0.9f, "4 sec" }, // 4.743 s
-                     { 1.5f, 86400000.0f, 0.0f, "1 sec" },
                      { 1.5f, 86400000.0f, 1.0f, "2 years" },
                      { 5.0e-7f, 1.0f, 0.0f, "" }, // too short for a word
                      { 20.0f, 0.0f, 1.0f, "0 u" },
@@ -302,7 +252,6 @@ TEST (ValueText, Signed15IgnoresTheRange)
                      { 0.0f, 1.0f, -0.5f, "-7.5 u" },
                      { -3.0f, 9.0f, 0.5f, "+7.5 u" },
                      { 0.0f, 1.0f, 0.07f, "+1.0 u" }, // 32-bit
-                     { 0.0f, 1.0f, 0.17f, "+2.5 u" }, // 32-bit
                  });
 }
 
@@ -314,7 +263,6 @@ TEST (ValueText, Square5IgnoresTheRange)
                      { 0.0f, 1.0f, 0.5f, "1.3 u" },
                      { -3.0f, 9.0f, 1.0f, "5.0 u" },
                      { 0.0f, 1.0f, 0.942207575f, "4.4 u" }, // the square in 32 bits
-                     { 0.0f, 1.0f, 0.524890661f, "1.4 u" }, // the square in 32 bits
                  });
 }
 
@@ -324,12 +272,10 @@ TEST (ValueText, SignedLinearIsWholeOnAWideRangeAndBlanksTheSignOfZero)
                  {
                      { -12.0f, 12.0f, 0.5f, "  0 u" },
                      { -12.0f, 12.0f, 1.0f, "+12 u" },
-                     { -12.0f, 12.0f, 0.0f, "-12 u" },
                      { -12.0f, 12.0f, 0.52f, "  0 u" }, // 0.48
                      { -12.0f, 12.0f, 0.48f, "  0 u" }, // -0.48
                      { -8.0f, 8.0f, 0.53125f, "+1 u" }, // 0.5
                      { -8.0f, 8.0f, 0.46875f, "-1 u" }, // -0.5
-                     { -8.0f, 8.0f, 0.65625f, "+3 u" }, // 2.5
                      { -5.5f, 5.5f, 0.5f, "  0 u" },    // a range of just 11
                      { 0.0f, 11.0f, 0.25f, "+3 u" },    // 2.75
                      { 0.0f, justBelow (11.0f), 0.25f, "+2.7 u" },
@@ -343,17 +289,13 @@ TEST (ValueText, SignedLinearHasOneDecimalOnANarrowRangeAndBlanksTheSignOfWhatIs
                  {
                      { -3.0f, 3.0f, 0.5f, "  0.0 u" },
                      { -3.0f, 3.0f, 1.0f, "+3.0 u" },
-                     { -3.0f, 3.0f, 0.0f, "-3.0 u" },
                      { 0.1f, 3.0f, 0.0f, "+0.1 u" },
                      { justBelow (0.1f), 3.0f, 0.0f, "  0.0 u" },
                      { -0.1f, 3.0f, 0.0f, "-0.1 u" },
                      { justAbove (-0.1f), 3.0f, 0.0f, "  0.0 u" },
-                     { 0.0f, 1.0f, 0.09f, "  0.0 u" }, // would round to 0.1
-                     { 0.0f, 1.0f, 0.25f, "+0.2 u" },
-                     { 3.0f, -3.0f, 0.0f, "+3.0 u" }, // a falling range is a narrow one
-                     { 20.0f, -20.0f, 0.0f, "+20.0 u" },
+                     { 0.0f, 1.0f, 0.09f, "  0.0 u" },  // would round to 0.1
+                     { 3.0f, -3.0f, 0.0f, "+3.0 u" },   // a falling range is a narrow one
                      { -1.0f, 1.0f, 0.075f, "-0.9 u" }, // 32-bit
-                     { 0.1f, 7.3f, 0.4375f, "+3.2 u" }, // 32-bit
                  });
 }
 
@@ -365,28 +307,14 @@ TEST (ValueText, ReciprocalSweepHasNoBlankAheadOfTheUnit)
                      { justBelow (10.0f), 100.0f, 0.0f, "10.0u" },
                      { 10.0f, 100.0f, 1.0f, "100u" },
                      { 1.0f, 100.0f, 0.25f, "2.0u" }, // 1 / (1 - 0.99 / 2)
-                     { 2.0f, 4.0f, 0.25f, "2.7u" },   // 1 / (1/2 - 1/4 / 2)
                      { 0.0f, 50.0f, 0.0f, "0.0u" },   // an end at 0 has no reciprocal
                      { 0.0f, 50.0f, 0.25f, "100u" },
-                     { 0.0f, 50.0f, 1.0f, "50u" },
-                     { 4.0f, 0.0f, 0.25f, "8.0u" },
                      { 4.0f, 0.0f, 1.0f, "0.0u" },
                      { 0.0f, 0.0f, 0.5f, "0.0u" },
                      { -4.0f, 4.0f, 0.25f, "0.0u" }, // the sweep passes through 0
                      { -4.0f, -8.0f, 1.0f, "-8.0u" },
-                     { 3.0f, 0.0f, 0.04f, "3.8u" },   // the root in 32 bits, all else in 64
-                     { 3.0f, 0.0f, 0.49f, "10.0u" },  // the root in 32 bits, all else in 64
-                     { 3.0f, 0.0f, 0.996f, "1499u" }, // the root in 32 bits, all else in 64
-                     { 0.0f, 50.0f, 0.64f, "62u" },   // the root in 32 bits, all else in 64
+                     { 3.0f, 0.0f, 0.04f, "3.8u" }, // the root in 32 bits, all else in 64
                  });
-}
-
-TEST (ValueText, NamesAChoiceInTheModeOfChoicesAlone)
-{
-    for (int mode = 0; mode <= 13; ++mode)
-        EXPECT_EQ (ShowingParameter (mode, 2.0f, 8.0f).valueToText (knobPosition (1)) == "second",
-                   mode == DisplayMode::Choices)
-            << mode;
 }
 
 TEST (ValueText, TakesAnyUnitAsItStands)
@@ -402,13 +330,6 @@ TEST (ValueText, TakesAnyUnitAsItStands)
     EXPECT_EQ (text (0, juce::String::repeatedString ("x", 200)), "50 " + std::string (200, 'x'));
     EXPECT_EQ (ShowingParameter (0, 0.0f, std::numeric_limits<float>::max()).valueToText (1.0f),
                "340282346638528859811704183484516925440 u");
-}
-
-TEST (ValueText, LeavesTheUnitOutWhereItSaysOffOrADuration)
-{
-    EXPECT_EQ (ShowingParameter (3, 0.0f, 10.0f, "dB").valueToText (0.0f), "OFF");
-    EXPECT_EQ (ShowingParameter (6, 0.01f, 0.01f, "Hz").valueToText (0.0f), "1 minute");
-    EXPECT_EQ (ShowingParameter (13, 90.0f, 90.0f, "s").valueToText (0.0f), "1 minute");
 }
 
 TEST (ValueText, ShowsTheSmallestIntWhereAWholeNumberFitsNone)
@@ -445,29 +366,19 @@ TEST (FrequencyText, ChangesItsFormatExactlyAtItsBounds)
     const NumberRow rows[] = {
         { 0.0, "0 Hz" },
         { 1.0e-9, "31 years" },
-        { 0.01, "1 minute" },
         { 0.1, "10 sec" },
-        { 0.25, "4 sec" },
         { justBelow (0.3), "3 sec" },
-        { static_cast<double> (justBelow (0.3f)), "3 sec" },
         { 0.3, "0.30 Hz" },
-        { static_cast<double> (0.3f), "0.30 Hz" },
-        { 1.0, "1.00 Hz" },
-        { static_cast<double> (justBelow (3.0f)), "3.00 Hz" },
         { justBelow (3.0), "3.00 Hz" },
         { 3.0, "3.0 Hz" },
         { static_cast<double> (justBelow (30.0f)), "30.0 Hz" },
         { 30.0, "30 Hz" },
-        { static_cast<double> (justBelow (1000.0f)), "1000 Hz" },
         { 1000.0, "1000 Hz" },
         { static_cast<double> (justAbove (1000.0f)), "1.0 kHz" },
         { 1500.0, "1.5 kHz" },
-        { 18960.0, "19.0 kHz" },
-        { static_cast<double> (justBelow (19000.0f)), "19.0 kHz" },
         { 19000.0, "19.0 kHz" },
         { static_cast<double> (justAbove (19000.0f)), "19 kHz" },
         { 20000.0, "20 kHz" },
-        { 1234567.0, "1235 kHz" },
     };
 
     for (const auto& row : rows)
@@ -479,13 +390,10 @@ TEST (MagnitudeText, ChangesItsFormatExactlyAtItsBounds)
     const NumberRow rows[] = {
         { 0.0, "0 u" },
         { 0.004, "0.00 u" },
-        { 0.25, "0.25 u" },
-        { static_cast<double> (justBelow (3.0f)), "3.00 u" },
         { justBelow (3.0), "3.00 u" },
         { 3.0, "3.0 u" },
         { static_cast<double> (justBelow (30.0f)), "30.0 u" },
         { 30.0, "30 u" },
-        { 1500.0, "1500 u" },
         { 1.0e6, "1000000 u" },
     };
 
@@ -499,6 +407,5 @@ TEST (TimeText, ShowsAZeroWhereThereIsNoTime)
     EXPECT_EQ (larkspire::timeText (-1.0, "s"), "0 s");
     EXPECT_EQ (larkspire::timeText (std::numeric_limits<double>::quiet_NaN(), "s"), "0 s");
     EXPECT_EQ (larkspire::timeText (90.0, "s"), "1 minute");
-    EXPECT_EQ (larkspire::timeText (5.0e-7, "s"), "");
 }
 } // namespace

@@ -114,6 +114,32 @@ TEST_P (Equality, DoesNotWearOffOverTenSeconds)
 
 INSTANTIATE_TEST_SUITE_P (OfLibraryAndOracle, Equality, testing::Range (0, 10));
 
+TEST (EqualityAfterANewRate, HoldsAlsoWhereTheFiltersHearOfItOnlyAtTheNextRefresh)
+{
+    constexpr std::size_t change = 10000;
+    constexpr std::size_t frames = 70000; // the refresh comes with the 65536th
+    auto actual = noise (frames, -12.0, 5);
+    auto expected = actual;
+
+    RawHost host;
+    host.start (48000.0f);
+    host.process (actual.left, actual.right, 0, change);
+    host.suspend();
+    host.start (96000.0f);
+    host.process (actual.left, actual.right, change, frames - change);
+
+    const ScopedFlushToZero flushToZero;
+    ReferencePlugin oracle (false);
+
+    for (std::size_t i = 0; i < frames; ++i)
+    {
+        oracle.setHostRate (i < change ? 48000.0 : 96000.0);
+        oracle.process (expected.left[i], expected.right[i]);
+    }
+
+    EXPECT_LE (compare (actual, expected).worst, bound);
+}
+
 TEST (EqualityCheck, IsNotThatOfTwoSilences)
 {
     // The comparison itself must be able to see a difference, and the modes must be different sounds.

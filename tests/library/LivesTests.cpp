@@ -87,7 +87,7 @@ TEST (Lives, OfTenThousandInstancesLeaveNoMemoryBehind)
 {
     constexpr std::size_t count = 10000;
     const RawHost anchor;  // keeps the library loaded; that has a test of its own
-    liveThrough (500, 32); // the framework and the C library set themselves up
+    liveThrough (500, 32); // JUCE and the C library set themselves up
     const auto before = memoryInUse();
     liveThrough (count, 32);
     const auto after = memoryInUse();

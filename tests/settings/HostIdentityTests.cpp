@@ -43,7 +43,7 @@ using juce::AudioProcessorQuendal;
 class LoginName : public testing::Test
 {
 protected:
-    ~LoginName() override { standIn = nullptr; }
+    void TearDown() override { standIn = nullptr; }
 
     std::string saved() { return valueOf (save (processor), "username"); }
 

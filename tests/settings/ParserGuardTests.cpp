@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// Texts at the edge of what the framework's parser can deal with: on this side of it they are taken in, whatever else
+// Texts at the edge of what JUCE's parser can deal with: on this side of it they are taken in, whatever else
 // they hold, and beyond it they are no document.
 #include "settings/ParserGuard.h"
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 /** A parameter that keeps whatever number it is given, in its range or not, and writes down what it was given. Base is
-    the framework's class with an id or the one without. */
+    JUCE's class with an id or the one without. */
 template <typename Base>
 class RecordingParameter : public Base
 {

@@ -4,7 +4,6 @@
 #include "settings/ValueTexts.h"
 
 #include "frame/AudioParameterFloatQuendal.h"
-#include "support/KnobPosition.h"
 
 #include <gtest/gtest.h>
 
@@ -262,7 +261,7 @@ TEST (ValueText, Square5IgnoresTheRange)
                      { 0.0f, 1.0f, 0.0f, "0.1 u" },
                      { 0.0f, 1.0f, 0.5f, "1.3 u" },
                      { -3.0f, 9.0f, 1.0f, "5.0 u" },
-                     { 0.0f, 1.0f, 0.942207575f, "4.4 u" }, // the square in 32 bits
+                     { 0.0f, 1.0f, 0.524890661f, "1.4 u" }, // the square in 32 bits, all else in 64
                  });
 }
 

@@ -139,10 +139,10 @@ std::string textOf (std::string_view block)
 {
     require (block.size() >= 9, "is too short", block);
 
-    const std::string text (block.substr (8, block.size() - 9));
+    const auto text = block.substr (8, block.size() - 9);
     require (block == around (text), "has another frame", block);
-    require (text.find ('\0') == std::string::npos, "has a zero in its text", block);
-    return text;
+    require (text.find ('\0') == std::string_view::npos, "has a zero in its text", block);
+    return std::string (text);
 }
 
 Attributes attributesOf (std::string_view block)

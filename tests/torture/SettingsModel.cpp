@@ -217,5 +217,6 @@ void SettingsModel::requireSaved (const std::string& bytes, float mode, double r
         text += " " + attribute (name, spelling);
 
     text += "/>";
-    require ("the saved block", bytes, around (text));
+    require ("the saved document", bytes.substr (8, bytes.size() - 9), text);
+    require ("the frame around a saved document", bytes == around (text), true);
 }

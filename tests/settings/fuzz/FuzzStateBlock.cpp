@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // Restores whatever bytes the fuzzer makes up as a state block. A block may be refused or taken in, but the processor
 // must stay in order, and what it saves afterwards must restore to the same settings.
+#include "settings/ProcessorState.h"
 #include "support/OpenProcessor.h"
 
 #include <clocale>
@@ -20,7 +21,9 @@ extern "C" int getpwuid_r (uid_t, passwd* record, char* buffer, std::size_t size
 
 namespace
 {
-using Attributes = std::map<juce::String, juce::String>;
+using state_block::restore;
+using state_block::save;
+using state_block::Store;
 
 void require (bool condition, const char* what)
 {
@@ -31,30 +34,14 @@ void require (bool condition, const char* what)
     std::abort();
 }
 
-void restore (OpenProcessor& processor, const void* data, std::size_t size)
-{
-    processor.setStateInformation (data, static_cast<int> (size));
-}
-
-juce::MemoryBlock save (OpenProcessor& processor)
-{
-    juce::MemoryBlock block;
-    processor.getStateInformation (block);
-    return block;
-}
-
 /** The attributes of a block of our own that survive a restore, without the time of saving. */
-Attributes attributesOf (const juce::MemoryBlock& block)
+Store attributesOf (const std::string& block)
 {
-    const auto element = juce::AudioProcessor::getXmlFromBinary (block.getData(), static_cast<int> (block.getSize()));
-    require (element != nullptr && element->hasTagName ("settings"), "a saved block holds a document");
+    Store attributes;
 
-    Attributes attributes;
-
-    for (int i = 0; i < element->getNumAttributes(); ++i)
-        if (element->getAttributeValue (i).isNotEmpty() && element->getAttributeName (i) != "date_modified")
-            require (attributes.emplace (element->getAttributeName (i), element->getAttributeValue (i)).second,
-                     "no attribute stands twice");
+    for (const auto& [name, value] : state_block::timelessAttributesOf (block))
+        if (! value.empty())
+            require (attributes.emplace (name, value).second, "no attribute stands twice");
 
     return attributes;
 }
@@ -62,7 +49,7 @@ Attributes attributesOf (const juce::MemoryBlock& block)
 
 extern "C" int LLVMFuzzerInitialize (int*, char***)
 {
-    // The framework writes its assertions here: thousands a second, and they say no more than that a block is damaged.
+    // JUCE writes its assertions here: thousands a second, and they say no more than that a block is damaged.
     std::cerr.setstate (std::ios_base::badbit);
 
     // As in hosts: the parser's idea of a letter comes from here.
@@ -80,7 +67,7 @@ extern "C" int LLVMFuzzerTestOneInput (const std::uint8_t* data, std::size_t siz
     processor.samplesSinceChange = 77;
     processor.stateTouched = false;
 
-    restore (processor, data, size);
+    restore (processor, { reinterpret_cast<const char*> (data), size });
 
     require (processor.settingsDue && processor.samplesSinceChange == 0 && processor.stateTouched,
              "every block asks for a re-initialisation");
@@ -98,7 +85,7 @@ extern "C" int LLVMFuzzerTestOneInput (const std::uint8_t* data, std::size_t siz
         require (name.isNotEmpty() && value.isNotEmpty(), "the store holds nothing empty");
 
     const auto first = save (processor);
-    restore (processor, first.getData(), first.getSize());
+    restore (processor, first);
     const auto second = save (processor);
     require (attributesOf (first) == attributesOf (second), "what was saved restores to the same settings");
     return 0;

@@ -2,35 +2,15 @@
 #pragma once
 
 #include "frame/LarkspireAudioProcessor.h"
-#include "support/ChannelPointer.h"
 #include "support/KnobPosition.h"
+#include "support/Opened.h"
 
 /** The plug-in's processor with its insides open to the tests. */
-class OpenProcessor : public LarkspireAudioProcessor
+class OpenProcessor : public Opened<LarkspireAudioProcessor>
 {
 public:
     /** As the wrapper does, which enables the buses that the framework's default leaves disabled. */
     OpenProcessor() { enableAllBuses(); }
-
-    using juce::AudioProcessorQuendal::appliedProgram;
-    using juce::AudioProcessorQuendal::builtOversamplingFactor;
-    using juce::AudioProcessorQuendal::countSamples;
-    using juce::AudioProcessorQuendal::currentProgram;
-    using juce::AudioProcessorQuendal::oversampler;
-    using juce::AudioProcessorQuendal::oversamplerBlockSize;
-    using juce::AudioProcessorQuendal::oversamplingFactor;
-    using juce::AudioProcessorQuendal::preparedBlockSize;
-    using juce::AudioProcessorQuendal::programs;
-    using juce::AudioProcessorQuendal::programScratch;
-    using juce::AudioProcessorQuendal::refreshCounter;
-    using juce::AudioProcessorQuendal::requestUpdate;
-    using juce::AudioProcessorQuendal::reserveLeft;
-    using juce::AudioProcessorQuendal::reserveRight;
-    using juce::AudioProcessorQuendal::sampleRate;
-    using juce::AudioProcessorQuendal::samplesSinceChange;
-    using juce::AudioProcessorQuendal::settings;
-    using juce::AudioProcessorQuendal::settingsDue;
-    using juce::AudioProcessorQuendal::stateTouched;
 
     using LarkspireAudioProcessor::airFilter;
     using LarkspireAudioProcessor::bodyFilter;
@@ -53,6 +33,8 @@ public:
         setMode (value);
         updateSettings();
     }
+
+    using Opened::run;
 
     /** Runs one stereo block in place; both lists have the same length. */
     void run (std::vector<float>& left, std::vector<float>& right)

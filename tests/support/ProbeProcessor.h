@@ -1,20 +1,19 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "frame/AudioProcessorQuendal.h"
-#include "support/ChannelPointer.h"
+#include "support/Opened.h"
 
 #include <functional>
 #include <stdexcept>
 #include <xmmintrin.h>
 
 /** A processor of the tests' own on the same base class: it writes down what the block loop does to it. */
-class ProbeProcessor : public juce::AudioProcessorQuendal
+class ProbeProcessor : public Opened<juce::AudioProcessorQuendal>
 {
 public:
     explicit ProbeProcessor (const juce::AudioChannelSet& input = juce::AudioChannelSet::stereo(),
                              const juce::AudioChannelSet& output = juce::AudioChannelSet::stereo())
-        : AudioProcessorQuendal (BusesProperties())
+        : Opened (BusesProperties())
     {
         enableAllBuses();
         BusesLayout layout;
@@ -24,26 +23,6 @@ public:
         if (! setBusesLayout (layout))
             throw std::runtime_error ("the probe refuses its own layout");
     }
-
-    using juce::AudioProcessorQuendal::appliedProgram;
-    using juce::AudioProcessorQuendal::builtOversamplingFactor;
-    using juce::AudioProcessorQuendal::countSamples;
-    using juce::AudioProcessorQuendal::currentProgram;
-    using juce::AudioProcessorQuendal::oversampler;
-    using juce::AudioProcessorQuendal::oversamplerBlockSize;
-    using juce::AudioProcessorQuendal::oversamplingFactor;
-    using juce::AudioProcessorQuendal::preparedBlockSize;
-    using juce::AudioProcessorQuendal::programs;
-    using juce::AudioProcessorQuendal::programScratch;
-    using juce::AudioProcessorQuendal::refreshCounter;
-    using juce::AudioProcessorQuendal::requestUpdate;
-    using juce::AudioProcessorQuendal::reserveLeft;
-    using juce::AudioProcessorQuendal::reserveRight;
-    using juce::AudioProcessorQuendal::sampleRate;
-    using juce::AudioProcessorQuendal::samplesSinceChange;
-    using juce::AudioProcessorQuendal::settings;
-    using juce::AudioProcessorQuendal::settingsDue;
-    using juce::AudioProcessorQuendal::stateTouched;
 
     const juce::String getName() const override { return "Probe"; }
     double getTailLengthSeconds() const override { return 0.0; }
@@ -75,20 +54,6 @@ public:
         log.push_back ("begin");
         blockCounts.push_back (sampleCount);
         onBegin (buffer);
-    }
-
-    /** Runs one block in place on as many channels as there are lists. */
-    void run (std::vector<std::vector<float>>& channels)
-    {
-        std::vector<float*> pointers (channels.size());
-
-        for (std::size_t i = 0; i < channels.size(); ++i)
-            pointers[i] = channelPointer (channels[i]);
-
-        juce::AudioBuffer<float> buffer (
-            pointers.data(), static_cast<int> (channels.size()), static_cast<int> (channels.front().size()));
-        juce::MidiBuffer midi;
-        processBlock (buffer, midi);
     }
 
     /** Runs a stereo block of silence. */

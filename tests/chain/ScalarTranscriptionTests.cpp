@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// The stages on pairs against the same formulas on single floats, to the bit: ordinary samples, and any bits at all.
+// The stages on pairs against the oracle's on single floats, to the bit: ordinary samples, and any bits at all.
 #include "chain/OneSample.h"
 #include "chain/StereoFold.h"
+#include "reference/Stages.h"
+#include "support/Comparison.h"
 
 #include <gtest/gtest.h>
 #include <juce_audio_basics/juce_audio_basics.h>
 
 #include <array>
-#include <bit>
-#include <cmath>
-#include <cstring>
 #include <limits>
 #include <random>
 
@@ -18,12 +17,6 @@ namespace
 using namespace larkspire;
 
 constexpr unsigned int seed = 20240611;
-
-/** The bits of a float; one pattern for all that is no number, whose sign and payload nobody hears. */
-std::uint32_t bits (float value)
-{
-    return std::isnan (value) ? 0x7fc00000u : std::bit_cast<std::uint32_t> (value);
-}
 
 /** Samples of every kind: mostly what a voice is made of, sometimes any float there is, sometimes the special ones. */
 class Samples
@@ -61,41 +54,13 @@ private:
     std::uniform_real_distribution<float> level { -6.0f, 1.0f };
 };
 
-float expandedGain (const LevelRider& rider, float g, float x)
-{
-    if (std::abs (g * x) > rider.threshold)
-    {
-        g = (std::abs (x / rider.threshold) * rider.attackRate + 1.0f) * g;
-    }
-    else
-    {
-        g = g * 0.9998f;
-
-        if (! (g >= 0.2f))
-            g = 0.2f;
-    }
-
-    return g > 1.0f ? 1.0f : g;
-}
-
-float levelledGain (const LevelRider& rider, float g, float v)
-{
-    if (std::abs (g * v) > rider.threshold)
-        return g / (std::abs (v / rider.threshold) * rider.attackRate + 1.0f);
-
-    g = (1.0f - g) * rider.releaseRate + g;
-    return g > 1.0f ? 1.0f : g;
-}
-
-float ridden (const LevelRider& rider, float g, float x)
-{
-    return (g * rider.gainScale + rider.gainOffset) * x * rider.outputGain;
-}
-
 using Stage = ChannelPair (*) (LevelRider&, ChannelPair);
-using Gain = float (*) (const LevelRider&, float, float);
+using Gain = float (*) (const reference::Rider&, float, float);
 
-void expectTheSameGains (Stage stage, Gain gain, RiderSettings ModeRow::*settings)
+void expectTheSameGains (Stage stage,
+                         RiderSettings ModeRow::*row,
+                         Gain gain,
+                         reference::Rider reference::Mode::*settings)
 {
     Samples samples;
 
@@ -103,7 +68,7 @@ void expectTheSameGains (Stage stage, Gain gain, RiderSettings ModeRow::*setting
         for (int i = 0; i < 300000; ++i)
         {
             LevelRider rider;
-            applySettings (rider, modeForIndex (index).*settings);
+            applySettings (rider, modeForIndex (index).*row);
             const float gains[] = { samples.gain(), samples.gain() };
             const float inputs[] = { samples.next(), samples.next() };
             rider.gainLeft = gains[0];
@@ -111,22 +76,23 @@ void expectTheSameGains (Stage stage, Gain gain, RiderSettings ModeRow::*setting
 
             const auto [left, right] = sampleOf (stage (rider, pairOf ({ inputs[0], inputs[1] })));
 
-            const float wanted[] = { gain (rider, gains[0], inputs[0]), gain (rider, gains[1], inputs[1]) };
-            ASSERT_EQ (bits (rider.gainLeft), bits (wanted[0])) << gains[0] << ", " << inputs[0];
-            ASSERT_EQ (bits (rider.gainRight), bits (wanted[1])) << gains[1] << ", " << inputs[1];
-            ASSERT_EQ (bits (left), bits (ridden (rider, wanted[0], inputs[0]))) << inputs[0];
-            ASSERT_EQ (bits (right), bits (ridden (rider, wanted[1], inputs[1]))) << inputs[1];
+            const auto& oracle = reference::modeAt (index).*settings;
+            const float wanted[] = { gain (oracle, gains[0], inputs[0]), gain (oracle, gains[1], inputs[1]) };
+            ASSERT_EQ (audibleBits (rider.gainLeft), audibleBits (wanted[0])) << gains[0] << ", " << inputs[0];
+            ASSERT_EQ (audibleBits (rider.gainRight), audibleBits (wanted[1])) << gains[1] << ", " << inputs[1];
+            ASSERT_EQ (audibleBits (left), audibleBits (ridden (oracle, wanted[0], inputs[0]))) << inputs[0];
+            ASSERT_EQ (audibleBits (right), audibleBits (ridden (oracle, wanted[1], inputs[1]))) << inputs[1];
         }
 }
 
 TEST (ScalarTranscription, OfTheExpanderHasTheSameBits)
 {
-    expectTheSameGains (expand, expandedGain, &ModeRow::expander);
+    expectTheSameGains (expand, &ModeRow::expander, reference::expanderGain, &reference::Mode::expander);
 }
 
 TEST (ScalarTranscription, OfTheLevellerHasTheSameBits)
 {
-    expectTheSameGains (level, levelledGain, &ModeRow::leveller);
+    expectTheSameGains (level, &ModeRow::leveller, reference::levellerGain, &reference::Mode::leveller);
 }
 
 TEST (ScalarTranscription, OfTheFoldHasTheSameBits)
@@ -135,28 +101,72 @@ TEST (ScalarTranscription, OfTheFoldHasTheSameBits)
 
     for (int i = 0; i < 1000000; ++i)
     {
-        const float l = samples.next();
-        const float r = samples.next();
-        const float s = (l - r) * 0.5f;
-        const float m = r + l;
+        float l = samples.next();
+        float r = samples.next();
         const auto [left, right] = sampleOf (foldTowardsMiddle (pairOf ({ l, r })));
-        ASSERT_EQ (bits (left), bits ((s + m) * 0.75f)) << l << ", " << r;
-        ASSERT_EQ (bits (right), bits ((m - s) * 0.75f)) << l << ", " << r;
+        reference::fold (l, r);
+        ASSERT_EQ (audibleBits (left), audibleBits (l));
+        ASSERT_EQ (audibleBits (right), audibleBits (r));
     }
 }
 
-void expectTheSameRecord (const PeakingFilter& actual, const PeakingFilter& wanted)
+/** The oracle's record of a filter. */
+reference::Biquad oracleOf (const PeakingFilter& f)
 {
-    std::array<float, 16> a {};
-    std::array<float, 16> b {};
-    std::memcpy (a.data(), &actual, sizeof (a));
-    std::memcpy (b.data(), &wanted, sizeof (b));
-
-    for (std::size_t i = 0; i < a.size(); ++i)
-        ASSERT_EQ (bits (a[i]), bits (b[i])) << "field " << i;
+    return { f.b0,
+             f.b1,
+             f.b2,
+             f.a0,
+             f.a1,
+             f.a2,
+             { f.left.x1, f.right.x1 },
+             { f.left.x2, f.right.x2 },
+             { f.left.y1, f.right.y1 },
+             { f.left.y2, f.right.y2 } };
 }
 
-void expectTheSameFilters (float (Samples::*next)())
+void expectTheSameMemory (const PeakingFilter& actual, const reference::Biquad& wanted, const StereoSample& newest)
+{
+    const auto memory = oracleOf (actual);
+
+    for (std::size_t channel = 0; channel < 2; ++channel)
+    {
+        ASSERT_EQ (audibleBits (memory.x1[channel]), audibleBits (wanted.x1[channel]));
+        ASSERT_EQ (audibleBits (memory.x2[channel]), audibleBits (wanted.x2[channel]));
+        ASSERT_EQ (audibleBits (memory.y1[channel]), audibleBits (wanted.y1[channel]));
+        ASSERT_EQ (audibleBits (memory.y2[channel]), audibleBits (wanted.y2[channel]));
+    }
+
+    ASSERT_EQ (audibleBits (actual.left.x0), audibleBits (newest.first));
+    ASSERT_EQ (audibleBits (actual.right.x0), audibleBits (newest.second));
+}
+
+/** Two filters side by side, and alone where that is asked for, against the oracle's two. */
+void expectTheSameFilters (PeakingFilter& lower, PeakingFilter& upper, const StereoSample& input)
+{
+    auto alone = lower;
+    auto wantedLower = oracleOf (lower);
+    auto wantedUpper = oracleOf (upper);
+    const auto both = filterSideBySide (lower, upper, pairOf (input));
+
+    float wanted[] = { input.first, input.second, input.first, input.second };
+    run (wantedLower, wanted[0], wanted[1]);
+    run (wantedUpper, wanted[2], wanted[3]);
+
+    for (int lane = 0; lane < 4; ++lane)
+        ASSERT_EQ (audibleBits (both[lane]), audibleBits (wanted[lane])) << "lane " << lane;
+
+    expectTheSameMemory (lower, wantedLower, input);
+    expectTheSameMemory (upper, wantedUpper, input);
+
+    auto [left, right] = input;
+    process (alone, left, right);
+    ASSERT_EQ (audibleBits (left), audibleBits (wanted[0]));
+    ASSERT_EQ (audibleBits (right), audibleBits (wanted[1]));
+    expectTheSameMemory (alone, wantedLower, input);
+}
+
+TEST (ScalarTranscription, OfTheFiltersHasTheSameBits)
 {
     Samples samples;
 
@@ -167,64 +177,27 @@ void expectTheSameFilters (float (Samples::*next)())
         PeakingFilter body;
         designPeaking (air, 48000.0f, mode.air.gainDb, mode.air.frequency, mode.air.bandwidth);
         designPeaking (body, 48000.0f, mode.body.gainDb, mode.body.frequency, mode.body.bandwidth);
-        auto wantedAir = air;
-        auto wantedBody = body;
 
         for (int i = 0; i < 100000; ++i)
-        {
-            const StereoSample input { (samples.*next)(), (samples.*next)() };
-            const auto both = filterSideBySide (air, body, pairOf (input));
-
-            auto fromAir = input;
-            auto fromBody = input;
-            process (wantedAir, fromAir.first, fromAir.second);
-            process (wantedBody, fromBody.first, fromBody.second);
-
-            ASSERT_EQ (bits (both[0]), bits (fromAir.first)) << i;
-            ASSERT_EQ (bits (both[1]), bits (fromAir.second)) << i;
-            ASSERT_EQ (bits (both[2]), bits (fromBody.first)) << i;
-            ASSERT_EQ (bits (both[3]), bits (fromBody.second)) << i;
-            expectTheSameRecord (air, wantedAir);
-            expectTheSameRecord (body, wantedBody);
-        }
+            ASSERT_NO_FATAL_FAILURE (
+                expectTheSameFilters (air, body, { samples.nextOfAVoice(), samples.nextOfAVoice() }));
     }
-}
-
-TEST (ScalarTranscription, OfTheFiltersHasTheSameBits)
-{
-    expectTheSameFilters (&Samples::nextOfAVoice);
 }
 
 TEST (ScalarTranscription, OfTheFiltersHasTheSameBitsOnAnyFloats)
 {
-    expectTheSameFilters (&Samples::next);
-}
-
-TEST (ScalarTranscription, OfTheFiltersTellsTheirMemoriesApart)
-{
     // In the chain both filters hear the same; here not a field of one is a field of the other.
     Samples samples;
-    PeakingFilter filters[2];
 
-    for (auto& filter : filters)
+    for (int i = 0; i < 100000; ++i)
     {
-        std::array<float, 16> fields {};
+        std::array<float, 32> fields {};
 
         for (auto& field : fields)
-            field = samples.nextOfAVoice();
+            field = samples.next();
 
-        filter = std::bit_cast<PeakingFilter> (fields);
-    }
-
-    PeakingFilter wanted[2] = { filters[0], filters[1] };
-    filterSideBySide (filters[0], filters[1], pairOf ({ 0.3f, -0.7f }));
-
-    for (std::size_t i = 0; i < 2; ++i)
-    {
-        float left = 0.3f;
-        float right = -0.7f;
-        process (wanted[i], left, right);
-        expectTheSameRecord (filters[i], wanted[i]);
+        auto [lower, upper] = std::bit_cast<std::array<PeakingFilter, 2>> (fields);
+        ASSERT_NO_FATAL_FAILURE (expectTheSameFilters (lower, upper, { samples.next(), samples.next() }));
     }
 }
 
@@ -258,12 +231,13 @@ void expectJucesOwnBits (float (Samples::*next)())
         {
             const StereoSample input { (samples.*next)(), (samples.*next)() };
             const auto [l, r] = sampleOf (highPass (left, right, pairOf (input)));
-            ASSERT_EQ (bits (l), bits (wantedLeft.processSingleSampleRaw (input.first))) << input.first;
-            ASSERT_EQ (bits (r), bits (wantedRight.processSingleSampleRaw (input.second))) << input.second;
-            ASSERT_EQ (bits (left.v1), bits (wantedLeft.v1)) << input.first;
-            ASSERT_EQ (bits (left.v2), bits (wantedLeft.v2)) << input.first;
-            ASSERT_EQ (bits (right.v1), bits (wantedRight.v1)) << input.second;
-            ASSERT_EQ (bits (right.v2), bits (wantedRight.v2)) << input.second;
+            ASSERT_EQ (audibleBits (l), audibleBits (wantedLeft.processSingleSampleRaw (input.first))) << input.first;
+            ASSERT_EQ (audibleBits (r), audibleBits (wantedRight.processSingleSampleRaw (input.second)))
+                << input.second;
+            ASSERT_EQ (audibleBits (left.v1), audibleBits (wantedLeft.v1)) << input.first;
+            ASSERT_EQ (audibleBits (left.v2), audibleBits (wantedLeft.v2)) << input.first;
+            ASSERT_EQ (audibleBits (right.v1), audibleBits (wantedRight.v1)) << input.second;
+            ASSERT_EQ (audibleBits (right.v2), audibleBits (wantedRight.v2)) << input.second;
         }
     }
 }
@@ -291,7 +265,8 @@ TEST (HighPass, IsDesignedAsJuceDesignsIt)
         const auto designed = designHighPass (rate, settings);
 
         for (std::size_t c = 0; c < designed.size(); ++c)
-            ASSERT_EQ (bits (designed[c]), bits (wanted.coefficients[c])) << "coefficient " << c << " at " << rate;
+            ASSERT_EQ (audibleBits (designed[c]), audibleBits (wanted.coefficients[c]))
+                << "coefficient " << c << " at " << rate;
     }
 }
 
@@ -309,7 +284,7 @@ TEST (HighPass, SnapsToZeroWhereJuceDoes)
             JuceHighPass wanted (48000.0, settings);
             wanted.v1 = sign * memory;
             const auto [left, right] = sampleOf (highPass (filter, other, pairOf ({ 0.0f, 0.0f })));
-            EXPECT_EQ (bits (left), bits (wanted.processSingleSampleRaw (0.0f))) << sign * memory;
+            EXPECT_EQ (audibleBits (left), audibleBits (wanted.processSingleSampleRaw (0.0f))) << sign * memory;
             EXPECT_EQ (right, 0.0f);
         }
 }

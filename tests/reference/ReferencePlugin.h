@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include <array>
+#include "reference/Stages.h"
+
 #include <cstdint>
 
 /** The oracle: the whole audible behaviour of the plug-in once more, written as plainly as it can be.
@@ -44,24 +45,9 @@ public:
     std::array<float, 2> levellerGain { 0.5f, 0.5f };
 
 private:
-    struct Biquad
-    {
-        float b0 = 0, b1 = 0, b2 = 0, a0 = 0, a1 = 0, a2 = 0;
-        std::array<float, 2> x1 {}, x2 {}, y1 {}, y2 {};
-    };
-
-    struct HighPass
-    {
-        float c0 = 0, c1 = 0, c2 = 0, c3 = 0, c4 = 0;
-        std::array<float, 2> v1 {}, v2 {};
-    };
-
     void refresh();
     static int indexOf (float value);
     void chain (float& left, float& right);
-    float runHighPass (int channel, float x);
-    static void design (Biquad& filter, float designRate, float gainDb, float frequency, float bandwidth);
-    static void run (Biquad& filter, float& left, float& right);
 
     Functions functions;
     bool mono;
@@ -72,10 +58,9 @@ private:
     std::uint32_t refreshCounter = 0;
     bool due = true;
 
-    float levellerThreshold = 0, levellerAttack = 0, levellerRelease = 0, levellerScale = 0, levellerOffset = 0,
-          levellerOutput = 0;
-    float expanderThreshold = 0, expanderAttack = 0, expanderScale = 0, expanderOffset = 0, expanderOutput = 0;
-    Biquad air;
-    Biquad body;
-    HighPass highPass;
+    reference::Rider leveller {};
+    reference::Rider expander {};
+    reference::Biquad air;
+    reference::Biquad body;
+    reference::HighPass highPass;
 };

@@ -2,11 +2,7 @@
 #include "support/Comparison.h"
 
 #include <algorithm>
-#include <bit>
-#include <cmath>
-#include <cstdint>
 #include <limits>
-#include <xmmintrin.h>
 
 namespace
 {
@@ -16,11 +12,6 @@ double distance (float a, float b)
         return std::isnan (a) && std::isnan (b) ? 0.0 : std::numeric_limits<double>::infinity();
 
     return a == b ? 0.0 : std::abs (static_cast<double> (a) - static_cast<double> (b));
-}
-
-bool sameBits (float a, float b)
-{
-    return std::bit_cast<std::uint32_t> (a) == std::bit_cast<std::uint32_t> (b);
 }
 } // namespace
 
@@ -43,19 +34,9 @@ Difference compare (const Signal& actual, const Signal& expected)
         if (i >= frames - frames / 10)
             difference.worstAtEnd = std::max (difference.worstAtEnd, worst);
 
-        difference.sameBits = difference.sameBits && sameBits (actual.left[i], expected.left[i])
-                              && sameBits (actual.right[i], expected.right[i]);
+        difference.sameBits = difference.sameBits && bitsOf (actual.left[i]) == bitsOf (expected.left[i])
+                              && bitsOf (actual.right[i]) == bitsOf (expected.right[i]);
     }
 
     return difference;
-}
-
-ScopedFlushToZero::ScopedFlushToZero() : before (_mm_getcsr())
-{
-    _mm_setcsr (before | 0x8040);
-}
-
-ScopedFlushToZero::~ScopedFlushToZero()
-{
-    _mm_setcsr (before);
 }

@@ -1,9 +1,16 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include "chain/FlushToZero.h"
 #include "support/Signals.h"
 
+#include <bit>
+#include <cmath>
 #include <cstddef>
+#include <cstdint>
+
+/** What the plug-in sets for a block, for the oracle beside it. */
+using larkspire::ScopedFlushToZero;
 
 /** What separates two signals of equal length. */
 struct Difference
@@ -16,15 +23,14 @@ struct Difference
 
 Difference compare (const Signal& actual, const Signal& expected);
 
-/** Flush-to-zero and denormals-are-zero for as long as this lives, as the plug-in has them for a block. */
-class ScopedFlushToZero
+/** The bits of a float. */
+inline std::uint32_t bitsOf (float value)
 {
-public:
-    ScopedFlushToZero();
-    ~ScopedFlushToZero();
-    ScopedFlushToZero (const ScopedFlushToZero&) = delete;
-    ScopedFlushToZero& operator= (const ScopedFlushToZero&) = delete;
+    return std::bit_cast<std::uint32_t> (value);
+}
 
-private:
-    unsigned int before;
-};
+/** The same, with one pattern for every NaN, whose sign and payload nobody hears. */
+inline std::uint32_t audibleBits (float value)
+{
+    return std::isnan (value) ? 0x7fc00000u : bitsOf (value);
+}

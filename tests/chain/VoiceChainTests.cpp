@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// The chain on records of its own, without a processor: in passes, and as it can be listened to.
+// The chain on records of its own, without a processor: in passes, and as it can be listened to. OracleTests.cpp has
+// its bits.
 #include "chain/FlushToZero.h"
 #include "chain/InputLimits.h"
-#include "chain/OneSample.h"
 #include "chain/Passes.h"
 
 #include <gtest/gtest.h>
@@ -98,27 +98,6 @@ TEST_P (VoiceChainInMode, GivesTheSameBitsHoweverTheFramesAreCut)
     }
 }
 
-TEST_P (VoiceChainInMode, IsItsStagesOneBehindTheOther)
-{
-    auto frames = noise (5000, 3);
-    auto wanted = frames;
-    auto runs = records();
-    runs.chain().process (frames);
-    auto r = records();
-
-    for (auto& frame : wanted)
-    {
-        const auto voice = highPass (r.highPassLeft, r.highPassRight, pairOf (frame));
-        const auto folded = foldTowardsMiddle (expand (r.expander, voice));
-        const auto filtered = filterSideBySide (r.airFilter, r.bodyFilter, folded);
-        const auto coloured = addSaturatedAir (upperHalf (filtered), lowerHalf (filtered) - folded);
-        frame = sampleOf (softClip (level (r.leveller, coloured)));
-    }
-
-    EXPECT_TRUE (sameBits (frames, wanted));
-    EXPECT_EQ (bitsOf (runs), bitsOf (r));
-}
-
 TEST_P (VoiceChainInMode, CanBeListenedToAtEveryPointInOrder)
 {
     const auto input = noise (1003, 4);
@@ -172,41 +151,6 @@ TEST_P (VoiceChainInMode, CanBeListenedToAtEveryPointInOrder)
 }
 
 INSTANTIATE_TEST_SUITE_P (Rows, VoiceChainInMode, testing::Range (0, 4));
-
-TEST (VoiceChain, KeepsGainsAndMemoriesWhereARowComesIntoForce)
-{
-    VoiceRecords records;
-    const ScopedFlushToZero flushToZero;
-    records.chain().adopt (modeForIndex (3), 48000.0);
-    auto frames = noise (1000, 5);
-    records.chain().process (frames);
-    const auto before = records;
-    records.chain().adopt (modeForIndex (2), 44100.0);
-
-    EXPECT_NE (records.airFilter.b1, before.airFilter.b1);
-    EXPECT_NE (records.highPassLeft.coefficients, before.highPassLeft.coefficients);
-    EXPECT_EQ (records.expander.gainLeft, before.expander.gainLeft);
-    EXPECT_EQ (records.leveller.gainRight, before.leveller.gainRight);
-    EXPECT_EQ (records.highPassLeft.v1, before.highPassLeft.v1);
-    EXPECT_EQ (records.highPassRight.v2, before.highPassRight.v2);
-    EXPECT_EQ (std::memcmp (&records.airFilter.left, &before.airFilter.left, 10 * sizeof (float)), 0);
-    EXPECT_EQ (std::memcmp (&records.bodyFilter.left, &before.bodyFilter.left, 10 * sizeof (float)), 0);
-}
-
-TEST (VoiceChain, DesignsTheHighPassInDoublesAndThePeaksInFloats)
-{
-    const double rate = 1000.00002; // between two floats
-    const auto& row = modeForIndex (2);
-    VoiceRecords records;
-    records.chain().adopt (row, rate);
-    EXPECT_EQ (records.highPassLeft.coefficients, designHighPass (rate, row.highPass));
-    EXPECT_EQ (records.highPassRight.coefficients, designHighPass (rate, row.highPass));
-    EXPECT_NE (records.highPassLeft.coefficients, designHighPass (double { static_cast<float> (rate) }, row.highPass));
-
-    PeakingFilter air;
-    designPeaking (air, static_cast<float> (rate), row.air.gainDb, row.air.frequency, row.air.bandwidth);
-    EXPECT_EQ (std::memcmp (&records.airFilter, &air, offsetof (PeakingFilter, left)), 0);
-}
 
 TEST (VoiceChain, DoesNothingToNoFrames)
 {

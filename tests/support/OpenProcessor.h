@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include "frame/HighPassAccess.h"
 #include "frame/LarkspireAudioProcessor.h"
 #include "support/KnobPosition.h"
 #include "support/Opened.h"
@@ -32,6 +33,24 @@ public:
     {
         setMode (value);
         updateSettings();
+    }
+
+    /** Running gains and filter memories: what the next sample sounds by beside the settings. */
+    std::vector<float> memory() const
+    {
+        std::vector<float> all { leveller->gainLeft, leveller->gainRight, expander->gainLeft, expander->gainRight };
+
+        for (const auto* filter : { airFilter, bodyFilter, spareFilter })
+            for (const auto& channel : { filter->left, filter->right })
+                all.insert (all.end(), { channel.x0, channel.x1, channel.x2, channel.y1, channel.y2 });
+
+        for (const auto* filter : { &highPassLeft, &highPassRight })
+        {
+            const auto copy = larkspire::HighPassAccess::copyOf (*filter);
+            all.insert (all.end(), { copy.v1, copy.v2 });
+        }
+
+        return all;
     }
 
     using Opened::run;

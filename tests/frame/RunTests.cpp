@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // How the block loop cuts a block into runs, so that nothing but the cost differs from a walk sample by sample.
+#include "support/Comparison.h"
 #include "support/OpenProcessor.h"
 #include "support/ProbeProcessor.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
-#include <cstring>
 #include <ostream>
 #include <random>
 #include <span>
@@ -145,39 +144,18 @@ TEST (Run, OfTheBaseClassEndsBehindEachSampleThatAsksForAnUpdate)
     EXPECT_EQ (probe.seen.size(), 64u);
 }
 
-/** All that the chain remembers, as bytes. */
-std::vector<char> memoryOf (const OpenProcessor& processor)
+void expectTheSameMemory (const OpenProcessor& one, const OpenProcessor& other)
 {
-    struct Open : juce::IIRFilter
-    {
-        static std::array<float, 2> memory (const juce::IIRFilter& f) { return { f.*&Open::v1, f.*&Open::v2 }; }
-    };
-
-    std::vector<char> bytes;
-    const auto add = [&bytes] (const auto& field)
-    {
-        const auto* const first = reinterpret_cast<const char*> (&field);
-        bytes.insert (bytes.end(), first, first + sizeof (field));
-    };
-
-    add (*processor.airFilter);
-    add (*processor.bodyFilter);
-    add (*processor.spareFilter);
-    add (*processor.expander);
-    add (*processor.leveller);
-    add (Open::memory (processor.highPassLeft));
-    add (Open::memory (processor.highPassRight));
-    add (processor.refreshCounter);
-    add (processor.samplesSinceChange.load());
-    add (processor.modeParameter->lastValue);
-    return bytes;
+    ASSERT_EQ (one.memory(), other.memory());
+    ASSERT_EQ (one.refreshCounter, other.refreshCounter);
+    ASSERT_EQ (one.samplesSinceChange.load(), other.samplesSinceChange.load());
+    ASSERT_EQ (one.modeParameter->lastValue, other.modeParameter->lastValue);
 }
 
 TEST (Run, OfThePlugInHasTheBitsOfItsSingleSamples)
 {
-    const juce::ScopedNoDenormals noDenormals;
-    std::mt19937 random (12);
-    std::uniform_real_distribution<float> sample (-1.0f, 1.0f);
+    const ScopedFlushToZero flushToZero;
+    const auto signal = noise (500 * 64, 0.0, 12);
 
     for (int position = 0; position < 5; ++position)
     {
@@ -192,12 +170,17 @@ TEST (Run, OfThePlugInHasTheBitsOfItsSingleSamples)
             processor->settingsDue = false;
         }
 
-        for (int turn = 0; turn < 500; ++turn)
+        std::size_t done = 0;
+
+        for (std::size_t length = 1; done + length <= signal.left.size(); length = length % 64 + 1)
         {
-            std::vector<std::pair<float, float>> run (1 + random() % 64);
+            std::vector<std::pair<float, float>> run (length);
 
             for (auto& frame : run)
-                frame = { sample (random), sample (random) };
+            {
+                frame = { signal.left[done], signal.right[done] };
+                ++done;
+            }
 
             auto wanted = run;
 
@@ -208,8 +191,8 @@ TEST (Run, OfThePlugInHasTheBitsOfItsSingleSamples)
             }
 
             ASSERT_EQ (inRuns.processRun (run), run.size());
-            ASSERT_EQ (std::memcmp (run.data(), wanted.data(), run.size() * sizeof (run[0])), 0) << position;
-            ASSERT_EQ (memoryOf (inRuns), memoryOf (one)) << position << ", turn " << turn;
+            ASSERT_EQ (run, wanted) << position << " at " << done;
+            ASSERT_NO_FATAL_FAILURE (expectTheSameMemory (inRuns, one)) << position << " at " << done;
         }
     }
 }
@@ -245,20 +228,6 @@ void PrintTo (const Layout& layout, std::ostream* stream)
 
 class RunOfThePlugIn : public testing::TestWithParam<Layout>
 {
-protected:
-    static void run (OpenProcessor& processor, std::vector<float>& left, std::vector<float>& right)
-    {
-        if (! GetParam().mono)
-        {
-            processor.run (left, right);
-            return;
-        }
-
-        float* channels[] = { channelPointer (left) };
-        juce::AudioBuffer<float> buffer (channels, 1, static_cast<int> (left.size()));
-        juce::MidiBuffer midi;
-        processor.processBlock (buffer, midi);
-    }
 };
 
 TEST_P (RunOfThePlugIn, GivesALongBlockTheBitsOfBlocksOfOneSample)
@@ -267,13 +236,13 @@ TEST_P (RunOfThePlugIn, GivesALongBlockTheBitsOfBlocksOfOneSample)
     std::uniform_real_distribution<float> sample (-1.0f, 1.0f);
     OpenProcessor whole;
     OpenProcessor single;
+    const auto layout = juce::AudioChannelSet::canonicalChannelSet (GetParam().mono ? 1 : 2);
     std::size_t frames = 0;
 
     for (auto* processor : { &whole, &single })
     {
         processor->oversamplingFactor = GetParam().factor;
-        const auto channels = juce::AudioChannelSet::canonicalChannelSet (GetParam().mono ? 1 : 2);
-        ASSERT_TRUE (processor->setBusesLayout ({ { channels }, { channels } }));
+        ASSERT_TRUE (processor->setBusesLayout ({ { layout }, { layout } }));
     }
 
     // Changes of the parameter, requests, and a refresh that brings a new rate are among them.
@@ -294,32 +263,30 @@ TEST_P (RunOfThePlugIn, GivesALongBlockTheBitsOfBlocksOfOneSample)
                 processor->requestUpdate();
         }
 
-        std::vector<float> left (random() % 500);
-        auto right = left;
-        frames += left.size();
+        std::vector<std::vector<float>> block (GetParam().mono ? 1 : 2, std::vector<float> (random() % 500));
+        frames += block[0].size();
 
-        for (std::size_t i = 0; i < left.size(); ++i)
+        for (auto& channel : block)
+            std::ranges::generate (channel, [&] { return sample (random); });
+
+        auto wanted = block;
+
+        for (std::size_t i = 0; i < wanted[0].size(); ++i)
         {
-            left[i] = sample (random);
-            right[i] = sample (random);
+            std::vector<std::vector<float>> frame;
+
+            for (const auto& channel : wanted)
+                frame.push_back ({ channel[i] });
+
+            single.run (frame);
+
+            for (std::size_t channel = 0; channel < frame.size(); ++channel)
+                wanted[channel][i] = frame[channel][0];
         }
 
-        std::vector<float> wantedLeft;
-        std::vector<float> wantedRight;
-
-        for (std::size_t i = 0; i < left.size(); ++i)
-        {
-            std::vector<float> l (1, left[i]);
-            std::vector<float> r (1, right[i]);
-            run (single, l, r);
-            wantedLeft.push_back (l[0]);
-            wantedRight.push_back (GetParam().mono ? right[i] : r[0]);
-        }
-
-        run (whole, left, right);
-        ASSERT_EQ (left, wantedLeft) << "turn " << turn;
-        ASSERT_EQ (right, wantedRight) << "turn " << turn;
-        ASSERT_EQ (memoryOf (whole), memoryOf (single)) << "turn " << turn;
+        whole.run (block);
+        ASSERT_EQ (block, wanted) << "turn " << turn;
+        ASSERT_NO_FATAL_FAILURE (expectTheSameMemory (whole, single)) << "turn " << turn;
     }
 
     ASSERT_GT (frames, 65536u);

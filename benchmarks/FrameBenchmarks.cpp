@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // A frame's cost through the built library and in the scalar oracle, on a real voice.
 #include "benchmarks/Cost.h"
+#include "chain/FlushToZero.h"
 #include "reference/ReferencePlugin.h"
-#include "support/Comparison.h"
 #include "support/RawHost.h"
 #include "support/Signals.h"
 
@@ -24,11 +24,6 @@ struct Mode
 constexpr std::array modes {
     Mode { "bypass", 0 }, Mode { "Gentle", 1 }, Mode { "Medium", 2 }, Mode { "Powerful", 3 }, Mode { "no name", 4 }
 };
-
-float positionValue (int position)
-{
-    return knobPosition (position);
-}
 
 /** Copies the signal block by block and has each block processed in place, as a host does. */
 template <typename Process>
@@ -53,7 +48,7 @@ void runBlocks (benchmark::State& state, const Signal& signal, std::size_t block
 void runLibrary (benchmark::State& state, const Signal& signal, int position, bool mono, std::size_t blockSize)
 {
     RawHost host;
-    host.setParameter (positionValue (position));
+    host.setParameter (knobPosition (position));
     host.start (rate, static_cast<int> (blockSize), mono);
     runBlocks (
         state, signal, blockSize, [&] (auto& left, auto& right, auto count) { host.process (left, right, 0, count); });
@@ -61,9 +56,9 @@ void runLibrary (benchmark::State& state, const Signal& signal, int position, bo
 
 void runOracle (benchmark::State& state, const Signal& signal, int position, bool mono)
 {
-    const ScopedFlushToZero flushToZero;
+    const larkspire::ScopedFlushToZero flushToZero;
     ReferencePlugin oracle (mono);
-    oracle.setParameter (positionValue (position));
+    oracle.setParameter (knobPosition (position));
     oracle.setHostRate (static_cast<double> (rate));
     runBlocks (state,
                signal,
@@ -79,7 +74,7 @@ void runOracle (benchmark::State& state, const Signal& signal, int position, boo
 void runSilence (benchmark::State& state)
 {
     RawHost host;
-    host.setParameter (positionValue (2));
+    host.setParameter (knobPosition (2));
     host.start (rate);
     const auto sound = voice (frames);
     std::vector<float> left (512);

@@ -44,15 +44,26 @@ constexpr auto compilerName = "compiled by";
 constexpr auto compilerName = "compiled by GCC";
 #endif
 
-/** The cost of a benchmark, or a dash. */
-void writeCost (std::ostream& out, const Costs& costs, const std::string& name, double unit = 1.0)
+/** A row of costs, each of them or a dash. */
+void writeRow (std::ostream& out,
+               const Costs& costs,
+               const std::string& title,
+               const std::vector<std::string>& names,
+               double unit = 1.0)
 {
-    const auto found = costs.find (name);
+    out << "| " << title << " |";
 
-    if (found == costs.end())
-        out << " - |";
-    else
-        out << " " << found->second.least / unit << " |";
+    for (const auto& name : names)
+    {
+        const auto found = costs.find (name);
+
+        if (found == costs.end())
+            out << " - |";
+        else
+            out << " " << found->second.least / unit << " |";
+    }
+
+    out << "\n";
 }
 
 void writeBounds (std::ostream& out, const Costs& costs)
@@ -72,75 +83,99 @@ void writeBounds (std::ostream& out, const Costs& costs)
 
 void writeFrames (std::ostream& out, const Costs& costs)
 {
-    const std::string sizes[] = { "16", "64", "256", "512", "1024", "4096" };
-    out << "\n## A frame\n\nNanoseconds a frame, through the library's own entry, by block size, on speech at 48 kHz; "
-           "the oracle is the plain\nscalar transcription that the tests compare the sound with.\n\n| Mode |";
+    out << R"(
+## A frame
 
-    for (const auto& size : sizes)
-        out << " " << size << " |";
+Nanoseconds a frame, through the library's own entry, by block size, on speech at 48 kHz; the oracle is the plain
+scalar transcription that the tests compare the sound with.
 
-    out << " oracle |\n|---|---|---|---|---|---|---|---|\n";
+| Mode | 16 | 64 | 256 | 512 | 1024 | 4096 | oracle |
+|---|---|---|---|---|---|---|---|
+)";
 
     for (const std::string layout : { "stereo", "mono" })
         for (const std::string mode : { "bypass", "Gentle", "Medium", "Powerful", "no name" })
         {
-            out << "| " << mode << ", " << layout << " |";
+            std::vector<std::string> names;
 
-            for (const auto& size : sizes)
-                writeCost (out, costs, "frame/" + mode + "/" + layout + "/" + size);
+            for (const std::string size : { "16", "64", "256", "512", "1024", "4096" })
+                names.push_back ("frame/" + mode + "/" + layout + "/" + size);
 
-            writeCost (out, costs, "oracle/" + mode + "/" + layout);
-            out << "\n";
+            names.push_back ("oracle/" + mode + "/" + layout);
+            writeRow (out, costs, mode + ", " + layout, names);
         }
 
-    out << "\nWhite noise in Medium, stereo, blocks of 512, by its peak level; the gains branch, so what comes in "
-           "counts:\n\n| Level | ns a frame |\n|---|---|\n";
+    out << R"(
+White noise in Medium, stereo, blocks of 512, by its peak level; the gains branch, so what comes in counts:
 
-    for (const std::string level : { "0", "-20", "-40", "-60", "-74", "-90" })
-    {
-        out << "| " << level << " dB |";
-        writeCost (out, costs, "noise/" + level + " dB");
-        out << "\n";
-    }
+| Level | ns a frame |
+|---|---|
+)";
+
+    for (const std::string level : { "0 dB", "-20 dB", "-40 dB", "-60 dB", "-74 dB", "-90 dB" })
+        writeRow (out, costs, level, { "noise/" + level });
 }
 
 void writeRecursions (std::ostream& out, const Costs& costs)
 {
-    out << "\n## The stages that remember\n\nWhat a frame has to wait for of the frame before: each stage with a "
-           "memory, "
-           "alone. On its record it reads and\nwrites that at every frame, as a walk sample by sample has to; in a run "
-           "it "
-           "does so once in 64 frames, as the block\nloop does.\n\n"
-           "| Stage | on its record | in a run |\n|---|---|---|\n";
+    out << R"(
+## The stages that remember
+
+What a frame has to wait for of the frame before: each stage with a memory, alone. On its record it reads and
+writes that at every frame, as a walk sample by sample has to; in a run it does so once in 64 frames, as the block
+loop does.
+
+| Stage | on its record | in a run |
+|---|---|---|
+)";
 
     for (const std::string stage : { "high-pass", "expander", "filters", "leveller" })
-    {
-        out << "| " << stage << " |";
-        writeCost (out, costs, "recursion/" + stage);
-        writeCost (out, costs, "run/" + stage);
-        out << "\n";
-    }
+        writeRow (out, costs, stage, { "recursion/" + stage, "run/" + stage });
 }
 
-/** A table of one benchmark a line. */
-void writeList (std::ostream& out,
-                const Costs& costs,
-                const std::string& title,
-                const std::string& text,
-                const std::string& prefix,
-                const std::vector<std::string>& names,
-                const std::string& unitName,
-                double unit)
+/** A table of one benchmark a row. */
+struct List
 {
-    out << "\n## " << title << "\n\n" << text << "\n\n| | " << unitName << " |\n|---|---|\n";
+    const char* title;
+    const char* text;
+    const char* prefix;
+    std::vector<std::string> names;
+    const char* unitName;
+    double unit;
+};
 
-    for (const auto& name : names)
-    {
-        out << "| " << name << " |";
-        writeCost (out, costs, prefix + name, unit);
-        out << "\n";
-    }
-}
+const List lists[] = {
+    { "Settings",
+      "One `updateSettings`: every 65536 samples and at a change of mode.",
+      "settings/",
+      { "bypass", "Gentle", "Medium", "Powerful" },
+      "ns",
+      1.0 },
+    { "Instances",
+      "Making and closing one, with another one there.",
+      "instance/",
+      { "construction", "destruction" },
+      "µs",
+      1000.0 },
+    { "Many instances",
+      "A frame's cost in Medium, stereo, as instances take turns at blocks of 256.",
+      "instances/",
+      { "1", "8", "64", "256", "512" },
+      "ns a frame",
+      1.0 },
+    { "The window",
+      "Opening and closing it on an X server without a screen, and drawing all of it, three times a second.",
+      "editor/",
+      { "open and close", "repaint" },
+      "µs",
+      1000.0 },
+    { "Silence",
+      "Medium, stereo, blocks of 512: a voice, and a second of silence from the middle of a word on.",
+      "silence/",
+      { "sound", "after sound" },
+      "ns a frame",
+      1.0 },
+};
 } // namespace
 
 void writeMarkdown (std::ostream& out, const Costs& costs)
@@ -154,44 +189,12 @@ void writeMarkdown (std::ostream& out, const Costs& costs)
     writeBounds (out, costs);
     writeFrames (out, costs);
     writeRecursions (out, costs);
-    writeList (out,
-               costs,
-               "Settings",
-               "One `updateSettings`: every 65536 samples and at a change of mode.",
-               "settings/",
-               { "bypass", "Gentle", "Medium", "Powerful" },
-               "ns",
-               1.0);
-    writeList (out,
-               costs,
-               "Instances",
-               "Making and closing one, with another one there.",
-               "instance/",
-               { "construction", "destruction" },
-               "µs",
-               1000.0);
-    writeList (out,
-               costs,
-               "Many instances",
-               "A frame's cost in Medium, stereo, as instances take turns at blocks of 256.",
-               "instances/",
-               { "1", "8", "64", "256", "512" },
-               "ns a frame",
-               1.0);
-    writeList (out,
-               costs,
-               "The window",
-               "Opening and closing it on an X server without a screen, and drawing all of it, three times a second.",
-               "editor/",
-               { "open and close", "repaint" },
-               "µs",
-               1000.0);
-    writeList (out,
-               costs,
-               "Silence",
-               "Medium, stereo, blocks of 512: a voice, and a second of silence from the middle of a word on.",
-               "silence/",
-               { "sound", "after sound" },
-               "ns a frame",
-               1.0);
+
+    for (const auto& list : lists)
+    {
+        out << "\n## " << list.title << "\n\n" << list.text << "\n\n| | " << list.unitName << " |\n|---|---|\n";
+
+        for (const auto& name : list.names)
+            writeRow (out, costs, name, { list.prefix + name }, list.unit);
+    }
 }

@@ -2,6 +2,7 @@
 // The gains that are read beside the library, on sounds for which they are known, and held against the real library.
 #include "host/HostedPlugin.h"
 #include "meter/ChainProbe.h"
+#include "reference/Stages.h"
 #include "render/Tone.h"
 #include "support/Paths.h"
 #include "support/Recording.h"
@@ -18,22 +19,17 @@ namespace
 using namespace larkspire::meter;
 using namespace larkspire;
 
-/** What of a mode makes its gains, written down once more. */
-struct Settings
-{
-    float expanderScale;
-    float expanderOffset;
-    float levellerRelease;
-    double makeUp;
-    double corner; // Hz
-};
+constexpr std::array voiceModes { KnobMode::gentle, KnobMode::medium, KnobMode::powerful };
 
-constexpr std::array<Settings, 4> modeSettings { {
-    {},
-    { 0.8660254f, 0.13397461f, 5.4113156e-07f, 25.0, 150.0 },
-    { 0.94868326f, 0.051316738f, 1.5935553e-05f, 12.0, 135.0 },
-    { 1.0f, 0.0f, 6.791503e-05f, 9.0, 125.0 },
-} };
+const reference::Mode& settingsOf (KnobMode mode)
+{
+    return reference::modeAt (static_cast<int> (mode));
+}
+
+double decibels (double gain)
+{
+    return 20.0 * std::log10 (gain);
+}
 
 /** The real library and the probe beside it. */
 class Beside
@@ -61,7 +57,7 @@ public:
 
 TEST (ChainProbe, MatchesTheLibraryToTheBit)
 {
-    for (const auto mode : { KnobMode::gentle, KnobMode::medium, KnobMode::powerful })
+    for (const auto mode : voiceModes)
         for (const int channels : { 1, 2 })
             for (const int rate : { 8000, 44100, 48000, 192000 })
             {
@@ -109,7 +105,7 @@ TEST (ChainProbe, KnowsTheGainsOfSilence)
 {
     constexpr int frames = 300000;
 
-    for (const auto mode : { KnobMode::gentle, KnobMode::medium, KnobMode::powerful })
+    for (const auto mode : voiceModes)
         for (const int channels : { 1, 2 })
         {
             SCOPED_TRACE (nameOf (mode));
@@ -118,7 +114,7 @@ TEST (ChainProbe, KnowsTheGainsOfSilence)
             const auto gains = beside.probe.gains();
 
             // The expander decays to its floor, the leveller comes back to one; both begin at a half.
-            const auto& settings = modeSettings.at (static_cast<std::size_t> (mode));
+            const auto& settings = settingsOf (mode);
             float expander = 0.5f;
             float leveller = 0.5f;
             double expanderSum = 0.0;
@@ -126,17 +122,16 @@ TEST (ChainProbe, KnowsTheGainsOfSilence)
 
             for (int i = 0; i < frames; ++i)
             {
-                expander = std::max (expander * 0.9998f, 0.2f);
-                leveller = std::min ((1.0f - leveller) * settings.levellerRelease + leveller, 1.0f);
-                expanderSum += 20.0
-                               * std::log10 (double (expander) * double (settings.expanderScale)
-                                             + double (settings.expanderOffset));
-                levellerSum += 20.0 * std::log10 (double (leveller));
+                expander = reference::expanderGain (settings.expander, expander, 0.0f);
+                leveller = reference::levellerGain (settings.leveller, leveller, 0.0f);
+                expanderSum += decibels (double (expander) * double (settings.expander.gainScale)
+                                         + double (settings.expander.gainOffset));
+                levellerSum += decibels (double (leveller));
             }
 
             EXPECT_NEAR (gains.expanderDb.value(), expanderSum / frames, 1e-6);
             EXPECT_NEAR (gains.levellerDb.value(), levellerSum / frames, 1e-6);
-            EXPECT_NEAR (gains.makeUpDb.value(), 20.0 * std::log10 (settings.makeUp), 1e-6);
+            EXPECT_NEAR (gains.makeUpDb.value(), decibels (double (settings.leveller.outputGain)), 1e-6);
             EXPECT_EQ (gains.highPassDb, std::nullopt);
             EXPECT_EQ (gains.foldDb, std::nullopt);
             EXPECT_EQ (gains.airAndBodyDb, std::nullopt);
@@ -150,29 +145,26 @@ TEST (ChainProbe, SeesTheFoldLiftTheMiddleAndLowerTheSides)
     auto middle = Tone { .frequency = 3000.0, .peakDbfs = -12.0, .seconds = 2.0 }.samples();
     Beside centred (KnobMode::medium, { .channels = 2, .sampleRate = 48000 });
     centred.hear (middle);
-    EXPECT_NEAR (centred.probe.gains().foldDb.value(), 20.0 * std::log10 (1.5), 1e-4);
+    EXPECT_NEAR (centred.probe.gains().foldDb.value(), decibels (1.5), 1e-4);
 
     for (std::size_t i = 1; i < middle.size(); i += 2)
         middle[i] = -middle[i];
 
     Beside outOfPhase (KnobMode::medium, { .channels = 2, .sampleRate = 48000 });
     outOfPhase.hear (middle);
-    EXPECT_NEAR (outOfPhase.probe.gains().foldDb.value(), 20.0 * std::log10 (0.75), 1e-4);
+    EXPECT_NEAR (outOfPhase.probe.gains().foldDb.value(), decibels (0.75), 1e-4);
 }
 
 TEST (ChainProbe, SeesTheHighPassAtItsCorner)
 {
     // At the corner a high-pass of the second order has the gain Q.
-    constexpr std::array<double, 4> q { 0.0, 0.707, 0.85, 1.0 };
-
-    for (const auto mode : { KnobMode::gentle, KnobMode::medium, KnobMode::powerful })
+    for (const auto mode : voiceModes)
     {
-        const auto row = static_cast<std::size_t> (mode);
+        const auto& settings = settingsOf (mode);
         Beside beside (mode, { .channels = 1, .sampleRate = 48000 });
         beside.hear (
-            Tone { .frequency = modeSettings.at (row).corner, .peakDbfs = -12.0, .seconds = 10.0, .channels = 1 }
-                .samples());
-        EXPECT_NEAR (beside.probe.gains().highPassDb.value(), 20.0 * std::log10 (q.at (row)), 0.01);
+            Tone { .frequency = settings.corner, .peakDbfs = -12.0, .seconds = 10.0, .channels = 1 }.samples());
+        EXPECT_NEAR (beside.probe.gains().highPassDb.value(), decibels (double (settings.q)), 0.01);
     }
 }
 
@@ -181,7 +173,7 @@ TEST (ChainProbe, SeesTheSoftClipOnAFaintSound)
     // A sine of a small number is the number, and the ceiling remains.
     Beside beside (KnobMode::powerful, { .channels = 1, .sampleRate = 48000 });
     beside.hear (Tone { .peakDbfs = -80.0, .seconds = 1.0, .channels = 1 }.samples());
-    EXPECT_NEAR (beside.probe.gains().softClipDb.value(), 20.0 * std::log10 (0.9885), 1e-3);
+    EXPECT_NEAR (beside.probe.gains().softClipDb.value(), decibels (0.9885), 1e-3);
 }
 
 TEST (ChainProbe, AveragesTheChannelsInDecibels)

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The way between a host's channels and the chain's frames. The limits themselves are the block loop's tests.
 #include "chain/Channels.h"
-#include "chain/FlushToZero.h"
+#include "support/Comparison.h"
 
 #include <gtest/gtest.h>
 
-#include <bit>
-#include <cstdint>
 #include <limits>
 #include <vector>
 
@@ -85,8 +83,21 @@ TEST (Channels, LimitADenormalAlikeWhereverItStands)
 
     for (const auto& frame : frames)
     {
-        EXPECT_EQ (std::bit_cast<std::uint32_t> (frame.first), std::bit_cast<std::uint32_t> (frames[0].first));
-        EXPECT_EQ (std::bit_cast<std::uint32_t> (frame.second), std::bit_cast<std::uint32_t> (frames[0].first));
+        EXPECT_EQ (bitsOf (frame.first), bitsOf (frames[0].first));
+        EXPECT_EQ (bitsOf (frame.second), bitsOf (frames[0].first));
     }
+}
+
+TEST (FlushToZero, EndsWithItsScope)
+{
+    constexpr unsigned int resultsAndOperands = 0x8040;
+    const auto before = _mm_getcsr();
+
+    {
+        const ScopedFlushToZero flushToZero;
+        EXPECT_EQ (_mm_getcsr() & resultsAndOperands, resultsAndOperands);
+    }
+
+    EXPECT_EQ (_mm_getcsr(), before);
 }
 } // namespace

@@ -37,6 +37,19 @@ TEST (PeakingFilter, IsSixteenFloatsInOrderAndZero)
                (std::array { 12.0f, 13.0f, 14.0f, 15.0f, 16.0f }));
 }
 
+void expectTheOraclesDesign (float rate, const reference::Peak& peak)
+{
+    const auto filter = designed (rate, peak);
+    reference::Biquad wanted;
+    design (wanted, rate, peak);
+    EXPECT_EQ ((std::array { filter.b0, filter.b1, filter.b2, filter.a0, filter.a1, filter.a2 }),
+               (std::array { wanted.b0, wanted.b1, wanted.b2, wanted.a0, wanted.a1, wanted.a2 }))
+        << peak.gainDb << " dB, " << peak.frequency << " Hz, " << peak.bandwidth << " octaves at " << rate;
+
+    for (const float value : { filter.b0, filter.b1, filter.b2, filter.a0, filter.a1, filter.a2 })
+        EXPECT_TRUE (std::isfinite (value)) << peak.frequency << " Hz at " << rate;
+}
+
 TEST (PeakingDesign, IsTheOraclesToTheBitAndFinite)
 {
     constexpr float nan = std::numeric_limits<float>::quiet_NaN();
@@ -50,17 +63,15 @@ TEST (PeakingDesign, IsTheOraclesToTheBitAndFinite)
     // From far below twice the centre to far above the usual rates.
     for (const float rate : { 1000.0f, 8000.0f, 22050.0f, 29999.0f, 30000.0f, 44100.0f, 48000.0f, 96000.0f, 768000.0f })
         for (const auto& peak : peaks)
-        {
-            const auto filter = designed (rate, peak);
-            reference::Biquad wanted;
-            design (wanted, rate, peak);
-            EXPECT_EQ ((std::array { filter.b0, filter.b1, filter.b2, filter.a0, filter.a1, filter.a2 }),
-                       (std::array { wanted.b0, wanted.b1, wanted.b2, wanted.a0, wanted.a1, wanted.a2 }))
-                << peak.frequency << " Hz at " << rate;
+            expectTheOraclesDesign (rate, peak);
 
-            for (const float value : { filter.b0, filter.b1, filter.b2, filter.a0, filter.a1, filter.a2 })
-                EXPECT_TRUE (std::isfinite (value)) << peak.frequency << " Hz at " << rate;
-        }
+    std::mt19937 random (6);
+    std::uniform_real_distribution<float> gain (-20.0f, 20.0f);
+    std::uniform_real_distribution<float> frequency (20.0f, 20000.0f);
+    std::uniform_real_distribution<float> bandwidth (0.1f, 3.0f);
+
+    for (int i = 0; i < 10000; ++i)
+        expectTheOraclesDesign (44100.0f, { gain (random), frequency (random), bandwidth (random) });
 }
 
 TEST (PeakingDesign, HasTheAskedGainAtItsCentre)

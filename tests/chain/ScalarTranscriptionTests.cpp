@@ -37,7 +37,7 @@ public:
         }
     }
 
-    /** Without what only other numbers than a voice's can do to a recursion: stay for good. */
+    /** Without NaN and the infinities, which would stay in a recursion for good. */
     float nextOfAVoice() { return voice (random) * std::pow (10.0f, level (random)); }
 
     float gain() { return random() % 50 == 0 ? next() : std::abs (voice (random)); }
@@ -141,7 +141,7 @@ void expectTheSameMemory (const PeakingFilter& actual, const reference::Biquad& 
     ASSERT_EQ (audibleBits (actual.right.x0), audibleBits (newest.second));
 }
 
-/** Two filters side by side, and alone where that is asked for, against the oracle's two. */
+/** Two filters side by side, and the first one alone, against the oracle's two. */
 void expectTheSameFilters (PeakingFilter& lower, PeakingFilter& upper, const StereoSample& input)
 {
     auto alone = lower;

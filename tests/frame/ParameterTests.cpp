@@ -119,7 +119,7 @@ TEST (ParameterIndex, IsTheSmallestIntForWhatFitsNone)
 TEST (ParameterIndex, IsZeroWithFewerThanTwoSteps)
 {
     for (const int steps : { 1, 0, -3 })
-        for (const float value : { 0.0f, 0.5f, 1.0f })
+        for (const float value : { 0.0f, 0.5f, 1.0f, std::numeric_limits<float>::quiet_NaN() })
             EXPECT_EQ (ModeParameter (steps).getChoiceIndex (value), 0) << steps << " steps at " << value;
 }
 

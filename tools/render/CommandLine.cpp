@@ -6,7 +6,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
 #include <memory>
 
 namespace larkspire::render
@@ -31,34 +30,13 @@ Choice<KnobMode> namedModes()
     return choice;
 }
 
-const Choice<KnobMode> modes = namedModes();
-const Choice<Container> containers { { "wav", Container::wav }, { "flac", Container::flac } };
-const Choice<SampleType> sampleTypes { { "16", SampleType::pcm16 },
-                                       { "24", SampleType::pcm24 },
-                                       { "32f", SampleType::float32 } };
-
+/** Lets an option take the names of a choice and nothing else. A CheckedTransformer alone would take the numbers behind
+    the names as well. The parser transforms in the reverse order: the name is checked first. */
 template <typename Value>
-std::vector<std::string> namesOf (const Choice<Value>& choice)
+void takeNames (CLI::Option* option, const Choice<Value>& choice)
 {
-    std::vector<std::string> names;
-
-    for (const auto& [name, value] : choice)
-        names.push_back (name);
-
-    return names;
-}
-
-template <typename Value>
-Value valueOf (const Choice<Value>& choice, const std::string& wanted)
-{
-    const auto hasName = [&wanted] (const auto& entry) { return entry.first == wanted; };
-    return std::find_if (choice.begin(), choice.end(), hasName)->second;
-}
-
-template <typename Value>
-CLI::IsMember oneOf (const Choice<Value>& choice)
-{
-    return CLI::IsMember (namesOf (choice), CLI::ignore_case);
+    option->transform (CLI::Transformer (choice, CLI::ignore_case));
+    option->transform (CLI::IsMember (choice, CLI::ignore_case));
 }
 
 /** The parser's own help with our usage ahead of all, and a space between the names of an option. */
@@ -101,46 +79,53 @@ std::vector<std::string> reversedArguments (int count, const char* const* argume
 
 std::variant<CommandLine, std::string> parseCommandLine (int argumentCount, const char* const* arguments)
 {
-    CommandLine call;
-    std::string mode;
-    std::string bits = "24";
-    std::string format;
-    std::string plugin;
-    std::string picture;
+    // Read as a string: as an optional, the parser would take an empty text for none.
+    using Text = std::optional<std::string>;
 
+    CommandLine call;
     CLI::App parser ({}, programName);
     parser.formatter (std::make_shared<HelpFormatter>());
     parser.set_help_flag ("-h,--help", "Show this text");
     parser.set_version_flag ("--version", std::string (programName) + " " + LARKSPIRE_RELEASE, "Show the version");
     parser.add_option ("IN", call.inputs, "Recordings, or folders of recordings")->required()->group ("");
     parser.add_option ("-o", call.output, "The result, or the folder for the results")->required()->option_text ("OUT");
-    parser.add_option ("--mode", mode, "Position of the knob: bypass, Gentle, Medium (the default) or Powerful")
-        ->transform (oneOf (modes))
-        ->option_text ("MODE");
+    takeNames (
+        parser
+            .add_option ("--mode", call.mode, "Position of the knob: bypass, Gentle, Medium (the default) or Powerful")
+            ->option_text ("MODE"),
+        namedModes());
     parser.add_flag ("--compare", call.compare, "Render all four modes, with the mode in the name: voice-Medium.wav");
-    parser
-        .add_option (
-            "--format", format, "Kind of the results, wav or flac; without it what the name of OUT says, or wav")
-        ->transform (oneOf (containers))
-        ->option_text ("KIND");
-    parser
-        .add_option ("--bits", bits, "Width of the results' samples: 16, 24 (the default) or 32f, floats, in WAV only")
-        ->transform (oneOf (sampleTypes))
-        ->option_text ("WIDTH");
+    takeNames<Container> (
+        parser
+            .add_option ("--format",
+                         call.container,
+                         "Kind of the results, wav or flac; without it what the name of OUT says, or wav")
+            ->option_text ("KIND"),
+        { { "wav", Container::wav }, { "flac", Container::flac } });
+    takeNames<SampleType> (
+        parser
+            .add_option ("--bits",
+                         call.samples,
+                         "Width of the results' samples: 16, 24 (the default) or 32f, floats, in WAV only")
+            ->option_text ("WIDTH"),
+        { { "16", SampleType::pcm16 }, { "24", SampleType::pcm24 }, { "32f", SampleType::float32 } });
     parser.add_flag (
         "--report", call.report, "Print loudness, true peak and noise before and after, and the stages' gains");
     parser.add_flag ("--json", call.json, "Print the report as a JSON document and nothing else");
-    parser.add_option ("--plot", picture, "Draw waveforms, loudness and gains over time")->option_text ("PNG");
+    parser.add_option<Text, std::string> ("--plot", call.picture, "Draw waveforms, loudness and gains over time")
+        ->option_text ("PNG");
     parser.add_flag ("--stats", call.stats, "Print path, peak, RMS, length and times faster than real time");
     parser.add_option ("-j,--jobs", call.workers, "Files to render at once, 0 for one on each core; without it 1")
         ->check (CLI::Range (0, 256))
         ->option_text ("N");
     parser
-        .add_option (
-            "--block", call.blockSize, "Sample frames that the plug-in gets at once, 1 to 524288; without it 4096")
+        .add_option ("--block",
+                     call.blockSize,
+                     "Sample frames that the plug-in gets at once, 1 to 524288; without it "
+                         + std::to_string (call.blockSize))
         ->check (CLI::Range (1, 524288))
         ->option_text ("N");
-    parser.add_option ("--plugin", plugin, "The plug-in's library")->option_text ("PATH");
+    parser.add_option<Text, std::string> ("--plugin", call.plugin, "The plug-in's library")->option_text ("PATH");
 
     try
     {
@@ -164,20 +149,6 @@ std::variant<CommandLine, std::string> parseCommandLine (int argumentCount, cons
     {
         throw WrongCall (std::string (error.what()) + " (--help shows how to call it)");
     }
-
-    if (! mode.empty())
-        call.mode = valueOf (modes, mode);
-
-    call.samples = valueOf (sampleTypes, bits);
-
-    if (! format.empty())
-        call.container = valueOf (containers, format);
-
-    if (parser.count ("--plugin") > 0)
-        call.plugin = plugin;
-
-    if (parser.count ("--plot") > 0)
-        call.picture = picture;
 
     return call;
 }

@@ -22,8 +22,8 @@ enum class SampleType
 /** What a result looks like on disk. FLAC knows no floats. */
 struct Encoding
 {
-    Container container = Container::wav;
-    SampleType samples = SampleType::pcm24;
+    Container container;
+    SampleType samples;
 };
 
 /** The ending of a result's name, without the dot. */

@@ -15,9 +15,9 @@ namespace larkspire
 /** What an instance is prepared with. */
 struct PluginSetup
 {
-    KnobMode mode = KnobMode::medium;
+    KnobMode mode;
     AudioShape shape;
-    int blockSize = 512; // the most sample frames that it gets at once
+    int blockSize; // the most sample frames that it gets at once
 };
 
 /** One running instance of the plug-in, with this program as its host.

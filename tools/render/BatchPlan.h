@@ -24,7 +24,7 @@ struct OutputChoice
 /** All that a call will do. */
 struct BatchPlan
 {
-    RenderSettings settings;
+    RenderSettings settings {};
     OutputChoice outputs;
     std::vector<Job> jobs; // in the order of the inputs, all modes of an input one after the other
     std::size_t modesPerInput = 1;

@@ -20,16 +20,16 @@ struct Job
 {
     std::filesystem::path input;
     std::filesystem::path output;
-    KnobMode mode = KnobMode::medium;
+    KnobMode mode;
     std::optional<std::filesystem::path> picture; // where the picture goes, if one is wanted
 };
 
 /** What all jobs of a call share. */
 struct RenderSettings
 {
-    int blockSize = 512; // sample frames; the result does not depend on it
+    int blockSize; // sample frames; the result does not depend on it
     Encoding encoding;
-    bool measure = false; // whether to listen as well, which takes longer than the plug-in does
+    bool measure; // whether to listen as well, which takes longer than the plug-in does
 };
 
 /** What a finished job has to tell. */

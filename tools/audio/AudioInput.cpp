@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "audio/AudioInput.h"
 
+#include "audio/FileKind.h"
 #include "base/Failure.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <string_view>
 
 namespace larkspire
 {
@@ -38,16 +37,13 @@ void checkThatItCanBeAudio (const std::filesystem::path& path, int descriptor)
     the terminal on its own account. */
 void checkTheKindOfFile (const std::filesystem::path& path, int descriptor)
 {
-    constexpr std::array<std::string_view, 6> beginnings { "RIFF", "RIFX", "RF64", "FORM", "fLaC", "OggS" };
     std::array<char, 4> bytes {};
     const auto count = pread (descriptor, bytes.data(), bytes.size(), 0);
 
     if (count < 0)
         throw Failure (path, "cannot be read: " + systemError (errno));
 
-    const std::string_view beginning (bytes.data(), static_cast<std::size_t> (count));
-
-    if (std::find (beginnings.begin(), beginnings.end(), beginning) == beginnings.end())
+    if (! mayBeRecording ({ bytes.data(), static_cast<std::size_t> (count) }))
         throw Failure (path, "is not a WAV, FLAC, AIFF or Ogg file");
 }
 

@@ -3,6 +3,7 @@
 // tables of a document.
 #include "audio/AudioInput.h"
 #include "base/Failure.h"
+#include "base/PartialFile.h"
 #include "measure/Document.h"
 #include "measure/Measurements.h"
 
@@ -28,22 +29,11 @@ std::string textOf (const std::filesystem::path& path)
     return text;
 }
 
-/** Writes a file that appears under its name when it is whole. */
 void write (const std::filesystem::path& path, const std::string& text)
 {
-    auto unfinished = path;
-    unfinished += ".new";
-    std::ofstream file (unfinished, std::ios::binary);
-    file << text;
-    file.close();
-
-    if (! file)
-    {
-        std::filesystem::remove (unfinished);
-        throw Failure (path, "cannot be written");
-    }
-
-    std::filesystem::rename (unfinished, path);
+    PartialFile file (path);
+    file.write (text.data(), std::ssize (text));
+    file.commit();
 }
 
 void run (const std::filesystem::path& libraryPath,

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "render/FolderScan.h"
 
+#include "audio/FileKind.h"
 #include "base/FileDescriptor.h"
 #include "base/StopSignal.h"
 
@@ -10,7 +11,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <string_view>
 
 namespace larkspire::render
 {
@@ -22,21 +22,6 @@ namespace fs = std::filesystem;
 bool isHidden (const fs::path& path)
 {
     return path.filename().string().starts_with ('.');
-}
-
-/** Whether the first bytes are those of a kind of file that is rendered. RIFF and FORM hold films and pictures too. */
-bool beginsAsRecording (std::string_view bytes)
-{
-    const auto kind = bytes.substr (0, 4);
-    const auto form = bytes.size() >= 12 ? bytes.substr (8, 4) : std::string_view();
-
-    if (kind == "RIFF" || kind == "RIFX" || kind == "RF64")
-        return form == "WAVE";
-
-    if (kind == "FORM")
-        return form == "AIFF" || form == "AIFC";
-
-    return kind == "fLaC" || kind == "OggS";
 }
 
 bool isRecording (const fs::path& path)

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // Scales and the numbers beside them.
+#include "base/Texts.h"
 #include "plot/Axis.h"
 
 #include <gmock/gmock.h>
@@ -87,9 +88,9 @@ TEST (AxisTicks, OfTimeReadAsAClockDoes)
 
 TEST (Numbers, HaveATrueMinusAndNoNegativeZero)
 {
-    EXPECT_EQ (numberText (-1.25, 1), "\u22121.2");
-    EXPECT_EQ (numberText (-0.04, 1), "0.0");
-    EXPECT_EQ (numberText (12.0, 0), "12");
+    EXPECT_EQ (larkspire::numberText (-1.25, 1), "\u22121.2");
+    EXPECT_EQ (larkspire::numberText (-0.04, 1), "0.0");
+    EXPECT_EQ (larkspire::numberText (12.0, 0), "12");
 }
 
 TEST (Numbers, AreRoundedUpToOneTwoAndFive)

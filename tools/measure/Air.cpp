@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // What the air term lifts, by level: in the chain's own code, and of the built library.
+#include "base/Texts.h"
 #include "chain/AirTerm.h"
 #include "chain/FiltersSideBySide.h"
 #include "measure/DesignedPeak.h"

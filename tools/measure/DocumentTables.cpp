@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "measure/DocumentTables.h"
 
+#include "base/Texts.h"
 #include "measure/VoiceModes.h"
 
 #include <algorithm>
@@ -15,20 +16,9 @@ namespace
 {
 constexpr std::array rates { "44100", "48000", "96000" };
 
-/** A number with a proper minus sign. */
-std::string number (double value, int digits)
-{
-    auto text = fixed (value, digits);
-
-    if (text.starts_with ('-'))
-        text.replace (0, 1, "−");
-
-    return text;
-}
-
 std::string kilohertz (const std::string& rate)
 {
-    return number (std::stod (rate) / 1000.0, rate.ends_with ("000") ? 0 : 1) + " kHz";
+    return numberText (std::stod (rate) / 1000.0, rate.ends_with ("000") ? 0 : 1) + " kHz";
 }
 
 /** The mode as the knob names it. */
@@ -108,13 +98,13 @@ std::string responseTable (const Tables& tables)
             if (frequencies[i] >= from && frequencies[i] <= to && (best == values.size() || values[i] > values[best]))
                 best = i;
 
-        return number (values[best], 1) + " dB at " + number (frequencies[best], 0) + " Hz";
+        return numberText (values[best], 1) + " dB at " + numberText (frequencies[best], 0) + " Hz";
     };
     auto text = heading ({ "At 48 kHz, 0 dB at 1 kHz", "Gentle", "Medium", "Powerful" });
     text += lineForModes (
         "−3 dB below",
         [&] (const VoiceMode& mode)
-        { return number (crossing (frequencies, response.column (mode.column ("48000_db")), -3.0), 0) + " Hz"; });
+        { return numberText (crossing (frequencies, response.column (mode.column ("48000_db")), -3.0), 0) + " Hz"; });
     text += lineForModes ("Highest below 1 kHz", [&] (const VoiceMode& mode) { return highest (mode, 30.0, 999.0); });
     text +=
         lineForModes ("Highest above 1 kHz", [&] (const VoiceMode& mode) { return highest (mode, 1001.0, 20000.0); });
@@ -124,8 +114,8 @@ std::string responseTable (const Tables& tables)
                               [&] (const VoiceMode& mode)
                               {
                                   const auto column = mode.column (std::string (rate) + "_db");
-                                  return number (response.at ("5011.87", column), 1) + " and "
-                                         + number (response.at ("19952.62", column), 1) + " dB";
+                                  return numberText (response.at ("5011.87", column), 1) + " and "
+                                         + numberText (response.at ("19952.62", column), 1) + " dB";
                               });
 
     return text;
@@ -137,9 +127,9 @@ std::string airTable (const Tables& tables)
     auto text = heading ({ "Level of the 250 Hz tone", "Gentle", "Medium", "Powerful" });
 
     for (const auto& row : table.rows)
-        text += lineForModes (number (std::stod (row.key), 0) + " dBFS",
+        text += lineForModes (numberText (std::stod (row.key), 0) + " dBFS",
                               [&] (const VoiceMode& mode)
-                              { return number (table.at (row.key, mode.column ("db")), 1) + " dB"; });
+                              { return numberText (table.at (row.key, mode.column ("db")), 1) + " dB"; });
 
     return text;
 }
@@ -151,48 +141,47 @@ std::string levelTable (const Tables& tables)
     const auto inputs = levels.keys();
     const auto settled = [&] (const VoiceMode& mode) { return plateau.at (mode.name, "level_dbfs"); };
     auto text = heading ({ "A 997 Hz tone in the middle", "Gentle", "Medium", "Powerful" });
-    text +=
-        lineForModes ("Expander opens, level rising past",
-                      [&] (const VoiceMode& mode)
-                      { return number (std::stod (steepestRise (levels, mode.column ("rising_dbfs"))), 1) + " dBFS"; });
-    text +=
-        lineForModes ("Expander closes, level falling past",
-                      [&] (const VoiceMode& mode) {
-                          return number (std::stod (steepestRise (levels, mode.column ("falling_dbfs"))), 1) + " dBFS";
-                      });
+    text += lineForModes (
+        "Expander opens, level rising past",
+        [&] (const VoiceMode& mode)
+        { return numberText (std::stod (steepestRise (levels, mode.column ("rising_dbfs"))), 1) + " dBFS"; });
+    text += lineForModes (
+        "Expander closes, level falling past",
+        [&] (const VoiceMode& mode)
+        { return numberText (std::stod (steepestRise (levels, mode.column ("falling_dbfs"))), 1) + " dBFS"; });
     text += lineForModes ("Leveller holds from",
                           [&] (const VoiceMode& mode)
                           {
                               const auto column = levels.column (mode.column ("rising_dbfs"));
-                              return number (crossing (inputs, column, settled (mode) - 0.5), 0) + " dBFS";
+                              return numberText (crossing (inputs, column, settled (mode) - 0.5), 0) + " dBFS";
                           });
     text += lineForModes ("Settled level, input −20 dBFS",
-                          [&] (const VoiceMode& mode) { return number (settled (mode), 1) + " dBFS"; });
+                          [&] (const VoiceMode& mode) { return numberText (settled (mode), 1) + " dBFS"; });
     text += lineForModes ("Settled peak of full scale, input −20 dBFS",
-                          [&] (const VoiceMode& mode) { return number (plateau.at (mode.name, "peak"), 3); });
+                          [&] (const VoiceMode& mode) { return numberText (plateau.at (mode.name, "peak"), 3); });
     text += lineForModes ("Settled level, inputs of −36 to 0 dBFS",
                           [&] (const VoiceMode& mode)
                           {
                               const auto column = levels.column (mode.column ("rising_dbfs"));
                               const auto first = std::find (inputs.begin(), inputs.end(), -36.0) - inputs.begin();
                               const auto [low, high] = std::minmax_element (column.begin() + first, column.end());
-                              return number (*low, 1) + " to " + number (*high, 1) + " dBFS";
+                              return numberText (*low, 1) + " to " + numberText (*high, 1) + " dBFS";
                           });
     text += lineForModes ("Gain, expander open and leveller at rest (input −46 dBFS)",
                           [&] (const VoiceMode& mode)
-                          { return number (levels.at ("-46.0", mode.column ("rising_dbfs")) + 46.0, 1) + " dB"; });
+                          { return numberText (levels.at ("-46.0", mode.column ("rising_dbfs")) + 46.0, 1) + " dB"; });
     text += lineForModes ("Gain, expander closed and leveller at rest (input −80 dBFS)",
                           [&] (const VoiceMode& mode)
-                          { return number (levels.at ("-80.0", mode.column ("rising_dbfs")) + 80.0, 1) + " dB"; });
+                          { return numberText (levels.at ("-80.0", mode.column ("rising_dbfs")) + 80.0, 1) + " dB"; });
     return text;
 }
 
 std::string timeText (double milliseconds)
 {
     if (milliseconds >= 1000.0)
-        return number (milliseconds / 1000.0, 1) + " s";
+        return numberText (milliseconds / 1000.0, 1) + " s";
 
-    return number (milliseconds, milliseconds >= 100.0 ? 0 : 1) + " ms";
+    return numberText (milliseconds, milliseconds >= 100.0 ? 0 : 1) + " ms";
 }
 
 std::string timesTable (const Tables& tables)
@@ -204,7 +193,7 @@ std::string timesTable (const Tables& tables)
         for (const auto& mode : voiceModes)
         {
             std::vector<std::string> cells { row.key + ", " + title (mode) };
-            cells.push_back (number (times.at (row.key, mode.column ("48000_frames")), 0));
+            cells.push_back (numberText (times.at (row.key, mode.column ("48000_frames")), 0));
 
             for (const auto* rate : rates)
                 cells.push_back (timeText (1000.0 * times.at (row.key, mode.column (std::string (rate) + "_frames"))
@@ -222,7 +211,7 @@ std::string openingTable (const Tables& tables)
     auto text = heading ({ "Level of the tone", "Gentle", "Medium", "Powerful" });
 
     for (const auto* level : { "-12", "-18", "-24", "-30", "-36", "-42", "-48" })
-        text += lineForModes (number (std::stod (level), 0) + " dBFS",
+        text += lineForModes (numberText (std::stod (level), 0) + " dBFS",
                               [&] (const VoiceMode& mode)
                               { return timeText (opening.at (level, mode.column ("stage_frames")) / 48.0); });
 
@@ -237,7 +226,7 @@ std::string harmonicsTable (const Tables& tables)
         return [&plateau, column] (const VoiceMode& mode)
         {
             const auto value = plateau.at (mode.name, column);
-            return value <= -99.9 ? std::string ("below −100 dB") : number (value, 1) + " dB";
+            return value <= -99.9 ? std::string ("below −100 dB") : numberText (value, 1) + " dB";
         };
     };
     auto text = heading ({ "Relative to the fundamental", "Gentle", "Medium", "Powerful" });
@@ -253,7 +242,7 @@ std::string foldTable (const Tables& tables)
     const auto& fold = tables.at ("fold");
     auto text = heading ({ "Source", "Left output", "Right output" });
     const auto cell = [] (double factor)
-    { return number (factor, 3) + " (" + number (20.0 * std::log10 (std::abs (factor)), 1) + " dB)"; };
+    { return numberText (factor, 3) + " (" + numberText (20.0 * std::log10 (std::abs (factor)), 1) + " dB)"; };
 
     for (const auto& row : fold.rows)
         text += line ({ row.key, cell (row.values[0]), cell (row.values[1]) });
@@ -268,7 +257,7 @@ std::string voiceTable (const Tables& tables)
 
     for (const auto& row : voice.rows)
     {
-        const auto cell = [&] (const char* column) { return number (voice.at (row.key, column), 1) + " dBFS"; };
+        const auto cell = [&] (const char* column) { return numberText (voice.at (row.key, column), 1) + " dBFS"; };
         const auto range = voice.at (row.key, "loud_dbfs") - voice.at (row.key, "soft_dbfs");
         auto name = row.key == "input" ? std::string ("Recording") : row.key;
         name.front() = static_cast<char> (name.front() >= 'a' ? name.front() - 'a' + 'A' : name.front());
@@ -277,7 +266,7 @@ std::string voiceTable (const Tables& tables)
                         cell ("soft_dbfs"),
                         cell ("median_dbfs"),
                         cell ("loud_dbfs"),
-                        number (range, 1) + " dB" });
+                        numberText (range, 1) + " dB" });
     }
 
     return text;

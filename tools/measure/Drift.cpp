@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "measure/Drift.h"
 
+#include "base/Texts.h"
+
 #include <algorithm>
 #include <cmath>
 

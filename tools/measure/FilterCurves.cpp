@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The filters alone: what the chain's design code says of them.
+#include "base/Texts.h"
 #include "chain/HighPass.h"
 #include "measure/DesignedPeak.h"
 #include "measure/Frequencies.h"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The whole chain over frequency, of the built library at rest.
+#include "base/Texts.h"
 #include "measure/Frequencies.h"
 #include "measure/Measurements.h"
 #include "measure/RestingGains.h"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The soft clip alone, in the chain's own code.
+#include "base/Texts.h"
 #include "chain/SoftClip.h"
 #include "measure/Measurements.h"
 #include "measure/SoftClipHarmonics.h"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // Where a tone settles, of the built library.
+#include "base/Texts.h"
 #include "measure/Instance.h"
 #include "measure/Measurements.h"
 #include "measure/SoftClipHarmonics.h"

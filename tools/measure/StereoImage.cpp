@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // What becomes of left and right: in the fold's own code, and of the built library.
+#include "base/Texts.h"
 #include "chain/StereoFold.h"
 #include "measure/Envelope.h"
 #include "measure/Instance.h"

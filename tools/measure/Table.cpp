@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "measure/Table.h"
 
+#include "base/Texts.h"
+
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -115,18 +116,6 @@ std::vector<double> Table::keys() const
         values.push_back (numberIn (row.key));
 
     return values;
-}
-
-std::string fixed (double value, int digits)
-{
-    std::array<char, 64> text {};
-    const auto result = std::to_chars (text.data(), text.data() + text.size(), value, std::chars_format::fixed, digits);
-    std::string number (text.data(), result.ptr);
-
-    if (number.starts_with ('-') && number.find_first_of ("123456789") == std::string::npos)
-        number.erase (0, 1);
-
-    return number;
 }
 
 int digitsOf (std::string_view column)

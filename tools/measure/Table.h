@@ -48,9 +48,6 @@ struct Table
     std::vector<double> keys() const;
 };
 
-/** A number with so many digits behind the point, and no sign on a zero. */
-std::string fixed (double value, int digits);
-
 /** How many digits behind the point a column is written with. */
 int digitsOf (std::string_view column);
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // How long the gains take, of the built library, and of the expander's own code where the leveller hides it.
+#include "base/Texts.h"
 #include "chain/Expander.h"
 #include "measure/Gain.h"
 #include "measure/Measurements.h"

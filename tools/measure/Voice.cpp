@@ -2,6 +2,7 @@
 // A real voice before and after, of the built library.
 #include "audio/AudioInput.h"
 #include "base/Failure.h"
+#include "base/Texts.h"
 #include "measure/Instance.h"
 #include "measure/Measurements.h"
 #include "measure/Tone.h"

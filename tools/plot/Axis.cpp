@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "plot/Axis.h"
 
+#include "base/Texts.h"
+
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 
 namespace larkspire::plot
 {
@@ -14,13 +13,6 @@ namespace
 {
 constexpr double fewMinutes = 120.0;
 constexpr double hour = 3600.0;
-
-std::string formatted (const char* format, long first, long second)
-{
-    std::array<char, 48> text {};
-    std::snprintf (text.data(), text.size(), format, first, second); // NOLINT(clang-diagnostic-format-nonliteral)
-    return text.data();
-}
 
 /** Seconds between the marks of a time axis. */
 double timeStep (double seconds)
@@ -51,28 +43,7 @@ int decimalsOf (double number)
     return decimals;
 }
 
-std::string clockText (double seconds, bool withHours)
-{
-    const auto whole = std::lround (seconds);
-    const auto ofTheHour =
-        formatted (withHours ? "%02ld:%02ld" : "%ld:%02ld", withHours ? whole / 60 % 60 : whole / 60, whole % 60);
-    return withHours ? std::to_string (whole / 3600) + ":" + ofTheHour : ofTheHour;
-}
 } // namespace
-
-std::string numberText (double value, int decimals)
-{
-    std::array<char, 48> text {};
-    std::snprintf (text.data(), text.size(), "%.*f", decimals, std::abs (value));
-    const std::string digits (text.data());
-    const auto isZero = digits.find_first_not_of ("0.") == std::string::npos;
-    return value < 0.0 && ! isZero ? "\xe2\x88\x92" + digits : digits;
-}
-
-std::string secondsText (double seconds)
-{
-    return numberText (seconds, seconds < 1.0 ? 3 : 1);
-}
 
 double roundedUp (double value)
 {

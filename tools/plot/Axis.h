@@ -42,10 +42,4 @@ std::string timeUnit (const Axis& axis);
 /** The smallest of 1, 2 and 5 times a power of ten that is not below a positive value. */
 double roundedUp (double value);
 
-/** A duration in seconds as people write it: with one decimal, and three where one would hide too much. */
-std::string secondsText (double seconds);
-
-/** A number as people write it: with so many decimals, a true minus sign and no negative zero. */
-std::string numberText (double value, int decimals);
-
 } // namespace larkspire::plot

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "plot/Painter.h"
 
+#include "base/Texts.h"
 #include "plot/Axes.h"
 #include "plot/Typefaces.h"
 

@@ -2,6 +2,7 @@
 #include "render/ProgressBar.h"
 
 #include "base/Failure.h"
+#include "base/Texts.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -42,19 +43,13 @@ std::string shortened (const std::string& text, int mostCharacters)
 
     return text.substr (0, end);
 }
-/** A duration as a clock counts it down: min:s, from an hour h:min:s. */
-std::string clockText (double seconds)
+
+/** A duration as a clock counts it down, with hours where there are any. */
+std::string timeText (double seconds)
 {
     constexpr double longest = 359999.0; // 99:59:59
-    const auto whole = std::lround (std::clamp (seconds, 0.0, longest));
-    std::array<char, 32> text {};
-
-    if (whole < 3600)
-        std::snprintf (text.data(), text.size(), "%ld:%02ld", whole / 60, whole % 60);
-    else
-        std::snprintf (text.data(), text.size(), "%ld:%02ld:%02ld", whole / 3600, whole / 60 % 60, whole % 60);
-
-    return text.data();
+    const auto whole = std::round (std::clamp (seconds, 0.0, longest));
+    return clockText (whole, whole >= 3600.0);
 }
 
 /** What stands behind the bar: the speed, and the time that is left or was taken. */
@@ -66,14 +61,14 @@ std::string paceText (const RenderProgress& progress)
     std::string text (speed.data());
 
     if (! progress.secondsInAll.has_value())
-        return text + "  " + clockText (progress.secondsDone) + " done";
+        return text + "  " + timeText (progress.secondsDone) + " done";
 
     const auto secondsToGo = *progress.secondsInAll - progress.secondsDone;
 
     if (secondsToGo <= 0.0)
-        return text + "  in " + clockText (progress.secondsOfWork);
+        return text + "  in " + timeText (progress.secondsOfWork);
 
-    return timesRealTime > 0.0 ? text + "  " + clockText (secondsToGo / timesRealTime) + " left" : text;
+    return timesRealTime > 0.0 ? text + "  " + timeText (secondsToGo / timesRealTime) + " left" : text;
 }
 } // namespace
 

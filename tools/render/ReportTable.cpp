@@ -2,11 +2,11 @@
 #include "render/ReportTable.h"
 
 #include "base/Failure.h"
+#include "base/Texts.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <utility>
 #include <vector>
 
@@ -75,24 +75,15 @@ std::string cellOf (const Figure& figure)
     if (! figure.has_value())
         return "-";
 
-    std::array<char, 64> text {};
-    const auto rounded = std::round (*figure * 10.0) / 10.0;
-    std::snprintf (text.data(), text.size(), "%.1f", rounded + 0.0); // which makes a negative zero a zero
-    return text.data();
+    return fixed (std::round (*figure * 10.0) / 10.0, 1);
 }
 
 std::string headline (const Rendering& rendering)
 {
     const auto& report = *rendering.report;
-    std::array<char, 96> facts {};
-    std::snprintf (facts.data(),
-                   facts.size(),
-                   "  %.*f s, %d Hz, %s",
-                   report.seconds < 1.0 ? 3 : 1,
-                   report.seconds,
-                   report.shape.sampleRate,
-                   report.shape.channels == 1 ? "mono" : "stereo");
-    return printable (rendering.job.input.string()) + facts.data() + "\n";
+    return printable (rendering.job.input.string()) + "  " + secondsText (report.seconds) + " s, "
+           + std::to_string (report.shape.sampleRate) + " Hz, " + (report.shape.channels == 1 ? "mono" : "stereo")
+           + "\n";
 }
 
 std::string gainLines (const std::vector<const Analysis*>& analyses)

@@ -34,31 +34,25 @@ void Announcer::progress (std::size_t index, const RenderProgress& progress)
     const std::lock_guard lock (mutex);
     latest[index] = progress;
 
-    if (index == turn)
-    {
-        startBar();
-        bar->show (progress);
-    }
+    if (index == turn())
+        showLatest();
 }
 
 void Announcer::finished (std::size_t index, Rendering rendering)
 {
     const std::lock_guard lock (mutex);
     waiting.emplace (index, std::move (rendering));
-    announceInTurn();
+
+    while (! waiting.empty() && waiting.begin()->first == turn())
+        announce (std::move (waiting.extract (waiting.begin()).mapped()));
 }
 
 void Announcer::end()
 {
     const std::lock_guard lock (mutex);
 
-    while (! waiting.empty())
-    {
-        turn = waiting.begin()->first;
-        announceInTurn();
-    }
-
-    printReport();
+    if (told.size() % plan.modesPerInput != 0)
+        printReport();
 
     if (plan.outputs.json)
     {
@@ -67,36 +61,24 @@ void Announcer::end()
     }
 }
 
-void Announcer::startBar()
+void Announcer::showLatest()
 {
-    if (bar.has_value())
-        return;
+    const auto& job = plan.jobs[turn()];
 
-    const auto& job = plan.jobs[turn];
-    bar.emplace (job.input.filename().string() + (plan.modesPerInput > 1 ? std::string (" ") + nameOf (job.mode) : ""));
+    if (! bar.has_value())
+        bar.emplace (job.input.filename().string()
+                     + (plan.modesPerInput > 1 ? std::string (" ") + nameOf (job.mode) : ""));
+
+    bar->show (latest.at (turn()));
 }
 
-void Announcer::announceInTurn()
+void Announcer::announce (Rendering rendering)
 {
-    while (! waiting.empty() && waiting.begin()->first == turn)
-    {
-        announce (turn);
-        latest.erase (turn);
-        ++turn;
-    }
-}
-
-void Announcer::announce (std::size_t index)
-{
-    auto rendering = std::move (waiting.extract (index).mapped());
-
     // A job that ran in another's shadow shows its line now.
-    if (const auto progress = latest.find (index); progress != latest.end())
-    {
-        startBar();
-        bar->show (progress->second);
-    }
+    if (latest.contains (turn()))
+        showLatest();
 
+    latest.erase (turn());
     bar.reset();
 
     if (! rendering.report.has_value())
@@ -104,26 +86,22 @@ void Announcer::announce (std::size_t index)
     else if (plan.outputs.stats && ! plan.outputs.json)
         printStats (rendering);
 
-    if (index / plan.modesPerInput != inputOfTable)
-        printReport();
-
-    inputOfTable = index / plan.modesPerInput;
     told.push_back (std::move (rendering));
-    ++rowsOfTable;
 
-    if ((index + 1) % plan.modesPerInput == 0)
+    if (told.size() % plan.modesPerInput == 0)
         printReport();
 }
 
 void Announcer::printReport()
 {
-    if (const auto rows = std::exchange (rowsOfTable, 0); rows > 0 && plan.outputs.report && ! plan.outputs.json)
-    {
-        const auto table = reportTable (std::span (told).last (rows));
-        std::printf ("%s%s", tablesBefore && ! table.empty() ? "\n" : "", table.c_str());
-        std::fflush (stdout);
-        tablesBefore = tablesBefore || ! table.empty();
-    }
+    if (! plan.outputs.report || plan.outputs.json)
+        return;
+
+    const auto ofThisInput = (told.size() - 1) % plan.modesPerInput + 1;
+    const auto table = reportTable (std::span (told).last (ofThisInput));
+    std::printf ("%s%s", tablesBefore && ! table.empty() ? "\n" : "", table.c_str());
+    std::fflush (stdout);
+    tablesBefore = tablesBefore || ! table.empty();
 }
 
 } // namespace larkspire::render

@@ -18,7 +18,7 @@ namespace larkspire::render
 
     A job has its turn when all before it are finished. Its progress is on the terminal while it has its turn and runs;
     its line of stats, or the reason why it failed, follow when it is finished, and an input's report follows the last
-    of its jobs. Any thread may call.
+    of its jobs. Jobs are begun in their order, and each that is begun is finished. Any thread may call.
 */
 class Announcer
 {
@@ -31,13 +31,15 @@ public:
     /** A job has come to an end. */
     void finished (std::size_t index, Rendering rendering);
 
-    /** No job will follow: tells what still waits behind jobs that were never begun, and prints the document. */
+    /** No job will follow: prints the report of an input whose jobs were not all begun, and the document. */
     void end();
 
 private:
-    void startBar();
-    void announceInTurn();
-    void announce (std::size_t index);
+    /** The job whose turn it is. */
+    std::size_t turn() const noexcept { return told.size(); }
+
+    void showLatest();
+    void announce (Rendering rendering);
     void printReport();
 
     const BatchPlan& plan;
@@ -45,10 +47,7 @@ private:
     std::map<std::size_t, Rendering> waiting; // finished, but not in turn
     std::map<std::size_t, RenderProgress> latest;
     std::vector<Rendering> told;
-    std::size_t inputOfTable = 0;
-    std::size_t rowsOfTable = 0; // of those told last
     bool tablesBefore = false;
-    std::size_t turn = 0;
     std::optional<ProgressBar> bar;
 };
 

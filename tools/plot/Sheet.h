@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include "meter/TimeCourse.h"
+#include "plot/Axes.h"
+#include "plot/Typefaces.h"
+
+#include <juce_graphics/juce_graphics.h>
+
+#include <string>
+#include <vector>
+
+namespace larkspire::plot
+{
+
+/** The colour of what is less important than the rest. */
+inline const juce::Colour paleInk (0xff6a6a6a);
+
+/** A line in a legend. */
+struct Entry
+{
+    juce::String text;
+    juce::Colour colour;
+    float thickness = 2.0f;
+};
+
+/** Bytes as JUCE's text; where they are no UTF-8, question marks stand for those beyond ASCII. */
+juce::String utf8 (const std::string& text);
+
+/** One drawing in progress: the parts that panels are made of, each drawn over what is there. */
+class Sheet
+{
+public:
+    /** White paper. Throws Failure where no font is installed. */
+    Sheet();
+
+    /** The words above all panels: a file's name, cut where it is too long, the mode behind it and facts on the right.
+     */
+    void drawTitle (const juce::String& name, const juce::String& mode, const juce::String& facts);
+
+    /** The lines and numbers of a panel. */
+    void drawPanel (Rows rows, const Axis& time, const Axis& values, const std::vector<Tick>& ticks);
+
+    void drawFrame (Rows rows);
+
+    /** The words above a panel: what it shows, and which line is which. */
+    void drawHeading (Rows rows, const juce::String& text, const std::vector<Entry>& legend);
+
+    /** The numbers below the lowest panel. */
+    void drawTimeLabels (const Axis& time);
+
+    /** Words in the middle of a panel that has nothing to show. */
+    void drawNote (Rows rows, const juce::String& text);
+
+    /** A sound between its lowest and highest samples.
+
+        @param secondsPerBin  how long a bin of the course is */
+    void drawWaveform (Rows rows,
+                       const Axis& time,
+                       const Axis& values,
+                       const meter::TimeCourse& course,
+                       double secondsPerBin,
+                       juce::Colour colour);
+
+    /** A line through points, in pixels; where y is NaN or infinite, the line is interrupted. */
+    void drawLine (Rows rows, const std::vector<juce::Point<double>>& points, juce::Colour colour, float thickness);
+
+    /** The bytes of a PNG file. */
+    std::vector<char> png() const;
+
+private:
+    void write (const juce::String& text,
+                juce::Rectangle<int> place,
+                const juce::Font& font,
+                juce::Colour colour,
+                juce::Justification justification = juce::Justification::centredLeft);
+
+    juce::Image image;
+    juce::Graphics graphics;
+    Typefaces fonts;
+};
+
+} // namespace larkspire::plot

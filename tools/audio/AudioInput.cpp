@@ -15,7 +15,7 @@ namespace larkspire
 
 namespace
 {
-/** Refuses what can be told without a look at the sound. */
+/** Refuses what cannot be audio by its kind and size. */
 void checkThatItCanBeAudio (const std::filesystem::path& path, int descriptor)
 {
     struct stat status = {};
@@ -33,8 +33,8 @@ void checkThatItCanBeAudio (const std::filesystem::path& path, int descriptor)
         throw Failure (path, "is empty");
 }
 
-/** Looks at the first four bytes. Without that the library tries its MPEG decoder on texts and pictures, which talks to
-    the terminal on its own account. */
+/** Looks at the first four bytes. Otherwise libsndfile would try its MPEG decoder on texts and pictures, and that
+    prints to the terminal. */
 void checkTheKindOfFile (const std::filesystem::path& path, int descriptor)
 {
     std::array<char, 4> bytes {};

@@ -25,7 +25,7 @@ public:
 
     const AudioShape& shape() const noexcept { return audioShape; }
 
-    /** The number of sample frames that the file states; nothing where it states none, as streamed FLAC may. */
+    /** The number of sample frames that the file states; nullopt if it states none, as streamed FLAC may. */
     std::optional<std::int64_t> length() const noexcept;
 
     /** Reads as many frames as fit, channels interleaved, linear full scale 1.0, and returns how many those are: 0 is

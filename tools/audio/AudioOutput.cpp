@@ -43,7 +43,7 @@ sf_count_t positionIn (void* userData)
     return partialFile (userData).seek (0, SEEK_CUR);
 }
 
-/** The file goes through our own hands, since the library does not report every write that failed. */
+/** libsndfile does not report every write that failed; PartialFile does. */
 SF_VIRTUAL_IO throughPartialFile()
 {
     SF_VIRTUAL_IO access {};

@@ -18,7 +18,7 @@
 namespace larkspire
 {
 
-/** Whether that much sound is too long for the 32-bit sizes of an ordinary WAV file. Then, and where the length is not
+/** Whether that much sound is too long for the 32-bit sizes of an ordinary WAV file. Then, or if the length is not
     known, RF64 is written, which is the same with 64-bit sizes. */
 bool needsLargeWav (const AudioShape& shape, SampleType samples, std::optional<std::int64_t> frames);
 
@@ -41,8 +41,7 @@ public:
     /** What has been written so far, as it reads back: rounded, and held within full scale unless it is floats. */
     const Levels& levels() const noexcept { return writtenLevels; }
 
-    /** Completes the file and gives it its name. Throws Failure, and leaves no file, if any byte did not get through.
-     */
+    /** Completes the file and gives it its name. Throws Failure if any byte did not get through; then there is none. */
     void commit();
 
 private:

@@ -10,9 +10,9 @@ namespace larkspire
 
 /** Turns samples, linear full scale 1.0, into whole numbers and back.
 
-    number = round (sample * 2^(bits - 1)), ties to even, held within the range; what is no number becomes 0. Without
-    dither it is the exact inverse of reading whole numbers as floats, which divides by the same power of two: what
-   comes in with no more bits goes out unchanged.
+    number = round (sample * 2^(bits - 1)), ties to even, held within the range; NaN becomes 0. Without dither it is the
+    exact inverse of reading whole numbers as floats, which divides by the same power of two: samples with no more bits
+    than that stay unchanged.
 */
 class Quantiser
 {

@@ -8,11 +8,11 @@
 namespace larkspire
 {
 
-/** A text as it may stand in one line of a terminal: control characters, line ends above all, become \xNN. Bytes that
-    are no UTF-8 stay, a path is whatever bytes it is. */
+/** A text as it may stand in one line of a terminal: control characters, line ends above all, become \xNN. Bytes
+    that are not UTF-8 stay, since a path may hold any. */
 std::string printable (const std::string& text);
 
-/** Work that could not be done, the exit status 1. what() is one line: "<path>: <reason>". */
+/** Work that could not be done: exit status 1. what() is one line: "<path>: <reason>". */
 class Failure : public std::runtime_error
 {
 public:
@@ -22,15 +22,15 @@ public:
     }
 };
 
-/** A call that asks for something impossible, the exit status 2. Nothing has been written when it is thrown. what() is
-    one line. */
+/** A call that asks for something impossible: exit status 2. It is thrown before anything is written. what() is one
+    line. */
 class WrongCall : public std::runtime_error
 {
 public:
     explicit WrongCall (const std::string& reason) : std::runtime_error (printable (reason)) {}
 };
 
-/** A person or the system asked the program to stop. what() is one line: "<path>: <reason>". */
+/** The user or the system asked the program to stop. what() is one line: "<path>: <reason>". */
 class Interrupted : public Failure
 {
 public:

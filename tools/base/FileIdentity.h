@@ -10,10 +10,10 @@
 namespace larkspire
 {
 
-/** What tells one file from another however it is called: the numbers of its device and of its node. */
+/** The device and inode numbers, which tell one file from another whatever its paths are. */
 using FileIdentity = std::pair<dev_t, ino_t>;
 
-/** The identity of what a path leads to, through links; nothing where it leads to nothing. */
+/** The identity of the file behind a path and its links; nullopt if there is none. */
 inline std::optional<FileIdentity> identityOf (const std::filesystem::path& path)
 {
     struct stat status = {};

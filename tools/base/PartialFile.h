@@ -12,15 +12,15 @@ namespace larkspire
 /** A file that gets its name once it is whole.
 
     Until then it is a hidden file beside that name, ".<name>.partial-<process>", and is removed if commit is never
-    reached. A file that had the name before is replaced in one step, so nobody ever sees half a result. Where the name
-    is a symbolic link, the file behind it is replaced and the link stays.
+    reached. A file that had the name before is replaced in one step, so half a result is never seen. Where the name is
+    a symbolic link, the file behind it is replaced and the link stays.
 
     The operations on the content report like the system's own: a count, a position or -1. The first error is kept.
 */
 class PartialFile
 {
 public:
-    /** Creates the hidden file. Throws Failure where that is impossible or the name belongs to no regular file. */
+    /** Creates the hidden file. Throws Failure if that is impossible, or if a folder or a device has that name. */
     explicit PartialFile (const std::filesystem::path& name);
     ~PartialFile();
 
@@ -35,8 +35,8 @@ public:
     /** Throws Failure if an operation has failed up to here. */
     void throwOnError() const;
 
-    /** Gives the file its name. Throws Failure, with the hidden file on its way out, if any byte did not reach the
-        disk. */
+    /** Gives the file its name. Throws Failure if any byte did not reach the disk; the destructor then removes the
+        hidden file. */
     void commit();
 
 private:

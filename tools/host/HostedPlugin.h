@@ -39,7 +39,7 @@ public:
     HostedPlugin& operator= (const HostedPlugin&) = delete;
 
     /** Runs whole frames, channels interleaved, through the plug-in and puts the result in their place. It takes at
-       most blockSize frames. */
+        most blockSize frames. */
     void process (std::span<float> interleaved);
 
 private:

@@ -14,8 +14,8 @@ namespace larkspire::meter
 /** The plug-in's chain run once more beside the plug-in, to read what the plug-in does not show: its gains.
 
     It is the code that the plug-in is made of, but another copy of it, and a loaded library may be anything. So all of
-    its output is held against the library's, bit by bit: where one sample differs, the gains here are not those that
-    were applied there, and nothing is told.
+    its output is compared with the library's, bit by bit. If one sample differs, the gains here are not those that were
+    applied there, and none are given.
 */
 class ChainProbe
 {
@@ -37,7 +37,7 @@ public:
     /** Whether stages run at all. */
     bool runs() const noexcept { return chain != nullptr; }
 
-    /** Nothing in any field unless stages run and all matched. */
+    /** Every field is nullopt unless stages run and all matched. */
     StageGains gains() const;
 
     /** The applied gains over time, linear; of two channels the geometric mean, which is the mean in dB. The leveller's

@@ -7,22 +7,22 @@
 namespace larkspire::meter
 {
 
-/** A figure, or nothing where there is none: silence has no level. */
+/** A figure, or nullopt: silence has no level. */
 using Figure = std::optional<double>;
 
-/** The value, or nothing where it is infinite or no number. */
+/** The value, or nullopt if it is infinite or NaN. */
 inline Figure finite (double value)
 {
     return std::isfinite (value) ? Figure (value) : std::nullopt;
 }
 
-/** 20 log10 of a ratio of amplitudes; nothing for none. */
+/** 20 log10 of a ratio of amplitudes; nullopt for zero. */
 inline Figure amplitudeDecibels (double ratio)
 {
     return finite (20.0 * std::log10 (ratio));
 }
 
-/** 10 log10 of a ratio of powers; nothing for none. */
+/** 10 log10 of a ratio of powers; nullopt for zero. */
 inline Figure powerDecibels (double ratio)
 {
     return finite (10.0 * std::log10 (ratio));

@@ -9,7 +9,7 @@
 namespace larkspire::meter
 {
 
-/** What of a rendering's gains can be told. */
+/** Whether the gains of a rendering are known. */
 enum class GainsKnown
 {
     yes,
@@ -17,7 +17,7 @@ enum class GainsKnown
     otherPlugin  // the library gave another sound than the chain in this program
 };
 
-/** All that is said of one rendering in numbers. */
+/** The figures of one rendering. */
 struct Analysis
 {
     SoundFigures before;

@@ -28,24 +28,24 @@ public:
     /** Takes whole frames, channels interleaved, linear full scale 1.0. */
     void add (std::span<const float> interleaved);
 
-    /** The gated loudness of all of it, in LUFS. Nothing below 0.4 s, one block of the gate, and where no block is
-        above -70 LUFS. */
+    /** The gated loudness of all of it, in LUFS. nullopt for less than 0.4 s (one gating block) or if no block
+        exceeds -70 LUFS. */
     Figure integrated() const;
 
-    /** The loudness range in LU, EBU Tech 3342. Nothing below 4 s: a range needs two of its windows of 3 s, which are
-        1 s apart. And nothing where no window is above -70 LUFS. */
+    /** The loudness range in LU, EBU Tech 3342. nullopt for less than 4 s (two windows of 3 s, 1 s apart) or if no
+        window reaches -70 LUFS. */
     Figure range() const;
 
-    /** The largest magnitude of the waveform between the samples, in dBTP. Nothing for silence. */
+    /** The largest magnitude of the waveform between the samples, in dBTP. nullopt for silence. */
     Figure truePeak() const;
 
-    /** How long one step of the two courses is: the loudness is read once in so many seconds. */
+    /** The loudness is read once in so many seconds, the step of the two courses. */
     static constexpr double stepSeconds = 0.1;
     static constexpr double momentarySeconds = 0.4;
     static constexpr double shortTermSeconds = 3.0;
 
-    /** The loudness in LUFS of the last 0.4 s and of the last 3 s at the end of each step; minus infinity for silence,
-        no number where so much has not been heard yet. */
+    /** The loudness in LUFS of the last 0.4 s and of the last 3 s at the end of each step; minus infinity for
+        silence, NaN until so much has been heard. */
     const std::vector<float>& momentary() const noexcept { return momentaryCourse; }
     const std::vector<float>& shortTerm() const noexcept { return shortTermCourse; }
 

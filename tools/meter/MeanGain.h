@@ -31,7 +31,7 @@ public:
         }
     }
 
-    /** Nothing where there was no sample, or a gain of zero. */
+    /** nullopt if there was no sample, or a gain of zero. */
     Figure decibels() const
     {
         if (count == 0)

@@ -13,14 +13,13 @@ namespace larkspire::meter
 
 /** The level of the noise between words: the 10th percentile of the RMS levels of 50 ms windows, in dBFS.
 
-    The windows follow each other without a gap or an overlap, and one takes all channels together; what is left at the
-    end and fills none does not count. The percentile is that of the nearest rank: the lowest level that a tenth of the
-    windows do not exceed. 0 dBFS is a square wave of full scale, so a sine of full scale has -3.01 dBFS; there is no
-    weighting.
+    The windows follow each other without a gap or an overlap, and one takes all channels together; an unfinished one at
+    the end does not count. The percentile is that of the nearest rank: the lowest level that a tenth of the windows do
+    not exceed. 0 dBFS is a square wave of full scale, so a sine of full scale has -3.01 dBFS; there is no weighting.
 
     50 ms lie well within the gaps between words, which take 0.1 s and more, and hold two and a half periods of 50 Hz
     hum, so that hum has one level and not a swinging one. And a tenth, because speech pauses for more than a tenth of
-    its time, while the quietest window of all is one chance in thousands.
+    its time, while the quietest single window is a matter of chance.
 */
 class NoiseMeter
 {
@@ -33,11 +32,11 @@ public:
     /** Takes whole frames, channels interleaved, linear full scale 1.0. */
     void add (std::span<const float> interleaved);
 
-    /** The level over the windows in which another sound, of the same length, was not digital silence: the recording,
-        for the recording itself and for what was made of it. So both are measured in the same places, and silence that
-        an editor has put in, which is no room's noise, does not count.
+    /** The level over the windows in which the recording was not digital silence. The recording itself and what was
+        made of it are so measured in the same places, and silence that was edited in, which is not the room's noise,
+        does not count.
 
-        Nothing where no window is left, or where a tenth of those that are is digital silence here. */
+        nullopt if no window counts, or if the percentile window is digital silence. */
     Figure levelWhere (const NoiseMeter& recording) const;
 
 private:

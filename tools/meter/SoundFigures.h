@@ -6,7 +6,7 @@
 namespace larkspire::meter
 {
 
-/** What is said of a sound in numbers; how each is measured stands with its meter. */
+/** The figures of a sound; its meter says how each is measured. */
 struct SoundFigures
 {
     Figure integratedLufs;

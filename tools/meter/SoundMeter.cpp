@@ -16,31 +16,31 @@ SoundMeter::SoundMeter (const AudioShape& shape)
 
 void SoundMeter::add (std::span<const float> interleaved)
 {
-    numbers.assign (interleaved.begin(), interleaved.end());
+    finiteSamples.assign (interleaved.begin(), interleaved.end());
 
-    for (auto& sample : numbers)
+    for (auto& sample : finiteSamples)
     {
         if (! std::isfinite (sample))
         {
-            allNumbers = false;
+            allFinite = false;
             sample = 0.0f;
         }
     }
 
-    loudnessMeter.add (numbers);
-    noiseMeter.add (numbers);
+    loudnessMeter.add (finiteSamples);
+    noiseMeter.add (finiteSamples);
 
-    for (std::size_t i = 0; i < numbers.size(); i += channels)
+    for (std::size_t i = 0; i < finiteSamples.size(); i += channels)
     {
-        const auto left = numbers[i];
-        const auto right = numbers[i + channels - 1];
+        const auto left = finiteSamples[i];
+        const auto right = finiteSamples[i + channels - 1];
         waveformCourse.add (std::min (left, right), std::max (left, right));
     }
 }
 
 SoundFigures SoundMeter::figures (const SoundMeter& recording) const
 {
-    if (! allNumbers)
+    if (! allFinite)
         return {};
 
     return { .integratedLufs = loudnessMeter.integrated(),

@@ -11,14 +11,14 @@
 namespace larkspire::meter
 {
 
-/** Hears one sound from front to back and tells its figures and its courses. */
+/** Hears one sound from front to back, for its figures and its courses. */
 class SoundMeter
 {
 public:
     explicit SoundMeter (const AudioShape& shape);
 
-    /** Takes whole frames, channels interleaved, linear full scale 1.0. A sample that is no number, or infinite, counts
-        as silence, and takes the figures away: such a sound has none. */
+    /** Takes whole frames, channels interleaved, linear full scale 1.0. Samples that are NaN or infinite are heard
+        as silence, and a sound with any has no figures. */
     void add (std::span<const float> interleaved);
 
     /** @param recording  what the sound was made of, or the sound itself; see NoiseMeter::levelWhere */
@@ -33,8 +33,8 @@ private:
     LoudnessMeter loudnessMeter;
     NoiseMeter noiseMeter;
     TimeCourse waveformCourse;
-    std::vector<float> numbers;
-    bool allNumbers = true;
+    std::vector<float> finiteSamples;
+    bool allFinite = true;
 };
 
 } // namespace larkspire::meter

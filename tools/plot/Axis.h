@@ -15,7 +15,7 @@ struct Axis
     double firstPixel = 0.0;
     double lastPixel = 1.0;
 
-    /** The pixel of a value, between pixels too; beyond the ends it goes on. */
+    /** The pixel of a value, with a fraction, not clamped to the ends. */
     double pixelOf (double value) const
     {
         return firstPixel + (value - first) / (last - first) * (lastPixel - firstPixel);
@@ -30,7 +30,7 @@ struct Tick
 };
 
 /** Marks at whole multiples of a step, from one end to the other, written with as many decimals as the step has. A
-   minus is a true minus sign, in UTF-8. */
+    minus is a true minus sign, in UTF-8. */
 std::vector<Tick> ticksEvery (double step, const Axis& axis);
 
 /** Marks for a time axis from 0 to a number of seconds: about ten, at round numbers of seconds, minutes or hours. */

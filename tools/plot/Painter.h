@@ -19,7 +19,7 @@ struct Title
 /** Draws a rendering and gives the bytes of a PNG file: waveforms before and after, loudness before and after, and the
     gains of expander and leveller, one above the other on one time axis; the scales are those of axesFor.
 
-    It needs neither a window nor a display. Any thread. Throws Failure where no font is installed.
+    It needs neither a window nor a display. Any thread may call. Throws Failure if no font is installed.
 */
 std::vector<char> paintPng (const meter::Listening& measurement, const Title& title);
 

@@ -7,10 +7,10 @@ namespace larkspire::plot
 {
 
 /** The letters of a picture: Liberation Sans where the machine has it, so that pictures look alike, else the sans-serif
-    typeface that the framework picks, else any.
+    typeface that JUCE picks, else any.
 
-    The framework takes a name that it does not find for a typeface without letters and says nothing, so a name is only
-    given to it where it is on its own list.
+    For a name that it does not know JUCE silently gives a typeface without letters, so only names from its own list are
+    used.
 */
 class Typefaces
 {

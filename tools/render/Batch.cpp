@@ -27,7 +27,7 @@ void makeFolders (const BatchPlan& plan)
             throw Failure (folder, "cannot be made: " + error.message());
     }
 
-    // Where one of these is in the way of something, only the results below it fail, and say so.
+    // If one of these cannot be made, only the results below it fail, and each says so.
     for (const auto& folder : plan.subfolders)
         std::filesystem::create_directories (folder, error);
 }

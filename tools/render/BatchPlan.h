@@ -35,9 +35,9 @@ struct BatchPlan
     std::vector<Failure> faults;                // inputs that give no job
 };
 
-/** Works out which file goes where, and touches none but for a look into folders. Throws WrongCall if two results would
-    get the same name, if a result would replace one of the inputs, by whatever path or link, if a name is ambiguous or
-    if the options contradict each other. */
+/** Works out which file goes where. It looks into folders and writes nothing. Throws WrongCall if two results would
+    get the same name, if a result would replace one of the inputs, by whatever path or link, if a name is ambiguous
+    or if the options contradict each other. */
 BatchPlan planBatch (const CommandLine& call);
 
 } // namespace larkspire::render

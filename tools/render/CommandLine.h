@@ -12,7 +12,7 @@
 namespace larkspire::render
 {
 
-/** A call as the person wrote it. */
+/** A call as the user wrote it. */
 struct CommandLine
 {
     std::vector<std::string> inputs;
@@ -30,7 +30,7 @@ struct CommandLine
     bool json = false;
 };
 
-/** Understands a call, or gives the text that it asks for (help, version). Throws WrongCall. */
+/** Parses a call, or gives the text that it asks for (help, version). Throws WrongCall. */
 std::variant<CommandLine, std::string> parseCommandLine (int argumentCount, const char* const* arguments);
 
 } // namespace larkspire::render

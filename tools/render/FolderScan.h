@@ -22,14 +22,15 @@ struct FolderContents
 
 /** Looks for recordings in a folder and all below it.
 
-    A recording is a file that begins as WAV, FLAC, AIFF and Ogg files do; whether it is a sound one shows when it is
-    rendered. Files that cannot be looked into count as recordings, so that somebody is told. Hidden files and folders
-    are passed over without a word. A link to a file is taken like the file; a link to a folder is not followed, as it
-    may lead round in a circle or out into the world, and is left out.
+    A recording is a file that begins as WAV, FLAC, AIFF and Ogg files do; whether the rest is intact shows when it is
+    rendered. Files that cannot be read count as recordings, so that rendering them reports it. Hidden files and folders
+    are passed over silently. A link to a file is taken like the file; a link to a folder is not followed, as it may
+    lead round in a circle or out into the world, and is left out.
 
     A signal that asks for an end cuts the search short.
 
-    @param except  folders below it that are not looked into, those of the results; where there is none yet, nothing
+    @param except  folders below it that are not looked into, those of the results; nullopt for one that is still to
+                   be made
 */
 FolderContents scanFolder (const std::filesystem::path& folder, const std::vector<std::optional<FileIdentity>>& except);
 

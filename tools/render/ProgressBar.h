@@ -9,9 +9,9 @@
 namespace larkspire::render
 {
 
-/** A line on the terminal behind stderr that shows how far one file is: its name, percent, how many times faster than
-    real time, and the time left, or at the end the time taken. The line is ended when the bar goes away. There shall be
-    none where stderr is no terminal. */
+/** A line on the terminal behind stderr that shows how far one file is: its name, percent, how many times faster
+    than real time, and the time left, or at the end the time taken. The destructor ends the line. Create one only if
+    stderr is a terminal. */
 class ProgressBar
 {
 public:

@@ -50,16 +50,16 @@ struct RenderProgress
     double secondsOfWork = 0.0;
 };
 
-/** Takes a file through a plug-in instance of its own, in memory that grows no more than a picture's needs with the
-    file. The result has the input's length, sample rate and channels; it and the picture appear under their names when
+/** Takes a file through a plug-in instance of its own. The memory does not grow with the file, but for what a picture
+    needs. The result has the input's length, sample rate and channels; it and the picture appear under their names when
     both are whole.
 
     May be called in several threads at once.
 
     @param progress  told after every block
 
-    Throws Failure where it cannot be done and Interrupted where a signal asked for an end; then there is no result, and
-    a file that had its name is as it was. */
+    Throws Failure if it cannot be done and Interrupted if a signal asked for an end; then there is no result, and a
+    file that had its name is as it was. */
 RenderReport render (const PluginLibrary& library,
                      const Job& job,
                      const RenderSettings& settings,

@@ -10,8 +10,8 @@ namespace larkspire::render
 {
 
 /** The report for machines: a JSON array with an object for each rendering, in their order, in UTF-8 and with a line
-   end behind it. The keys are described in the text of --help and stay as they are. A figure that there is not is null.
-    Bytes of a path that are no UTF-8 become U+FFFD.
+    end behind it. The keys are described in the text of --help; other programs rely on them. A missing figure is null.
+    Bytes of a path that are not UTF-8 become U+FFFD.
 
     @param stats  whether the figures of --stats are wanted as well */
 std::string reportDocument (std::span<const Rendering> renderings, bool stats);

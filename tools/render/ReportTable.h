@@ -9,9 +9,9 @@
 namespace larkspire::render
 {
 
-/** The report for people: a table of one recording's figures, a column for the recording itself and one for each of its
-    renderings, which have been measured. Renderings that failed have no column; without any that was done there is no
-    text. A figure that there is not is a dash. */
+/** The report for reading: a table of one recording's figures, with a column for the recording itself and one for
+    each of its renderings, which have been measured. A rendering that failed has no column; if all failed, the text
+    is empty. A missing figure is shown as a dash. */
 std::string reportTable (std::span<const Rendering> renderings);
 
 } // namespace larkspire::render

@@ -20,8 +20,8 @@ namespace
 {
 constexpr const char* program = "Xvfb";
 
-/** A number far from those of real displays: the framework talks to display 0 where none is named, so that a program
-    beside this one must not find this server there and die when it ends. */
+/** A number far from those of real displays. Where no display is named, JUCE connects to display 0; another program
+    must not find this server there, since it would die when this server ends. */
 std::string displayNumber()
 {
     return std::to_string (1000 + getpid() % 50000);
@@ -47,8 +47,8 @@ std::string displayNumber()
     _exit (127);
 }
 
-/** Makes the names known that a window manager would have brought, those of the ICCCM, EWMH and Motif conventions. They
-    stay as long as the server does. */
+/** Registers the names that a window manager would have registered, those of the ICCCM, EWMH and Motif conventions.
+    They stay as long as the server does. */
 void introduceNames()
 {
     const std::array names { "WM_PROTOCOLS",
@@ -78,7 +78,7 @@ void introduceNames()
     XCloseDisplay (display);
 }
 
-/** All that comes out of the descriptor up to a line's end or its own. */
+/** What the descriptor gives up to the end of a line or of its data. */
 std::string readLine (int descriptor)
 {
     std::string line;

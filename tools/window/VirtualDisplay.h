@@ -8,10 +8,10 @@
 namespace larkspire::window
 {
 
-/** An X server of this program's own that shows its screen to nobody: 1024 by 768 pixels of 24 bits, without a window
-    manager, but with the names that every window manager gives properties, which programs look up and rely on. The
-   environment's DISPLAY names it for as long as this lives. It is made while the program has one thread, and it ends
-   with the program whatever becomes of that. */
+/** An invisible X server of this program's own: 1024 by 768 pixels of 24 bits, without a window manager, but with
+    the names of properties that every window manager registers and programs rely on. The environment's DISPLAY names
+    it for as long as this lives. Create it while the program has one thread. It ends with the program, also if that
+    crashes. */
 class VirtualDisplay
 {
 public:

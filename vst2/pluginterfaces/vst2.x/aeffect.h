@@ -2,9 +2,8 @@
 // The VST 2.4 interface, first half: the effect record, the callbacks and the opcodes from host to plug-in.
 //
 // Written for this project: no package ships a description of the interface with all numbers and layouts right, and one
-// wrong number costs real behaviour in hosts. The names are those that the framework's wrapper and host expect. The
-// framework includes this file inside a namespace of its own, so nothing else is included from here: <cstddef> must
-// come first.
+// wrong number costs real behaviour in hosts. The names are those that JUCE's wrapper and host expect. JUCE includes
+// this file inside a namespace of its own, so nothing else is included from here: <cstddef> must come first.
 #pragma once
 
 #ifndef offsetof

@@ -5,7 +5,7 @@
 
 #include "pluginterfaces/vst2.x/aeffect.h"
 
-// A macro because the framework's wrapper names it outside the namespace into which it includes this file.
+// A macro because JUCE's wrapper names it outside the namespace into which it includes this file.
 #define kVstVersion 2400
 
 /** Host to plug-in, added by versions 2.0 to 2.4. */

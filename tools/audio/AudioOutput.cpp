@@ -18,41 +18,16 @@ PartialFile& partialFile (void* userData)
     return *static_cast<PartialFile*> (userData);
 }
 
-sf_count_t sizeOf (void* userData)
-{
-    return partialFile (userData).size();
-}
-
-sf_count_t seekIn (sf_count_t offset, int whence, void* userData)
-{
-    return partialFile (userData).seek (offset, whence);
-}
-
-sf_count_t readFrom (void* bytes, sf_count_t count, void* userData)
-{
-    return partialFile (userData).read (bytes, count);
-}
-
-sf_count_t writeTo (const void* bytes, sf_count_t count, void* userData)
-{
-    return partialFile (userData).write (bytes, count);
-}
-
-sf_count_t positionIn (void* userData)
-{
-    return partialFile (userData).seek (0, SEEK_CUR);
-}
-
 /** libsndfile does not report every write that failed; PartialFile does. */
 SF_VIRTUAL_IO throughPartialFile()
 {
-    SF_VIRTUAL_IO access {};
-    access.get_filelen = sizeOf;
-    access.seek = seekIn;
-    access.read = readFrom;
-    access.write = writeTo;
-    access.tell = positionIn;
-    return access;
+    return { .get_filelen = [] (void* file) { return partialFile (file).size(); },
+             .seek = [] (sf_count_t offset, int whence, void* file)
+             { return partialFile (file).seek (offset, whence); },
+             .read = [] (void* bytes, sf_count_t count, void* file) { return partialFile (file).read (bytes, count); },
+             .write = [] (const void* bytes, sf_count_t count, void* file)
+             { return partialFile (file).write (bytes, count); },
+             .tell = [] (void* file) { return partialFile (file).seek (0, SEEK_CUR); } };
 }
 
 int sampleFormat (SampleType samples)

@@ -11,19 +11,19 @@ enum class Container
     flac
 };
 
-/** How a sample is stored: whole numbers of so many bits, or the 32-bit float itself. */
+/** How a sample is stored: as a whole number or as the float itself. The values are the widths in bits. */
 enum class SampleType
 {
-    pcm16,
-    pcm24,
-    float32
+    pcm16 = 16,
+    pcm24 = 24,
+    float32 = 32
 };
 
 /** What a result looks like on disk. FLAC knows no floats. */
 struct Encoding
 {
-    Container container;
-    SampleType samples;
+    Container container = Container::wav;
+    SampleType samples = SampleType::pcm24;
 };
 
 /** The ending of a result's name, without the dot. */
@@ -35,17 +35,7 @@ constexpr const char* extensionOf (Container container)
 /** The width of a stored sample, in bits. */
 constexpr int bitsOf (SampleType samples)
 {
-    switch (samples)
-    {
-    case SampleType::pcm16:
-        return 16;
-    case SampleType::pcm24:
-        return 24;
-    case SampleType::float32:
-        break;
-    }
-
-    return 32;
+    return static_cast<int> (samples);
 }
 
 } // namespace larkspire

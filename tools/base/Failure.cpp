@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "base/Failure.h"
 
+#include <string_view>
 #include <system_error>
 
 namespace larkspire
@@ -8,7 +9,7 @@ namespace larkspire
 
 std::string printable (const std::string& text)
 {
-    constexpr const char* digits = "0123456789abcdef";
+    constexpr std::string_view digits = "0123456789abcdef";
     std::string line;
     line.reserve (text.size());
 
@@ -17,14 +18,9 @@ std::string printable (const std::string& text)
         const auto byte = static_cast<unsigned char> (character);
 
         if (byte >= 0x20 && byte != 0x7f)
-        {
             line += character;
-            continue;
-        }
-
-        line += "\\x";
-        line += digits[byte >> 4];
-        line += digits[byte & 0x0f];
+        else
+            line.append ("\\x").append (1, digits[byte >> 4]).append (1, digits[byte & 0x0f]);
     }
 
     return line;

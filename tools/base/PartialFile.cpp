@@ -92,11 +92,8 @@ std::int64_t PartialFile::write (const void* bytes, std::int64_t count) noexcept
         if (result < 0 && errno == EINTR)
             continue;
 
-        if (result < 0)
-        {
-            keepError (errno);
+        if (checked (result) < 0)
             break;
-        }
 
         written += result;
     }
@@ -106,35 +103,18 @@ std::int64_t PartialFile::write (const void* bytes, std::int64_t count) noexcept
 
 std::int64_t PartialFile::read (void* bytes, std::int64_t count) noexcept
 {
-    const auto result = ::read (descriptor.get(), bytes, static_cast<std::size_t> (count));
-
-    if (result < 0)
-        keepError (errno);
-
-    return result;
+    return checked (::read (descriptor.get(), bytes, static_cast<std::size_t> (count)));
 }
 
 std::int64_t PartialFile::seek (std::int64_t offset, int whence) noexcept
 {
-    const auto position = lseek (descriptor.get(), offset, whence);
-
-    if (position < 0)
-        keepError (errno);
-
-    return position;
+    return checked (lseek (descriptor.get(), offset, whence));
 }
 
 std::int64_t PartialFile::size() noexcept
 {
     struct stat status = {};
-
-    if (fstat (descriptor.get(), &status) != 0)
-    {
-        keepError (errno);
-        return -1;
-    }
-
-    return status.st_size;
+    return checked (fstat (descriptor.get(), &status)) < 0 ? -1 : status.st_size;
 }
 
 void PartialFile::throwOnError() const
@@ -151,19 +131,18 @@ void PartialFile::commit()
     if (fsync (descriptor.get()) != 0 && errno != EINVAL && errno != ENOTSUP)
         throw cannotWrite (shownName, errno);
 
-    if (descriptor.close() != 0)
-        throw cannotWrite (shownName, errno);
-
-    if (std::rename (partialPath.c_str(), finalPath.c_str()) != 0)
+    if (descriptor.close() != 0 || std::rename (partialPath.c_str(), finalPath.c_str()) != 0)
         throw cannotWrite (shownName, errno);
 
     committed = true;
 }
 
-void PartialFile::keepError (int errorNumber) noexcept
+std::int64_t PartialFile::checked (std::int64_t result) noexcept
 {
-    if (firstError == 0)
-        firstError = errorNumber;
+    if (result < 0 && firstError == 0)
+        firstError = errno;
+
+    return result;
 }
 
 } // namespace larkspire

@@ -40,7 +40,8 @@ public:
     void commit();
 
 private:
-    void keepError (int errorNumber) noexcept;
+    /** Passes on what a call of the system returned, and keeps its error if it failed. */
+    std::int64_t checked (std::int64_t result) noexcept;
 
     std::filesystem::path shownName; // as the caller wrote it, for messages
     std::filesystem::path finalPath;

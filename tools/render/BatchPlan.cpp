@@ -89,7 +89,7 @@ Container chooseContainer (const CommandLine& call, bool intoFolder)
     if (call.container.has_value() && byName.has_value() && *call.container != *byName)
         throw WrongCall (call.output + ": the name contradicts --format " + extensionOf (*call.container));
 
-    return call.container.value_or (byName.value_or (Container::wav));
+    return call.container.value_or (byName.value_or (Encoding {}.container));
 }
 
 /** Everything that jobs write, with words for what it comes from. */

@@ -22,7 +22,7 @@ struct CommandLine
     int workers = 1; // 0 is one for each processor core
     std::optional<std::string> plugin;
     std::optional<Container> container;
-    SampleType samples = SampleType::pcm24;
+    SampleType samples = Encoding {}.samples;
     std::optional<std::string> picture;
     bool compare = false;
     bool stats = false;

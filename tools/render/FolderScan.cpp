@@ -58,15 +58,8 @@ std::vector<fs::directory_entry> sortedEntriesOf (const fs::path& folder)
     return entries;
 }
 
-class Scan
+struct Scan
 {
-public:
-    Scan (const fs::path& folder, const std::vector<std::optional<FileIdentity>>& foldersToPassOver)
-        : root (folder),
-          except (foldersToPassOver)
-    {
-    }
-
     void lookInto (const fs::path& folder)
     {
         try
@@ -81,9 +74,6 @@ public:
         }
     }
 
-    FolderContents contents;
-
-private:
     void lookAt (const fs::directory_entry& entry)
     {
         std::error_code error;
@@ -99,14 +89,15 @@ private:
             ++contents.leftOut;
     }
 
-    fs::path root;
-    std::vector<std::optional<FileIdentity>> except;
+    const fs::path& root;
+    const std::vector<std::optional<FileIdentity>>& except;
+    FolderContents contents;
 };
 } // namespace
 
 FolderContents scanFolder (const fs::path& folder, const std::vector<std::optional<FileIdentity>>& except)
 {
-    Scan scan (folder, except);
+    Scan scan { .root = folder, .except = except, .contents = {} };
     scan.lookInto (folder);
     return std::move (scan.contents);
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "render/ReportDocument.h"
 
+#include "render/Figures.h"
+
 #include <nlohmann/json.hpp>
 
 #include <cmath>
@@ -18,31 +20,25 @@ Json number (const meter::Figure& figure)
     return figure ? Json (std::round (*figure * 1000.0) / 1000.0 + 0.0) : Json();
 }
 
-Json describe (const meter::SoundFigures& figures)
+Json describe (const auto& group, const auto& figures)
 {
-    return { { "integrated_lufs", number (figures.integratedLufs) },
-             { "loudness_range_lu", number (figures.loudnessRangeLu) },
-             { "true_peak_dbtp", number (figures.truePeakDbtp) },
-             { "noise_dbfs", number (figures.noiseDbfs) } };
-}
+    Json object;
 
-Json describe (const meter::StageGains& gains)
-{
-    return { { "high_pass_db", number (gains.highPassDb) },     { "expander_mean_db", number (gains.expanderDb) },
-             { "stereo_fold_db", number (gains.foldDb) },       { "air_and_body_db", number (gains.airAndBodyDb) },
-             { "leveller_mean_db", number (gains.levellerDb) }, { "make_up_db", number (gains.makeUpDb) },
-             { "soft_clip_db", number (gains.softClipDb) } };
+    for (const auto& [label, key, figure] : figures)
+        object[key] = number (group.*figure);
+
+    return object;
 }
 
 void addAnalysis (Json& entry, const meter::Analysis& analysis)
 {
-    entry["before"] = describe (analysis.before);
-    entry["after"] = describe (analysis.after);
+    entry["before"] = describe (analysis.before, soundFigures);
+    entry["after"] = describe (analysis.after, soundFigures);
 
     switch (analysis.gainsKnown)
     {
     case meter::GainsKnown::yes:
-        entry["gains"] = describe (analysis.gains);
+        entry["gains"] = describe (analysis.gains, stageGains);
         break;
     case meter::GainsKnown::noStageRuns:
         entry["gains"] = nullptr;

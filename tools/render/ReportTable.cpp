@@ -3,11 +3,10 @@
 
 #include "base/Failure.h"
 #include "base/Texts.h"
+#include "render/Figures.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <utility>
 #include <vector>
 
 namespace larkspire::render
@@ -18,51 +17,18 @@ namespace
 using meter::Analysis;
 using meter::Figure;
 using meter::GainsKnown;
-using meter::SoundFigures;
-using meter::StageGains;
 
-constexpr int labelWidth = 32;
-constexpr int columnWidth = 10;
-
-struct SoundRow
-{
-    const char* label;
-    Figure SoundFigures::*figure;
-};
-
-constexpr std::array<SoundRow, 4> soundRows { {
-    { "integrated loudness, LUFS", &SoundFigures::integratedLufs },
-    { "loudness range, LU", &SoundFigures::loudnessRangeLu },
-    { "true peak, dBTP", &SoundFigures::truePeakDbtp },
-    { "noise between words, dBFS", &SoundFigures::noiseDbfs },
-} };
-
-struct GainRow
-{
-    const char* label;
-    Figure StageGains::*figure;
-};
-
-constexpr std::array<GainRow, 7> gainRows { {
-    { "  high-pass", &StageGains::highPassDb },
-    { "  expander, mean over time", &StageGains::expanderDb },
-    { "  stereo fold", &StageGains::foldDb },
-    { "  air and body", &StageGains::airAndBodyDb },
-    { "  leveller, mean over time", &StageGains::levellerDb },
-    { "  make-up", &StageGains::makeUpDb },
-    { "  soft clip", &StageGains::softClipDb },
-} };
+constexpr std::size_t labelWidth = 32;
+constexpr std::size_t columnWidth = 10;
 
 std::string line (const std::string& label, const std::vector<std::string>& cells)
 {
     auto text = "  " + label;
-    text.resize (static_cast<std::size_t> (labelWidth), ' ');
+    text.resize (labelWidth, ' ');
 
     for (const auto& cell : cells)
     {
-        if (std::cmp_less (cell.size(), columnWidth))
-            text.append (static_cast<std::size_t> (columnWidth) - cell.size(), ' ');
-
+        text.append (columnWidth - std::min (columnWidth, cell.size()), ' ');
         text += cell;
     }
 
@@ -100,14 +66,14 @@ std::string gainLines (const std::vector<const Analysis*>& analyses)
     {
         text += line ("gain of each stage, dB", {});
 
-        for (const auto& row : gainRows)
+        for (const auto& gain : stageGains)
         {
             std::vector<std::string> cells { "" };
 
             for (const auto* analysis : analyses)
-                cells.push_back (cellOf (analysis->gains.*row.figure));
+                cells.push_back (cellOf (analysis->gains.*gain.figure));
 
-            text += line (row.label, cells);
+            text += line (gain.label, cells);
         }
     }
 
@@ -144,14 +110,14 @@ std::string reportTable (std::span<const Rendering> renderings)
     const auto mode = renderings.size() == 1 ? std::string ("mode ") + nameOf (done[0]->job.mode) : "";
     auto text = headline (*done[0]) + line (mode, heads);
 
-    for (const auto& row : soundRows)
+    for (const auto& sound : soundFigures)
     {
-        std::vector<std::string> cells { cellOf (analyses[0]->before.*row.figure) };
+        std::vector<std::string> cells { cellOf (analyses[0]->before.*sound.figure) };
 
         for (const auto* analysis : analyses)
-            cells.push_back (cellOf (analysis->after.*row.figure));
+            cells.push_back (cellOf (analysis->after.*sound.figure));
 
-        text += line (row.label, cells);
+        text += line (sound.label, cells);
     }
 
     return text + gainLines (analyses);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace larkspire::plot
 {
@@ -22,21 +23,16 @@ double peakOf (const meter::TimeCourse& waveform)
     return peak;
 }
 
-/** The loudest momentary loudness on either side, or the value given where there is none. */
+/** The loudest momentary loudness on either side, or the value given if there is none. */
 double loudest (const meter::Listening& measurement, double otherwise)
 {
-    auto highest = otherwise;
-    bool found = false;
+    auto highest = -std::numeric_limits<double>::infinity();
 
     for (const auto* meter : { &measurement.before.loudness(), &measurement.after.loudness() })
         for (const auto loudness : meter->momentary())
-            if (std::isfinite (loudness) && (! found || double { loudness } > highest))
-            {
-                highest = double { loudness };
-                found = true;
-            }
+            highest = std::fmax (highest, double { loudness });
 
-    return highest;
+    return std::isfinite (highest) ? highest : otherwise;
 }
 
 double lowestGain (const meter::Listening& measurement)

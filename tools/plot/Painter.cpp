@@ -93,8 +93,7 @@ void drawWaveforms (Sheet& sheet, const Axes& axes, const Listening& measurement
     {
         sheet.drawPanel (rows, axes.time, values, ticksEvery (values.last / 2, values));
         sheet.drawWaveform (rows, axes.time, values, course, secondsPerBin (measurement, course), colour);
-        sheet.drawFrame (rows);
-        sheet.drawHeading (rows, text, {});
+        sheet.finishPanel (rows, text, {});
     };
 
     draw (beforeRows, axes.before, measurement.before.waveform(), beforeColour, "Waveform before (full scale 1)");
@@ -139,8 +138,7 @@ void drawLoudness (Sheet& sheet, const Axes& axes, const Listening& measurement)
 
     sheet.drawLine (loudnessRows, loudnessPoints (axes, before.shortTerm(), shortTerm), beforeColour, thick);
     sheet.drawLine (loudnessRows, loudnessPoints (axes, after.shortTerm(), shortTerm), afterColour, thick);
-    sheet.drawFrame (loudnessRows);
-    sheet.drawHeading (loudnessRows, "Loudness (LUFS)", legend);
+    sheet.finishPanel (loudnessRows, "Loudness (LUFS)", legend);
 
     if (! analysis.before.integratedLufs && ! analysis.after.integratedLufs)
         sheet.drawNote (loudnessRows, "no loudness: silence, or shorter than 0.4 s");
@@ -168,8 +166,7 @@ void drawGains (Sheet& sheet, const Axes& axes, const Listening& measurement)
         break;
     }
 
-    sheet.drawFrame (gainRows);
-    sheet.drawHeading (gainRows, "Gain (dB)", legend);
+    sheet.finishPanel (gainRows, "Gain (dB)", legend);
 }
 
 /** Frees at the program's end what JUCE keeps between pictures, which it would report as lost. */

@@ -92,14 +92,10 @@ void Sheet::drawPanel (Rows rows, const Axis& time, const Axis& values, const st
                juce::Justification::centredRight);
 }
 
-void Sheet::drawFrame (Rows rows)
+void Sheet::finishPanel (Rows rows, const juce::String& text, const std::vector<Entry>& legend)
 {
     graphics.setColour (frameColour);
     graphics.drawRect (areaOf (rows));
-}
-
-void Sheet::drawHeading (Rows rows, const juce::String& text, const std::vector<Entry>& legend)
-{
     const auto top = rows.top - 26;
     write (text, { leftColumn, top, columnCount, 22 }, fonts.bold (headingHeight), ink);
     const auto font = fonts.regular (labelHeight);

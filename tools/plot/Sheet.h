@@ -41,10 +41,8 @@ public:
     /** The lines and numbers of a panel. */
     void drawPanel (Rows rows, const Axis& time, const Axis& values, const std::vector<Tick>& ticks);
 
-    void drawFrame (Rows rows);
-
-    /** The words above a panel: what it shows, and which line is which. */
-    void drawHeading (Rows rows, const juce::String& text, const std::vector<Entry>& legend);
+    /** What lies on top of a panel's content: its frame, and above it the words for what it shows and for its lines. */
+    void finishPanel (Rows rows, const juce::String& text, const std::vector<Entry>& legend);
 
     /** The numbers below the lowest panel. */
     void drawTimeLabels (const Axis& time);

@@ -74,33 +74,30 @@ Table measureAir (const Subject& subject)
         endings.push_back ("at_" + fixed (level, 0) + "_db");
 
     endings.push_back ("library_at_" + fixed (levelOfLibrary, 0) + "_db");
-    Table table { .name = "air", .keyColumn = "frequency_hz", .columns = columnsForModes (endings) };
+    Table table { .keyColumn = "frequency_hz", .columns = columnsForModes (endings) };
     const auto frequencies = frequenciesFrom (500.0);
-    std::vector<std::vector<double>> rows (frequencies.size());
+    std::vector<std::vector<double>> lists;
+    const auto addRelative = [&] (const auto& gainAt)
+    {
+        const auto reference = gainAt (referenceFrequency);
+        auto& list = lists.emplace_back();
+
+        for (const auto frequency : frequencies)
+            list.push_back (toDecibels (gainAt (frequency) / reference));
+    };
 
     for (const auto& mode : voiceModes)
     {
         for (const auto level : levels)
-        {
-            const auto reference = gainOfStage (mode, level, referenceFrequency);
+            addRelative ([&] (double frequency) { return gainOfStage (mode, level, frequency); });
 
-            for (std::size_t i = 0; i < frequencies.size(); ++i)
-                rows[i].push_back (toDecibels (gainOfStage (mode, level, frequencies[i]) / reference));
-        }
-
-        Instance instance (subject.library, mode.position, usualRate);
-        instance.rest (mode.framesToRest());
+        Instance instance (subject, mode, Instance::Start::atRest);
         Tone opening (referenceFrequency / usualRate);
         instance.process (opening.next (usualRate, openingLevel));
-        const auto reference = gainOfLibrary (instance, referenceFrequency);
-
-        for (std::size_t i = 0; i < frequencies.size(); ++i)
-            rows[i].push_back (toDecibels (gainOfLibrary (instance, frequencies[i]) / reference));
+        addRelative ([&] (double frequency) { return gainOfLibrary (instance, frequency); });
     }
 
-    for (std::size_t i = 0; i < frequencies.size(); ++i)
-        table.add (fixed (frequencies[i], 2), std::move (rows[i]));
-
+    table.addLists (frequencies, 2, lists);
     return table;
 }
 
@@ -110,33 +107,32 @@ Table measureAirUnderVoice (const Subject& subject)
     constexpr double consonant = 12000.0;    // Hz
     constexpr double consonantLevel = -48.0; // dBFS
     constexpr std::size_t settlingOnVowel = usualRate * std::size_t { 2 };
-    Table table { .name = "air-under-voice", .keyColumn = "vowel_dbfs", .columns = columnsForModes ({ "db" }) };
-    const std::array vowelLevels { -36.0, -24.0, -18.0, -12.0, -6.0, 0.0 };
-    std::vector<std::vector<double>> rows (vowelLevels.size());
+    Table table { .keyColumn = "vowel_dbfs", .columns = columnsForModes ({ "db" }) };
+    const std::vector vowelLevels { -36.0, -24.0, -18.0, -12.0, -6.0, 0.0 };
+    std::vector<std::vector<double>> lists;
 
     for (const auto& mode : voiceModes)
     {
         // The vowel's own gain shows where the leveller stands, once the filters' share in it is known.
         const auto atRest = restingGains (subject, mode, usualRate, { referenceFrequency, vowel });
-        Instance instance (subject.library, mode.position, usualRate);
+        Instance instance (subject, mode, Instance::Start::fresh);
         Tone loud (vowel / usualRate);
         Tone soft (consonant / usualRate);
+        auto& list = lists.emplace_back();
 
-        for (std::size_t i = 0; i < vowelLevels.size(); ++i)
+        for (const auto level : vowelLevels)
         {
             const auto next = [&] (std::size_t frames)
-            { return sum (loud.next (frames, vowelLevels[i]), soft.next (frames, consonantLevel)); };
+            { return sum (loud.next (frames, level), soft.next (frames, consonantLevel)); };
             instance.process (next (settlingOnVowel));
             const auto output = instance.process (next (usualRate / 2));
-            const auto gainOfVowel = componentAt (output, vowel / usualRate) / fromDecibels (vowelLevels[i]);
+            const auto gainOfVowel = componentAt (output, vowel / usualRate) / fromDecibels (level);
             const auto gainOfConsonant = componentAt (output, consonant / usualRate) / fromDecibels (consonantLevel);
-            rows[i].push_back (toDecibels (gainOfConsonant / gainOfVowel * atRest[1] / atRest[0]));
+            list.push_back (toDecibels (gainOfConsonant / gainOfVowel * atRest[1] / atRest[0]));
         }
     }
 
-    for (std::size_t i = 0; i < vowelLevels.size(); ++i)
-        table.add (fixed (vowelLevels[i], 0), std::move (rows[i]));
-
+    table.addLists (vowelLevels, 0, lists);
     return table;
 }
 

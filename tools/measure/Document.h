@@ -12,9 +12,9 @@ namespace larkspire::measure
 /** Tables under their names. */
 using Tables = std::map<std::string, Table, std::less<>>;
 
-/** A document with its tables written anew from measurements. What stands between the lines "<!-- table: NAME -->" and
-    "<!-- end of table -->" is replaced, everything else stays. Throws std::runtime_error where a name is not known or
-    an end is missing. */
+/** A document with its tables written anew from measurements. What stands between the lines "<!-- table: NAME -->"
+    and "<!-- end of table -->" is replaced, everything else stays. Throws std::runtime_error if a name is not known
+    or an end is missing. */
 std::string withTables (const std::string& document, const Tables& tables);
 
 } // namespace larkspire::measure

@@ -2,31 +2,41 @@
 #include "measure/DocumentTables.h"
 
 #include "base/Texts.h"
+#include "measure/Tone.h"
 #include "measure/VoiceModes.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <stdexcept>
+#include <utility>
 
 namespace larkspire::measure
 {
 
 namespace
 {
-constexpr std::array rates { "44100", "48000", "96000" };
+/** Sample rates, as the columns and the headings have them. */
+constexpr std::array<std::pair<const char*, const char*>, 3> rates {
+    { { "44100", "44.1 kHz" }, { "48000", "48 kHz" }, { "96000", "96 kHz" } }
+};
 
-std::string kilohertz (const std::string& rate)
+std::string decibels (double value)
 {
-    return numberText (std::stod (rate) / 1000.0, rate.ends_with ("000") ? 0 : 1) + " kHz";
+    return numberText (value, 1) + " dB";
 }
 
-/** The mode as the knob names it. */
-std::string title (const VoiceMode& mode)
+std::string fullScale (double level)
 {
-    std::string name (mode.name);
-    name.front() = static_cast<char> (name.front() - 'a' + 'A');
-    return name;
+    return numberText (level, 1) + " dBFS";
+}
+
+/** A name as the knob and a heading have it. */
+std::string capitalised (std::string_view name)
+{
+    std::string text (name);
+    text.front() = static_cast<char> (text.front() - 'a' + 'A');
+    return text;
 }
 
 std::string line (const std::vector<std::string>& cells)
@@ -62,6 +72,11 @@ std::string lineForModes (const std::string& what, Cell cell)
     return line (cells);
 }
 
+std::string headingForModes (const std::string& corner)
+{
+    return heading ({ corner, "Gentle", "Medium", "Powerful" });
+}
+
 /** Where a curve crosses a value for the first time, between its points. */
 double crossing (const std::vector<double>& x, const std::vector<double>& y, double value)
 {
@@ -72,51 +87,53 @@ double crossing (const std::vector<double>& x, const std::vector<double>& y, dou
     throw std::runtime_error ("a curve does not cross " + fixed (value, 1));
 }
 
-/** The key of the row at whose end a column rises most from one row to the next. */
-std::string steepestRise (const Table& table, const std::string& name)
+/** Where a curve ends its steepest rise from one point to the next. */
+double steepestRise (const std::vector<double>& x, const std::vector<double>& y)
 {
-    const auto values = table.column (name);
     std::size_t steepest = 1;
 
-    for (std::size_t i = 1; i < values.size(); ++i)
-        if (values[i] - values[i - 1] > values[steepest] - values[steepest - 1])
+    for (std::size_t i = 1; i < y.size(); ++i)
+        if (y[i] - y[i - 1] > y[steepest] - y[steepest - 1])
             steepest = i;
 
-    return table.rows[steepest].key;
+    return x[steepest];
+}
+
+/** The highest point of a response between two frequencies, both within it. */
+std::string highest (const std::vector<double>& frequencies, const std::vector<double>& gains, double from, double to)
+{
+    std::size_t best = 0;
+
+    for (std::size_t i = 0; i < gains.size() && frequencies[i] <= to; ++i)
+        if (frequencies[best] < from || gains[i] > gains[best])
+            best = i;
+
+    return decibels (gains[best]) + " at " + numberText (frequencies[best], 0) + " Hz";
 }
 
 std::string responseTable (const Tables& tables)
 {
     const auto& response = tables.at ("response");
     const auto frequencies = response.keys();
-    const auto highest = [&] (const VoiceMode& mode, double from, double to)
-    {
-        const auto values = response.column (mode.column ("48000_db"));
-        std::size_t best = values.size();
-
-        for (std::size_t i = 0; i < values.size(); ++i)
-            if (frequencies[i] >= from && frequencies[i] <= to && (best == values.size() || values[i] > values[best]))
-                best = i;
-
-        return numberText (values[best], 1) + " dB at " + numberText (frequencies[best], 0) + " Hz";
-    };
-    auto text = heading ({ "At 48 kHz, 0 dB at 1 kHz", "Gentle", "Medium", "Powerful" });
+    const auto gains = [&] (const VoiceMode& mode) { return response.column (mode.column ("48000_db")); };
+    auto text = headingForModes ("At 48 kHz, 0 dB at 1 kHz");
     text += lineForModes (
-        "−3 dB below",
-        [&] (const VoiceMode& mode)
-        { return numberText (crossing (frequencies, response.column (mode.column ("48000_db")), -3.0), 0) + " Hz"; });
-    text += lineForModes ("Highest below 1 kHz", [&] (const VoiceMode& mode) { return highest (mode, 30.0, 999.0); });
-    text +=
-        lineForModes ("Highest above 1 kHz", [&] (const VoiceMode& mode) { return highest (mode, 1001.0, 20000.0); });
+        "−3 dB below", [&] (auto& mode) { return numberText (crossing (frequencies, gains (mode), -3.0), 0) + " Hz"; });
+    text += lineForModes ("Highest below 1 kHz",
+                          [&] (auto& mode) { return highest (frequencies, gains (mode), 30.0, 999.0); });
+    text += lineForModes ("Highest above 1 kHz",
+                          [&] (auto& mode) { return highest (frequencies, gains (mode), 1001.0, 20000.0); });
 
-    for (const auto* rate : rates)
-        text += lineForModes ("At 5 kHz and 20 kHz, sample rate " + kilohertz (rate),
-                              [&] (const VoiceMode& mode)
-                              {
-                                  const auto column = mode.column (std::string (rate) + "_db");
-                                  return numberText (response.at ("5011.87", column), 1) + " and "
-                                         + numberText (response.at ("19952.62", column), 1) + " dB";
-                              });
+    for (const auto& [rate, name] : rates)
+    {
+        const auto at = [&, end = std::string (rate) + "_db"] (const char* frequency, const VoiceMode& mode)
+        { return response.at (frequency, mode.column (end)); };
+        text +=
+            lineForModes (std::string ("At 5 kHz and 20 kHz, sample rate ") + name,
+                          [&] (auto& mode) {
+                              return numberText (at ("5011.87", mode), 1) + " and " + decibels (at ("19952.62", mode));
+                          });
+    }
 
     return text;
 }
@@ -124,12 +141,11 @@ std::string responseTable (const Tables& tables)
 std::string airTable (const Tables& tables)
 {
     const auto& table = tables.at ("air-under-voice");
-    auto text = heading ({ "Level of the 250 Hz tone", "Gentle", "Medium", "Powerful" });
+    auto text = headingForModes ("Level of the 250 Hz tone");
 
     for (const auto& row : table.rows)
         text += lineForModes (numberText (std::stod (row.key), 0) + " dBFS",
-                              [&] (const VoiceMode& mode)
-                              { return numberText (table.at (row.key, mode.column ("db")), 1) + " dB"; });
+                              [&] (auto& mode) { return decibels (table.at (row.key, mode.column ("db"))); });
 
     return text;
 }
@@ -139,40 +155,36 @@ std::string levelTable (const Tables& tables)
     const auto& levels = tables.at ("static-level");
     const auto& plateau = tables.at ("plateau");
     const auto inputs = levels.keys();
+    const auto rising = [&] (const VoiceMode& mode) { return levels.column (mode.column ("rising_dbfs")); };
+    const auto falling = [&] (const VoiceMode& mode) { return levels.column (mode.column ("falling_dbfs")); };
     const auto settled = [&] (const VoiceMode& mode) { return plateau.at (mode.name, "level_dbfs"); };
-    auto text = heading ({ "A 997 Hz tone in the middle", "Gentle", "Medium", "Powerful" });
-    text += lineForModes (
-        "Expander opens, level rising past",
-        [&] (const VoiceMode& mode)
-        { return numberText (std::stod (steepestRise (levels, mode.column ("rising_dbfs"))), 1) + " dBFS"; });
-    text += lineForModes (
-        "Expander closes, level falling past",
-        [&] (const VoiceMode& mode)
-        { return numberText (std::stod (steepestRise (levels, mode.column ("falling_dbfs"))), 1) + " dBFS"; });
+    const auto gainAt = [&] (double input)
+    {
+        return [&levels, input] (const VoiceMode& mode)
+        { return decibels (levels.at (fixed (input, 1), mode.column ("rising_dbfs")) - input); };
+    };
+
+    auto text = headingForModes ("A 997 Hz tone in the middle");
+    text += lineForModes ("Expander opens, level rising past",
+                          [&] (auto& mode) { return fullScale (steepestRise (inputs, rising (mode))); });
+    text += lineForModes ("Expander closes, level falling past",
+                          [&] (auto& mode) { return fullScale (steepestRise (inputs, falling (mode))); });
     text += lineForModes ("Leveller holds from",
-                          [&] (const VoiceMode& mode)
-                          {
-                              const auto column = levels.column (mode.column ("rising_dbfs"));
-                              return numberText (crossing (inputs, column, settled (mode) - 0.5), 0) + " dBFS";
-                          });
-    text += lineForModes ("Settled level, input −20 dBFS",
-                          [&] (const VoiceMode& mode) { return numberText (settled (mode), 1) + " dBFS"; });
+                          [&] (auto& mode)
+                          { return numberText (crossing (inputs, rising (mode), settled (mode) - 0.5), 0) + " dBFS"; });
+    text += lineForModes ("Settled level, input −20 dBFS", [&] (auto& mode) { return fullScale (settled (mode)); });
     text += lineForModes ("Settled peak of full scale, input −20 dBFS",
-                          [&] (const VoiceMode& mode) { return numberText (plateau.at (mode.name, "peak"), 3); });
+                          [&] (auto& mode) { return numberText (plateau.at (mode.name, "peak"), 3); });
     text += lineForModes ("Settled level, inputs of −36 to 0 dBFS",
-                          [&] (const VoiceMode& mode)
+                          [&] (auto& mode)
                           {
-                              const auto column = levels.column (mode.column ("rising_dbfs"));
+                              const auto column = rising (mode);
                               const auto first = std::find (inputs.begin(), inputs.end(), -36.0) - inputs.begin();
                               const auto [low, high] = std::minmax_element (column.begin() + first, column.end());
-                              return numberText (*low, 1) + " to " + numberText (*high, 1) + " dBFS";
+                              return numberText (*low, 1) + " to " + fullScale (*high);
                           });
-    text += lineForModes ("Gain, expander open and leveller at rest (input −46 dBFS)",
-                          [&] (const VoiceMode& mode)
-                          { return numberText (levels.at ("-46.0", mode.column ("rising_dbfs")) + 46.0, 1) + " dB"; });
-    text += lineForModes ("Gain, expander closed and leveller at rest (input −80 dBFS)",
-                          [&] (const VoiceMode& mode)
-                          { return numberText (levels.at ("-80.0", mode.column ("rising_dbfs")) + 80.0, 1) + " dB"; });
+    text += lineForModes ("Gain, expander open and leveller at rest (input −46 dBFS)", gainAt (-46.0));
+    text += lineForModes ("Gain, expander closed and leveller at rest (input −80 dBFS)", gainAt (-80.0));
     return text;
 }
 
@@ -192,12 +204,13 @@ std::string timesTable (const Tables& tables)
     for (const auto& row : times.rows)
         for (const auto& mode : voiceModes)
         {
-            std::vector<std::string> cells { row.key + ", " + title (mode) };
-            cells.push_back (numberText (times.at (row.key, mode.column ("48000_frames")), 0));
+            const auto frames = [&] (const std::string& rate)
+            { return times.at (row.key, mode.column (rate + "_frames")); };
+            std::vector<std::string> cells { row.key + ", " + capitalised (mode.name),
+                                             numberText (frames ("48000"), 0) };
 
-            for (const auto* rate : rates)
-                cells.push_back (timeText (1000.0 * times.at (row.key, mode.column (std::string (rate) + "_frames"))
-                                           / std::stod (rate)));
+            for (const auto& [rate, name] : rates)
+                cells.push_back (timeText (1000.0 * frames (rate) / std::stod (rate)));
 
             text += line (cells);
         }
@@ -208,12 +221,13 @@ std::string timesTable (const Tables& tables)
 std::string openingTable (const Tables& tables)
 {
     const auto& opening = tables.at ("opening");
-    auto text = heading ({ "Level of the tone", "Gentle", "Medium", "Powerful" });
+    auto text = headingForModes ("Level of the tone");
 
-    for (const auto* level : { "-12", "-18", "-24", "-30", "-36", "-42", "-48" })
-        text += lineForModes (numberText (std::stod (level), 0) + " dBFS",
-                              [&] (const VoiceMode& mode)
-                              { return timeText (opening.at (level, mode.column ("stage_frames")) / 48.0); });
+    for (int level = -12; level >= -48; level -= 6)
+        text += lineForModes (
+            numberText (level, 0) + " dBFS",
+            [&] (auto& mode)
+            { return timeText (opening.at (std::to_string (level), mode.column ("stage_frames")) / 48.0); });
 
     return text;
 }
@@ -226,10 +240,10 @@ std::string harmonicsTable (const Tables& tables)
         return [&plateau, column] (const VoiceMode& mode)
         {
             const auto value = plateau.at (mode.name, column);
-            return value <= -99.9 ? std::string ("below −100 dB") : numberText (value, 1) + " dB";
+            return value <= -99.9 ? std::string ("below −100 dB") : decibels (value);
         };
     };
-    auto text = heading ({ "Relative to the fundamental", "Gentle", "Medium", "Powerful" });
+    auto text = headingForModes ("Relative to the fundamental");
     text += lineForModes ("Third harmonic, soft clip alone", cell ("clip_alone_third_db"));
     text += lineForModes ("Fifth harmonic, soft clip alone", cell ("clip_alone_fifth_db"));
     text += lineForModes ("Third harmonic, whole chain", cell ("third_db"));
@@ -242,7 +256,7 @@ std::string foldTable (const Tables& tables)
     const auto& fold = tables.at ("fold");
     auto text = heading ({ "Source", "Left output", "Right output" });
     const auto cell = [] (double factor)
-    { return numberText (factor, 3) + " (" + numberText (20.0 * std::log10 (std::abs (factor)), 1) + " dB)"; };
+    { return numberText (factor, 3) + " (" + decibels (toDecibels (std::abs (factor))) + ")"; };
 
     for (const auto& row : fold.rows)
         text += line ({ row.key, cell (row.values[0]), cell (row.values[1]) });
@@ -257,16 +271,13 @@ std::string voiceTable (const Tables& tables)
 
     for (const auto& row : voice.rows)
     {
-        const auto cell = [&] (const char* column) { return numberText (voice.at (row.key, column), 1) + " dBFS"; };
-        const auto range = voice.at (row.key, "loud_dbfs") - voice.at (row.key, "soft_dbfs");
-        auto name = row.key == "input" ? std::string ("Recording") : row.key;
-        name.front() = static_cast<char> (name.front() >= 'a' ? name.front() - 'a' + 'A' : name.front());
-        text += line ({ name,
-                        cell ("peak_dbfs"),
-                        cell ("soft_dbfs"),
-                        cell ("median_dbfs"),
-                        cell ("loud_dbfs"),
-                        numberText (range, 1) + " dB" });
+        const auto level = [&] (const char* column) { return voice.at (row.key, column); };
+        text += line ({ row.key == "input" ? "Recording" : capitalised (row.key),
+                        fullScale (level ("peak_dbfs")),
+                        fullScale (level ("soft_dbfs")),
+                        fullScale (level ("median_dbfs")),
+                        fullScale (level ("loud_dbfs")),
+                        decibels (level ("loud_dbfs") - level ("soft_dbfs")) });
     }
 
     return text;
@@ -275,22 +286,14 @@ std::string voiceTable (const Tables& tables)
 
 std::string documentTable (const std::string& name, const Tables& tables)
 {
-    struct Known
-    {
-        const char* name;
-        std::string (*make) (const Tables&);
+    static const std::map<std::string, std::string (*) (const Tables&)> known {
+        { "response", responseTable }, { "air under a voice", airTable }, { "levels", levelTable },
+        { "times", timesTable },       { "opening", openingTable },       { "harmonics", harmonicsTable },
+        { "fold", foldTable },         { "voice", voiceTable },
     };
 
-    for (const auto& known : { Known { "response", responseTable },
-                               Known { "air under a voice", airTable },
-                               Known { "levels", levelTable },
-                               Known { "times", timesTable },
-                               Known { "opening", openingTable },
-                               Known { "harmonics", harmonicsTable },
-                               Known { "fold", foldTable },
-                               Known { "voice", voiceTable } })
-        if (name == known.name)
-            return known.make (tables);
+    if (const auto found = known.find (name); found != known.end())
+        return found->second (tables);
 
     throw std::runtime_error ("the document asks for a table '" + name + "' that nobody makes");
 }

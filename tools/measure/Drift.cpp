@@ -11,17 +11,6 @@ namespace larkspire::measure
 
 namespace
 {
-std::vector<std::string> keysOf (const Table& table)
-{
-    std::vector<std::string> keys;
-    keys.reserve (table.rows.size());
-
-    for (const auto& row : table.rows)
-        keys.push_back (row.key);
-
-    return keys;
-}
-
 /** How far apart two numbers are, in tolerances; more than one is too far. */
 double distance (std::string_view column, double committed, double measured)
 {
@@ -81,8 +70,11 @@ double toleranceOf (std::string_view column, double value)
 
 std::string drift (const Table& committed, const Table& measured)
 {
+    const auto sameKey = [] (const Row& a, const Row& b) { return a.key == b.key; };
+
     if (committed.keyColumn != measured.keyColumn || committed.columns != measured.columns
-        || keysOf (committed) != keysOf (measured))
+        || ! std::equal (
+            committed.rows.begin(), committed.rows.end(), measured.rows.begin(), measured.rows.end(), sameKey))
         return committed.name + ": the rows or columns are others than those of the committed table\n";
 
     std::string lines;

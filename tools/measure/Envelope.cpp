@@ -30,4 +30,14 @@ void Envelope::add (std::span<const float> samples)
     }
 }
 
+std::vector<double> Envelope::ofPeriods() const
+{
+    std::vector<double> amplitudes;
+
+    for (auto i = period / hop - 1; i < found.size(); i += period / hop)
+        amplitudes.push_back (double { found[i] });
+
+    return amplitudes;
+}
+
 } // namespace larkspire::measure

@@ -10,8 +10,8 @@
 namespace larkspire::measure
 {
 
-/** The amplitude over time of a tone of 48 frames a period, which is 1 kHz at 48 kHz: its component over the last
-   period, four times a period. */
+/** The amplitude over time of a tone of 48 frames a period, which is 1 kHz at 48 kHz: that of the last period, found
+    four times a period. */
 class Envelope
 {
 public:
@@ -26,6 +26,9 @@ public:
     /** The amplitudes so far, linear: number i is the one of the period that ends behind frame (i + 1) * hop, counted
         from the first frame heard. The first three hold less than a period. */
     const std::vector<float>& amplitudes() const noexcept { return found; }
+
+    /** Those of one whole period after the other. */
+    std::vector<double> ofPeriods() const;
 
     /** The middle of the period that an amplitude is of, in frames from the first one heard. */
     static double middleOf (double index) { return (index + 1.0) * hop - 0.5 * period; }

@@ -17,37 +17,25 @@ namespace larkspire::measure
 
 namespace
 {
-/** z^-1 on the unit circle. */
-std::complex<double> delayAt (double frequency)
+/** The gain of a filter of two poles and two zeros, in dB. */
+double curveOf (const std::array<float, 3>& zeros, const std::array<float, 3>& poles, double frequency)
 {
-    return std::polar (1.0, -2.0 * std::numbers::pi * frequency / usualRate);
+    const auto delay = std::polar (1.0, -2.0 * std::numbers::pi * frequency / usualRate);
+    const auto sum = [&] (const std::array<float, 3>& c)
+    { return double { c[0] } + delay * (double { c[1] } + delay * double { c[2] }); };
+    return toDecibels (std::abs (sum (zeros) / sum (poles)));
 }
 
-double curveOf (const PeakingFilter& filter, double frequency)
+double curveOf (const PeakSettings& settings, double frequency)
 {
-    const auto z = delayAt (frequency);
-    const auto above =
-        static_cast<double> (filter.b0) + z * (static_cast<double> (filter.b1) + z * static_cast<double> (filter.b2));
-    const auto below =
-        static_cast<double> (filter.a0) + z * (static_cast<double> (filter.a1) + z * static_cast<double> (filter.a2));
-    return toDecibels (std::abs (above / below));
+    const auto filter = designedPeak (settings);
+    return curveOf ({ filter.b0, filter.b1, filter.b2 }, { filter.a0, filter.a1, filter.a2 }, frequency);
 }
-
-double curveOf (const std::array<float, 5>& c, double frequency)
-{
-    const auto z = delayAt (frequency);
-    const auto above = static_cast<double> (c[0]) + z * (static_cast<double> (c[1]) + z * static_cast<double> (c[2]));
-    const auto below = 1.0 + z * (static_cast<double> (c[3]) + z * static_cast<double> (c[4]));
-    return toDecibels (std::abs (above / below));
-}
-
 } // namespace
 
 Table measureFilters (const Subject&)
 {
-    Table table { .name = "filters",
-                  .keyColumn = "frequency_hz",
-                  .columns = columnsForModes ({ "high_pass_db", "body_db", "air_db" }) };
+    Table table { .keyColumn = "frequency_hz", .columns = columnsForModes ({ "high_pass_db", "body_db", "air_db" }) };
 
     for (const auto frequency : frequenciesFrom (20.0))
     {
@@ -55,9 +43,10 @@ Table measureFilters (const Subject&)
 
         for (const auto& mode : voiceModes)
         {
-            values.push_back (curveOf (designHighPass (usualRate, mode.settings().highPass), frequency));
-            values.push_back (curveOf (designedPeak (mode.settings().body), frequency));
-            values.push_back (curveOf (designedPeak (mode.settings().air), frequency));
+            const auto c = designHighPass (usualRate, mode.settings().highPass);
+            values.push_back (curveOf ({ c[0], c[1], c[2] }, { 1.0f, c[3], c[4] }, frequency));
+            values.push_back (curveOf (mode.settings().body, frequency));
+            values.push_back (curveOf (mode.settings().air, frequency));
         }
 
         table.add (fixed (frequency, 2), std::move (values));

@@ -8,7 +8,7 @@ namespace larkspire::measure
 {
 
 /** Forty frequencies a decade, the first at or just below the lowest and the last at or just below 20 kHz; 1 kHz is
-   among them. In Hz. */
+    among them. In Hz. */
 inline std::vector<double> frequenciesFrom (double lowest)
 {
     constexpr double perDecade = 40.0;

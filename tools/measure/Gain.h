@@ -26,13 +26,13 @@ public:
     /** The gain of the last period, in dB. */
     double now() const { return at (output.amplitudes().size() - 1); }
 
-    /** How many frames behind a step the gain is for the last time further from its end than this, in dB. The middle of
-       a period counts. Where it ends so far off, that is NaN. */
+    /** How many frames behind a step the gain is for the last time further than this, in dB, from where it ends;
+        taken at the middle of a period. NaN if it does not come so near. */
     double settlingTime (std::size_t stepFrame, double endDb, double within) const;
 
-    /** Amplitudes, linear, as Envelope numbers them. */
-    const std::vector<float>& inputAmplitudes() const { return input.amplitudes(); }
-    const std::vector<float>& outputAmplitudes() const { return output.amplitudes(); }
+    /** What has been played, and what has become of it. */
+    const Envelope& inputEnvelope() const { return input; }
+    const Envelope& outputEnvelope() const { return output; }
 
 private:
     double at (std::size_t index) const;

@@ -11,11 +11,21 @@ namespace
 constexpr int blockSize = 4096;
 } // namespace
 
-Instance::Instance (const PluginLibrary& library, KnobMode mode, int sampleRate, int numChannels)
+Instance::Instance (const Subject& subject, const VoiceMode& mode, Start start, int sampleRate, int numChannels)
     : channels (numChannels),
-      plugin (library,
-              { .mode = mode, .shape = { .channels = numChannels, .sampleRate = sampleRate }, .blockSize = blockSize })
+      plugin (subject.library,
+              { .mode = mode.position,
+                .shape = { .channels = numChannels, .sampleRate = sampleRate },
+                .blockSize = blockSize })
 {
+    auto silence = start == Start::atRest ? mode.framesToRest() : 0;
+
+    while (silence > 0)
+    {
+        const auto frames = std::min (silence, std::size_t { blockSize });
+        process (std::vector<float> (frames * static_cast<std::size_t> (channels)));
+        silence -= frames;
+    }
 }
 
 std::vector<float> Instance::process (std::vector<float> interleaved)
@@ -30,19 +40,6 @@ std::vector<float> Instance::process (std::vector<float> interleaved)
     }
 
     return interleaved;
-}
-
-void Instance::rest (std::size_t frames)
-{
-    std::vector<float> silence;
-
-    while (frames > 0)
-    {
-        const auto count = std::min (frames, static_cast<std::size_t> (blockSize));
-        silence.assign (count * static_cast<std::size_t> (channels), 0.0f);
-        plugin.process (silence);
-        frames -= count;
-    }
 }
 
 } // namespace larkspire::measure

@@ -2,9 +2,10 @@
 #pragma once
 
 #include "host/HostedPlugin.h"
+#include "measure/Frequencies.h"
+#include "measure/Measurements.h"
+#include "measure/VoiceModes.h"
 
-#include <cstddef>
-#include <span>
 #include <vector>
 
 namespace larkspire::measure
@@ -14,14 +15,18 @@ namespace larkspire::measure
 class Instance
 {
 public:
-    Instance (const PluginLibrary& library, KnobMode mode, int sampleRate, int channels = 1);
+    /** As it is when it has been made, or with its gains at rest, which it has after a long silence. */
+    enum class Start
+    {
+        fresh,
+        atRest
+    };
+
+    Instance (const Subject& subject, const VoiceMode& mode, Start start, int sampleRate = usualRate, int channels = 1);
 
     /** What comes out for a signal of any length, channels interleaved, linear full scale 1.0. The instance goes on
-       from where it stood. */
+        from where it stood. */
     std::vector<float> process (std::vector<float> interleaved);
-
-    /** Lets it hear silence for so many frames. */
-    void rest (std::size_t frames);
 
 private:
     int channels;

@@ -15,9 +15,7 @@ namespace larkspire::measure
 
 Table measureResponse (const Subject& subject)
 {
-    Table table { .name = "response",
-                  .keyColumn = "frequency_hz",
-                  .columns = columnsForModes ({ "44100_db", "48000_db", "96000_db" }) };
+    Table table { .keyColumn = "frequency_hz", .columns = columnsForModes ({ "44100_db", "48000_db", "96000_db" }) };
 
     // The reference is measured first, in the same run.
     auto frequencies = frequenciesFrom (30.0);

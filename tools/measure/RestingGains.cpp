@@ -16,8 +16,7 @@ restingGains (const Subject& subject, const VoiceMode& mode, int rate, const std
     const auto settling = static_cast<std::size_t> (rate / 10);
     const auto listening = static_cast<std::size_t> (rate / 2);
 
-    Instance instance (subject.library, mode.position, rate);
-    instance.rest (mode.framesToRest());
+    Instance instance (subject, mode, Instance::Start::atRest, rate);
     std::vector<double> gains;
 
     for (const auto frequency : frequencies)

@@ -13,8 +13,8 @@ namespace larkspire::measure
     leveller at 1. The frequencies are in Hz, 30 or more.
 
     The tones have -68 dBFS. A little more would open Gentle's expander. Much less, and the lowest of them would fall
-    silent: the framework's filter makes what lies within 1e-8 of zero zero, and where that meets two samples in a row
-    the high-pass has forgotten the tone.
+    silent: JUCE's filter turns what lies within 1e-8 of zero into zero, and after two such samples in a row the
+    high-pass has forgotten the tone.
 */
 std::vector<double>
 restingGains (const Subject& subject, const VoiceMode& mode, int rate, const std::vector<double>& frequencies);

@@ -39,7 +39,7 @@ Harmonics softClipHarmonics (double peak)
 
 Table measureSoftClip (const Subject&)
 {
-    Table table { .name = "soft-clip", .keyColumn = "input", .columns = { "output" } };
+    Table table { .keyColumn = "input", .columns = { "output" } };
 
     for (int i = -50; i <= 50; ++i)
     {
@@ -52,7 +52,7 @@ Table measureSoftClip (const Subject&)
 
 Table measureHarmonics (const Subject&)
 {
-    Table table { .name = "harmonics", .keyColumn = "peak_dbfs", .columns = { "third_db", "fifth_db", "seventh_db" } };
+    Table table { .keyColumn = "peak_dbfs", .columns = { "third_db", "fifth_db", "seventh_db" } };
 
     for (int step = 0; step <= 84; ++step)
     {

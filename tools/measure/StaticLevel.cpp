@@ -16,29 +16,16 @@ namespace larkspire::measure
 
 namespace
 {
-constexpr int rate = 48000;
-
 // Of no simple ratio to the rate, so that the samples meet every part of the wave.
-constexpr double frequency = 997.0 / rate;
+constexpr double frequency = 997.0 / usualRate;
 
 constexpr std::size_t settling = 48000; // frames at each level
 constexpr std::size_t listening = 24000;
-
-constexpr double lowest = -90.0; // dBFS
-constexpr double step = 0.5;     // dB
-constexpr int steps = 180;
 
 // With room to spare below the input at which the leveller begins to work.
 constexpr double highestFalling = -42.0; // dBFS
 
 constexpr double speakingLevel = -20.0; // dBFS
-
-constexpr double none = std::numeric_limits<double>::quiet_NaN();
-
-double inputAt (int index)
-{
-    return lowest + step * index;
-}
 
 double settledLevel (Instance& instance, Tone& tone, double input)
 {
@@ -46,32 +33,41 @@ double settledLevel (Instance& instance, Tone& tone, double input)
     return levelOf (instance.process (tone.next (listening, input)));
 }
 
-/** The output levels from the lowest input to the highest. */
-std::vector<double> risingLevels (const Subject& subject, const VoiceMode& mode)
+/** From the lowest to the highest, in dBFS. */
+std::vector<double> inputLevels()
 {
-    Instance instance (subject.library, mode.position, rate);
-    instance.rest (mode.framesToRest());
+    std::vector<double> levels;
+
+    for (int i = 0; i <= 180; ++i)
+        levels.push_back (-90.0 + 0.5 * i);
+
+    return levels;
+}
+
+/** The output levels, the inputs rising. */
+std::vector<double> risingLevels (const Subject& subject, const VoiceMode& mode, const std::vector<double>& inputs)
+{
+    Instance instance (subject, mode, Instance::Start::atRest);
     Tone tone (frequency);
     std::vector<double> levels;
 
-    for (int i = 0; i <= steps; ++i)
-        levels.push_back (settledLevel (instance, tone, inputAt (i)));
+    for (const auto input : inputs)
+        levels.push_back (settledLevel (instance, tone, input));
 
     return levels;
 }
 
 /** The same on the way down, NaN for inputs above the highest of it. */
-std::vector<double> fallingLevels (const Subject& subject, const VoiceMode& mode)
+std::vector<double> fallingLevels (const Subject& subject, const VoiceMode& mode, const std::vector<double>& inputs)
 {
-    Instance instance (subject.library, mode.position, rate);
-    instance.rest (mode.framesToRest());
+    Instance instance (subject, mode, Instance::Start::atRest);
     Tone tone (frequency);
     settledLevel (instance, tone, highestFalling);
-    std::vector<double> levels (steps + 1, none);
+    std::vector<double> levels (inputs.size(), std::numeric_limits<double>::quiet_NaN());
 
-    for (int i = steps; i >= 0; --i)
-        if (inputAt (i) <= highestFalling)
-            levels[static_cast<std::size_t> (i)] = settledLevel (instance, tone, inputAt (i));
+    for (auto i = inputs.size(); i-- > 0;)
+        if (inputs[i] <= highestFalling)
+            levels[i] = settledLevel (instance, tone, inputs[i]);
 
     return levels;
 }
@@ -79,27 +75,23 @@ std::vector<double> fallingLevels (const Subject& subject, const VoiceMode& mode
 
 Table measureStaticLevel (const Subject& subject)
 {
-    Table table { .name = "static-level",
-                  .keyColumn = "input_dbfs",
-                  .columns = columnsForModes ({ "rising_dbfs", "falling_dbfs" }) };
+    Table table { .keyColumn = "input_dbfs", .columns = columnsForModes ({ "rising_dbfs", "falling_dbfs" }) };
+    const auto inputs = inputLevels();
     std::vector<std::vector<double>> lists;
 
     for (const auto& mode : voiceModes)
     {
-        lists.push_back (risingLevels (subject, mode));
-        lists.push_back (fallingLevels (subject, mode));
+        lists.push_back (risingLevels (subject, mode, inputs));
+        lists.push_back (fallingLevels (subject, mode, inputs));
     }
 
-    for (std::size_t row = 0; row <= steps; ++row)
-        table.addAcross (fixed (inputAt (static_cast<int> (row)), 1), lists, row);
-
+    table.addLists (inputs, 1, lists);
     return table;
 }
 
 Table measurePlateau (const Subject& subject)
 {
-    Table table { .name = "plateau",
-                  .keyColumn = "mode",
+    Table table { .keyColumn = "mode",
                   .columns = { "held",
                                "peak",
                                "level_dbfs",
@@ -110,7 +102,7 @@ Table measurePlateau (const Subject& subject)
 
     for (const auto& mode : voiceModes)
     {
-        Instance instance (subject.library, mode.position, rate);
+        Instance instance (subject, mode, Instance::Start::fresh);
         Tone tone (frequency);
         instance.process (tone.next (2 * settling, speakingLevel));
         const auto output = instance.process (tone.next (settling, speakingLevel));

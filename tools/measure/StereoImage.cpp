@@ -16,8 +16,7 @@ namespace larkspire::measure
 
 namespace
 {
-constexpr int rate = 48000;
-constexpr double frequency = 997.0 / rate;
+constexpr double frequency = 997.0 / usualRate;
 constexpr double speakingLevel = -20.0; // dBFS
 constexpr double restLevel = -80.0;     // dBFS
 constexpr int largestDifference = 30;   // dB
@@ -26,7 +25,7 @@ constexpr int largestDifference = 30;   // dB
 std::vector<float> panned (Tone& tone, std::size_t frames, double level, double difference)
 {
     const auto left = tone.next (frames, level);
-    const auto factor = static_cast<float> (std::pow (10.0, -difference / 20.0));
+    const auto factor = static_cast<float> (fromDecibels (-difference));
     std::vector<float> interleaved;
     interleaved.reserve (2 * frames);
 
@@ -75,7 +74,7 @@ differences (Instance& instance, const std::vector<double>& inputs, double level
     for (const auto input : inputs)
     {
         instance.process (panned (tone, settling, level, input));
-        outputs.push_back (differenceIn (instance.process (panned (tone, rate, level, input))));
+        outputs.push_back (differenceIn (instance.process (panned (tone, usualRate, level, input))));
     }
 
     return outputs;
@@ -84,7 +83,7 @@ differences (Instance& instance, const std::vector<double>& inputs, double level
 
 Table measureFold (const Subject&)
 {
-    Table table { .name = "fold", .keyColumn = "source", .columns = { "left", "right" } };
+    Table table { .keyColumn = "source", .columns = { "left", "right" } };
     const auto add = [&] (const char* source, float left, float right)
     {
         const auto folded = sampleOf (foldTowardsMiddle (pairOf ({ left, right })));
@@ -99,7 +98,7 @@ Table measureFold (const Subject&)
 
 Table measureImage (const Subject& subject)
 {
-    Table table { .name = "image", .keyColumn = "input_db", .columns = columnsForModes ({ "settled_db" }) };
+    Table table { .keyColumn = "input_db", .columns = columnsForModes ({ "settled_db" }) };
     table.columns.insert (table.columns.begin(), "at_rest_db");
 
     // From one side to the middle: so the weaker channel rises, and its leveller settles by its quick way.
@@ -109,14 +108,13 @@ Table measureImage (const Subject& subject)
         inputs.push_back (difference);
 
     const auto& medium = voiceModes[1];
-    Instance atRest (subject.library, medium.position, rate, 2);
-    atRest.rest (medium.framesToRest());
-    std::vector<std::vector<double>> lists { differences (atRest, inputs, restLevel, rate / 10) };
+    Instance atRest (subject, medium, Instance::Start::atRest, usualRate, 2);
+    std::vector<std::vector<double>> lists { differences (atRest, inputs, restLevel, usualRate / 10) };
 
     for (const auto& mode : voiceModes)
     {
-        Instance instance (subject.library, mode.position, rate, 2);
-        lists.push_back (differences (instance, inputs, speakingLevel, rate));
+        Instance instance (subject, mode, Instance::Start::fresh, usualRate, 2);
+        lists.push_back (differences (instance, inputs, speakingLevel, usualRate));
     }
 
     for (std::size_t row = 0; row < inputs.size(); ++row)
@@ -128,13 +126,12 @@ Table measureImage (const Subject& subject)
 Table measureImageOverTime (const Subject& subject)
 {
     constexpr std::size_t shown = 150; // periods, which are milliseconds
-    Table table { .name = "image-over-time", .keyColumn = "time_ms", .columns = columnsForModes ({ "db" }) };
-    std::vector<std::vector<double>> rows (shown);
+    Table table { .keyColumn = "time_ms", .columns = columnsForModes ({ "db" }) };
+    std::vector<std::vector<double>> lists;
 
     for (const auto& mode : voiceModes)
     {
-        Instance instance (subject.library, mode.position, rate, 2);
-        instance.rest (mode.framesToRest());
+        Instance instance (subject, mode, Instance::Start::atRest, usualRate, 2);
         Tone tone (1.0 / Envelope::period);
         const auto [left, right] =
             apart (instance.process (panned (tone, shown * Envelope::period, speakingLevel, INFINITY)));
@@ -142,19 +139,17 @@ Table measureImageOverTime (const Subject& subject)
         Envelope ofRight;
         ofLeft.add (left);
         ofRight.add (right);
-        constexpr auto perPeriod = Envelope::period / Envelope::hop;
+        const auto leftLevels = ofLeft.ofPeriods();
+        const auto rightLevels = ofRight.ofPeriods();
+        auto& list = lists.emplace_back();
 
         for (std::size_t i = 0; i < shown; ++i)
-        {
-            const auto index = (i + 1) * perPeriod - 1;
-            rows[i].push_back (toDecibels (static_cast<double> (ofLeft.amplitudes()[index])
-                                           / static_cast<double> (ofRight.amplitudes()[index])));
-        }
+            list.push_back (toDecibels (leftLevels[i] / rightLevels[i]));
     }
 
     // Half a millisecond past the whole one is the middle of the period.
     for (std::size_t i = 0; i < shown; ++i)
-        table.add (fixed (static_cast<double> (i) + 0.5, 1), std::move (rows[i]));
+        table.addAcross (fixed (static_cast<double> (i) + 0.5, 1), lists, i);
 
     return table;
 }

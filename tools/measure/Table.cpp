@@ -20,18 +20,12 @@ constexpr double none = std::numeric_limits<double>::quiet_NaN();
 std::vector<std::string> fieldsOf (const std::string& line)
 {
     std::vector<std::string> fields;
-    std::size_t start = 0;
+    std::istringstream rest (line + ',');
 
-    while (true)
-    {
-        const auto end = line.find (',', start);
-        fields.push_back (line.substr (start, end - start));
+    for (std::string field; std::getline (rest, field, ',');)
+        fields.push_back (field);
 
-        if (end == std::string::npos)
-            return fields;
-
-        start = end + 1;
-    }
+    return fields;
 }
 
 double numberIn (const std::string& field)
@@ -47,6 +41,17 @@ double numberIn (const std::string& field)
         throw std::invalid_argument ("'" + field + "' is no number");
 
     return value;
+}
+
+/** Where a column stands. */
+std::size_t columnOf (const Table& table, std::string_view column)
+{
+    const auto found = std::find (table.columns.begin(), table.columns.end(), column);
+
+    if (found == table.columns.end())
+        throw std::out_of_range (table.name + ": no column " + std::string (column));
+
+    return static_cast<std::size_t> (found - table.columns.begin());
 }
 } // namespace
 
@@ -70,34 +75,25 @@ void Table::addAcross (std::string key, const std::vector<std::vector<double>>& 
     add (std::move (key), std::move (values));
 }
 
-std::size_t Table::columnOf (std::string_view column) const
+void Table::addLists (const std::vector<double>& keys, int digits, const std::vector<std::vector<double>>& lists)
 {
-    const auto found = std::find (columns.begin(), columns.end(), column);
-
-    if (found == columns.end())
-        throw std::out_of_range (name + ": no column " + std::string (column));
-
-    return static_cast<std::size_t> (found - columns.begin());
+    for (std::size_t row = 0; row < keys.size(); ++row)
+        addAcross (fixed (keys[row], digits), lists, row);
 }
 
-const Row& Table::rowOf (std::string_view key) const
+double Table::at (std::string_view key, std::string_view column) const
 {
     const auto found = std::find_if (rows.begin(), rows.end(), [&] (const Row& row) { return row.key == key; });
 
     if (found == rows.end())
         throw std::out_of_range (name + ": no row " + std::string (key));
 
-    return *found;
-}
-
-double Table::at (std::string_view key, std::string_view column) const
-{
-    return rowOf (key).values[columnOf (column)];
+    return found->values[columnOf (*this, column)];
 }
 
 std::vector<double> Table::column (std::string_view column) const
 {
-    const auto index = columnOf (column);
+    const auto index = columnOf (*this, column);
     std::vector<double> values;
     values.reserve (rows.size());
 

@@ -21,7 +21,7 @@ struct Row
     written and compared: _db, _dbfs, _frames; none for a plain number, linear full scale 1.0. */
 struct Table
 {
-    std::string name; // also the file's, without its ending
+    std::string name = {}; // also the file's, without its ending
     std::string keyColumn;
     std::vector<std::string> columns;
     std::vector<Row> rows = {};
@@ -32,11 +32,8 @@ struct Table
     /** Appends a row of the numbers that stand at one place in lists, of which there is one a column. */
     void addAcross (std::string key, const std::vector<std::vector<double>>& lists, std::size_t place);
 
-    /** Where a column stands. Throws std::out_of_range if there is none of that name. */
-    std::size_t columnOf (std::string_view column) const;
-
-    /** The row under a key. Throws std::out_of_range if there is none. */
-    const Row& rowOf (std::string_view key) const;
+    /** Appends all of such lists, the keys being numbers with so many digits behind the point. */
+    void addLists (const std::vector<double>& keys, int digits, const std::vector<std::vector<double>>& lists);
 
     /** The number under a key in a column. Throws std::out_of_range if there is none. */
     double at (std::string_view key, std::string_view column) const;
@@ -44,7 +41,7 @@ struct Table
     /** A column from top to bottom. Throws std::out_of_range if there is none of that name. */
     std::vector<double> column (std::string_view column) const;
 
-    /** The keys as numbers. Throws std::invalid_argument where one is none. */
+    /** The keys as numbers. Throws std::invalid_argument if one is not a number. */
     std::vector<double> keys() const;
 };
 
@@ -54,7 +51,8 @@ int digitsOf (std::string_view column);
 /** The table as comma-separated values, one heading line, an empty field for NaN. */
 std::string toCsv (const Table& table);
 
-/** The table that toCsv has written, as exact as it was written. Throws std::runtime_error where the text is none. */
+/** The table that toCsv has written, as exact as it was written. Throws std::runtime_error if the text is not a
+    table. */
 Table fromCsv (const std::string& name, const std::string& text);
 
 /** Where a table's file lies in a folder. */

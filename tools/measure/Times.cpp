@@ -10,9 +10,8 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <functional>
-#include <iterator>
 #include <limits>
+#include <optional>
 
 namespace larkspire::measure
 {
@@ -30,13 +29,7 @@ constexpr double loud = -22.0;
 
 constexpr std::size_t second = 1000; // periods, as long as a second of 48 kHz
 
-struct Times
-{
-    double expanderOpens;
-    double expanderCloses;
-    double levellerFalls;
-    double levellerReturns;
-};
+constexpr std::array timeNames { "expander opens", "expander closes", "leveller falls", "leveller returns" };
 
 /** From a step to the end, from one gain to another. */
 double timeOf (const Gain& gain, std::size_t step, double startDb, double endDb)
@@ -44,38 +37,32 @@ double timeOf (const Gain& gain, std::size_t step, double startDb, double endDb)
     return gain.settlingTime (step, endDb, remaining * std::abs (endDb - startDb));
 }
 
-Times timesAt (const Subject& subject, const VoiceMode& mode, int rate)
+/** In frames, in the order of their names. */
+std::vector<double> timesAt (const Subject& subject, const VoiceMode& mode, int rate)
 {
-    Instance instance (subject.library, mode.position, rate);
-    instance.rest (mode.framesToRest());
+    Instance instance (subject, mode, Instance::Start::atRest, rate);
     Gain gain (instance);
-    Times times {};
+    std::vector<double> times;
 
-    const auto stepTo = [&] (double level, std::size_t periods)
+    // Where a gain does not get to its end, or where that is known better, the end is given.
+    const auto addStep = [&] (double level, std::size_t periods, std::optional<double> end = {})
     {
+        const auto start = gain.now();
         const auto step = gain.frames();
         gain.play (periods, level);
-        return step;
+        times.push_back (timeOf (gain, step, start, end.value_or (gain.now())));
     };
 
     gain.play (second, quiet);
     const auto closed = gain.now();
-
-    auto step = stepTo (soft, 2 * second);
+    addStep (soft, 2 * second);
     const auto open = gain.now();
-    times.expanderOpens = timeOf (gain, step, closed, open);
-
-    step = stepTo (quiet, second);
-    times.expanderCloses = timeOf (gain, step, open, closed);
-
+    addStep (quiet, second, closed);
     gain.play (2 * second, soft);
-    step = stepTo (loud, 2 * second);
-    const auto lowered = gain.now();
-    times.levellerFalls = timeOf (gain, step, open, lowered);
+    addStep (loud, 2 * second);
 
     // It goes like 1 - exp (-t); what remains after two time constants is less than a tenth of the way in dB.
-    step = stepTo (soft, second + 2 * mode.framesToRest() / 8 / Envelope::period);
-    times.levellerReturns = timeOf (gain, step, lowered, open);
+    addStep (soft, second + 2 * mode.framesToRest() / 8 / Envelope::period, open);
     return times;
 }
 
@@ -107,11 +94,11 @@ double openingOfStage (const VoiceMode& mode, double level)
     return std::numeric_limits<double>::quiet_NaN();
 }
 
-/** Of the built library, for levels falling from the one below which the leveller is at rest; in frames. */
+/** Of the built library, for levels that fall; in frames, NaN for those at which the leveller is not at rest, and for
+    every other one. */
 std::vector<double> openingsOfLibrary (const Subject& subject, const VoiceMode& mode, const std::vector<double>& levels)
 {
-    Instance instance (subject.library, mode.position, 48000);
-    instance.rest (mode.framesToRest());
+    Instance instance (subject, mode, Instance::Start::atRest);
     Gain gain (instance);
     std::vector<double> openings;
     gain.play (second, soft);
@@ -121,6 +108,12 @@ std::vector<double> openingsOfLibrary (const Subject& subject, const VoiceMode& 
 
     for (const auto level : levels)
     {
+        if (level > soft || std::fmod (soft - level, 2.0) != 0.0)
+        {
+            openings.push_back (std::numeric_limits<double>::quiet_NaN());
+            continue;
+        }
+
         const auto step = gain.frames();
         gain.play (5 * second, level);
         openings.push_back (timeOf (gain, step, closed, open));
@@ -133,62 +126,40 @@ std::vector<double> openingsOfLibrary (const Subject& subject, const VoiceMode& 
 
 Table measureTimes (const Subject& subject)
 {
-    Table table { .name = "times",
-                  .keyColumn = "what",
+    Table table { .keyColumn = "what",
                   .columns = columnsForModes ({ "44100_frames", "48000_frames", "96000_frames" }) };
-    std::vector<Times> all;
+    std::vector<std::vector<double>> lists;
 
     for (const auto& mode : voiceModes)
         for (const int rate : { 44100, 48000, 96000 })
-            all.push_back (timesAt (subject, mode, rate));
+            lists.push_back (timesAt (subject, mode, rate));
 
-    const auto add = [&] (const char* what, double Times::*time)
-    {
-        std::vector<double> values;
-        std::transform (all.begin(), all.end(), std::back_inserter (values), std::mem_fn (time));
-        table.add (what, std::move (values));
-    };
+    for (std::size_t i = 0; i < timeNames.size(); ++i)
+        table.addAcross (timeNames[i], lists, i);
 
-    add ("expander opens", &Times::expanderOpens);
-    add ("expander closes", &Times::expanderCloses);
-    add ("leveller falls", &Times::levellerFalls);
-    add ("leveller returns", &Times::levellerReturns);
     return table;
 }
 
 Table measureOpening (const Subject& subject)
 {
-    Table table { .name = "opening",
-                  .keyColumn = "level_dbfs",
-                  .columns = columnsForModes ({ "stage_frames", "library_frames" }) };
-    constexpr int highest = 0;
-    constexpr int lowest = -62;
-    constexpr int highestOfLibrary = static_cast<int> (soft);
+    Table table { .keyColumn = "level_dbfs", .columns = columnsForModes ({ "stage_frames", "library_frames" }) };
     std::vector<double> levels;
+    std::vector<std::vector<double>> lists;
 
-    for (int level = highestOfLibrary; level >= lowest; level -= 2)
+    for (int level = 0; level >= -62; --level)
         levels.push_back (level);
 
-    std::array<std::vector<double>, voiceModes.size()> ofLibrary;
-
-    for (std::size_t i = 0; i < voiceModes.size(); ++i)
-        ofLibrary[i] = openingsOfLibrary (subject, voiceModes[i], levels);
-
-    for (int level = highest; level >= lowest; --level)
+    for (const auto& mode : voiceModes)
     {
-        std::vector<double> values;
-        const bool isMeasured = level <= highestOfLibrary && (highestOfLibrary - level) % 2 == 0;
-        const auto index = isMeasured ? static_cast<std::size_t> ((highestOfLibrary - level) / 2) : 0;
+        auto& ofStage = lists.emplace_back();
 
-        for (std::size_t i = 0; i < voiceModes.size(); ++i)
-        {
-            values.push_back (openingOfStage (voiceModes[i], level));
-            values.push_back (isMeasured ? ofLibrary[i][index] : std::numeric_limits<double>::quiet_NaN());
-        }
+        for (const auto level : levels)
+            ofStage.push_back (openingOfStage (mode, level));
 
-        table.add (fixed (level, 0), std::move (values));
+        lists.push_back (openingsOfLibrary (subject, mode, levels));
     }
 
+    table.addLists (levels, 0, lists);
     return table;
 }
 
@@ -196,33 +167,30 @@ Table measureSteps (const Subject& subject)
 {
     constexpr double before = -70.0;
     constexpr std::size_t lead = second / 5;
-    Table table { .name = "steps", .keyColumn = "time_ms", .columns = columnsForModes ({ "dbfs" }) };
+    Table table { .keyColumn = "time_ms", .columns = columnsForModes ({ "dbfs" }) };
     table.columns.insert (table.columns.begin(), "input_dbfs");
     std::vector<std::vector<double>> lists;
 
     for (const auto& mode : voiceModes)
     {
-        Instance instance (subject.library, mode.position, 48000);
-        instance.rest (mode.framesToRest());
+        Instance instance (subject, mode, Instance::Start::atRest);
         Gain gain (instance);
         gain.play (lead, before);
         gain.play (4 * second / 5, -18.0);
         gain.play (4 * second / 5, -36.0);
         gain.play (6 * second / 5, before);
 
-        const auto add = [&] (const std::vector<float>& amplitudes)
+        const auto add = [&] (const Envelope& envelope)
         {
-            auto& list = lists.emplace_back();
-
-            // Once a period, which is a millisecond; the first is not yet whole.
-            for (std::size_t i = Envelope::period / Envelope::hop - 1; i < amplitudes.size(); i += 4)
-                list.push_back (toDecibels (static_cast<double> (amplitudes[i])));
+            // Once a period, which is a millisecond.
+            auto& list = lists.emplace_back (envelope.ofPeriods());
+            std::transform (list.begin(), list.end(), list.begin(), toDecibels);
         };
 
         if (lists.empty())
-            add (gain.inputAmplitudes());
+            add (gain.inputEnvelope());
 
-        add (gain.outputAmplitudes());
+        add (gain.outputEnvelope());
     }
 
     for (std::size_t row = 0; row < lists.front().size(); ++row)

@@ -42,7 +42,7 @@ Voices voicesOf (const Subject& subject)
 
     for (const auto& mode : voiceModes)
         voices.versions.push_back (
-            Instance (subject.library, mode.position, voices.rate).process (voices.versions.front()));
+            Instance (subject, mode, Instance::Start::fresh, voices.rate).process (voices.versions.front()));
 
     return voices;
 }
@@ -93,7 +93,7 @@ double percentile (std::vector<double> values, double part)
 
 Table measureVoiceLevel (const Subject& subject)
 {
-    Table table { .name = "voice-level", .keyColumn = "time_s", .columns = columnsWithInput ({ "dbfs" }) };
+    Table table { .keyColumn = "time_s", .columns = columnsWithInput ({ "dbfs" }) };
     const auto voices = voicesOf (subject);
     std::vector<std::vector<double>> lists;
 
@@ -109,7 +109,7 @@ Table measureVoiceLevel (const Subject& subject)
 Table measureVoiceWave (const Subject& subject)
 {
     constexpr double window = 0.020; // s
-    Table table { .name = "voice-wave", .keyColumn = "time_s", .columns = columnsWithInput ({ "low", "high" }) };
+    Table table { .keyColumn = "time_s", .columns = columnsWithInput ({ "low", "high" }) };
     const auto voices = voicesOf (subject);
     const auto frames = static_cast<std::size_t> (window * voices.rate);
 
@@ -135,9 +135,7 @@ Table measureVoiceSummary (const Subject& subject)
 {
     constexpr double speechAbove = -45.0; // dBFS of the input's level over a window
 
-    Table table { .name = "voice-summary",
-                  .keyColumn = "version",
-                  .columns = { "peak_dbfs", "median_dbfs", "soft_dbfs", "loud_dbfs" } };
+    Table table { .keyColumn = "version", .columns = { "peak_dbfs", "median_dbfs", "soft_dbfs", "loud_dbfs" } };
     const auto voices = voicesOf (subject);
     const auto input = levelsOf (voices.versions.front(), voices.rate);
 

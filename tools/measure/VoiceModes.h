@@ -26,7 +26,7 @@ struct VoiceMode
     std::string column (std::string_view end) const { return std::string (name).append (1, '_').append (end); }
 
     /** How many frames of silence it takes until the leveller's gain does not rise any more. That is minutes in Gentle,
-       where it ends 0.5 dB short of 1: its last steps are too small for a 32-bit float. */
+        where it ends 0.5 dB short of 1: its last steps are too small for a 32-bit float. */
     std::size_t framesToRest() const
     {
         constexpr double timeConstants = 8.0;

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "measure/Document.h"
 
-#include "measure/DocumentTables.h"
-
 #include <stdexcept>
 #include <string_view>
 

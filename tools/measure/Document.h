@@ -17,4 +17,8 @@ using Tables = std::map<std::string, Table, std::less<>>;
     or an end is missing. */
 std::string withTables (const std::string& document, const Tables& tables);
 
+/** One of the tables that a document may ask for, in Markdown, with a line end behind its last row. The numbers are as
+    exact as the measurements' files are. Throws std::runtime_error for a name that is not known. */
+std::string documentTable (const std::string& name, const Tables& tables);
+
 } // namespace larkspire::measure

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "measure/DocumentTables.h"
-
+// The tables of docs/sound.md.
 #include "base/Texts.h"
+#include "measure/Document.h"
 #include "measure/Tone.h"
 #include "measure/VoiceModes.h"
 

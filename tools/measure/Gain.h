@@ -6,7 +6,6 @@
 #include "measure/Tone.h"
 
 #include <cstddef>
-#include <vector>
 
 namespace larkspire::measure
 {

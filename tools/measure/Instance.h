@@ -22,6 +22,8 @@ public:
         atRest
     };
 
+    /** @param sampleRate  in Hz
+        @param channels    1 or 2 */
     Instance (const Subject& subject, const VoiceMode& mode, Start start, int sampleRate = usualRate, int channels = 1);
 
     /** What comes out for a signal of any length, channels interleaved, linear full scale 1.0. The instance goes on

@@ -4,6 +4,7 @@
 #include "host/PluginLibrary.h"
 #include "measure/Table.h"
 
+#include <array>
 #include <filesystem>
 #include <span>
 #include <string_view>
@@ -85,6 +86,28 @@ struct Measurement
 };
 
 /** All of them. */
-std::span<const Measurement> measurements();
+inline std::span<const Measurement> measurements()
+{
+    static constexpr std::array all {
+        Measurement { "filters", measureFilters },
+        Measurement { "response", measureResponse },
+        Measurement { "air", measureAir },
+        Measurement { "air-under-voice", measureAirUnderVoice },
+        Measurement { "static-level", measureStaticLevel },
+        Measurement { "plateau", measurePlateau },
+        Measurement { "times", measureTimes },
+        Measurement { "opening", measureOpening },
+        Measurement { "steps", measureSteps },
+        Measurement { "soft-clip", measureSoftClip },
+        Measurement { "harmonics", measureHarmonics },
+        Measurement { "fold", measureFold },
+        Measurement { "image", measureImage },
+        Measurement { "image-over-time", measureImageOverTime },
+        Measurement { "voice-level", measureVoiceLevel },
+        Measurement { "voice-wave", measureVoiceWave },
+        Measurement { "voice-summary", measureVoiceSummary },
+    };
+    return all;
+}
 
 } // namespace larkspire::measure

@@ -6,7 +6,6 @@
 #include "measure/SoftClipHarmonics.h"
 #include "measure/Tone.h"
 
-#include <cmath>
 #include <cstddef>
 
 namespace larkspire::measure

@@ -7,7 +7,6 @@
 #include "measure/Tone.h"
 #include "measure/VoiceModes.h"
 
-#include <array>
 #include <cstddef>
 #include <limits>
 
@@ -33,23 +32,13 @@ double settledLevel (Instance& instance, Tone& tone, double input)
     return levelOf (instance.process (tone.next (listening, input)));
 }
 
-/** From the lowest to the highest, in dBFS. */
-std::vector<double> inputLevels()
-{
-    std::vector<double> levels;
-
-    for (int i = 0; i <= 180; ++i)
-        levels.push_back (-90.0 + 0.5 * i);
-
-    return levels;
-}
-
 /** The output levels, the inputs rising. */
 std::vector<double> risingLevels (const Subject& subject, const VoiceMode& mode, const std::vector<double>& inputs)
 {
     Instance instance (subject, mode, Instance::Start::atRest);
     Tone tone (frequency);
     std::vector<double> levels;
+    levels.reserve (inputs.size());
 
     for (const auto input : inputs)
         levels.push_back (settledLevel (instance, tone, input));
@@ -76,7 +65,11 @@ std::vector<double> fallingLevels (const Subject& subject, const VoiceMode& mode
 Table measureStaticLevel (const Subject& subject)
 {
     Table table { .keyColumn = "input_dbfs", .columns = columnsForModes ({ "rising_dbfs", "falling_dbfs" }) };
-    const auto inputs = inputLevels();
+    std::vector<double> inputs;
+
+    for (int i = 0; i <= 180; ++i)
+        inputs.push_back (-90.0 + 0.5 * i);
+
     std::vector<std::vector<double>> lists;
 
     for (const auto& mode : voiceModes)

@@ -58,7 +58,7 @@ std::size_t columnOf (const Table& table, std::string_view column)
 void Table::add (std::string key, std::vector<double> values)
 {
     if (values.size() != columns.size())
-        throw std::logic_error (name + ": a row of " + std::to_string (values.size()) + " values for "
+        throw std::logic_error ("a row of " + std::to_string (values.size()) + " values for "
                                 + std::to_string (columns.size()) + " columns");
 
     rows.push_back ({ std::move (key), std::move (values) });

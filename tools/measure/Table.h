@@ -21,7 +21,7 @@ struct Row
     written and compared: _db, _dbfs, _frames; none for a plain number, linear full scale 1.0. */
 struct Table
 {
-    std::string name = {}; // also the file's, without its ending
+    std::string name = {}; // the file's, without its ending; a new measurement is named by its list
     std::string keyColumn;
     std::vector<std::string> columns;
     std::vector<Row> rows = {};

@@ -44,7 +44,7 @@ std::vector<double> timesAt (const Subject& subject, const VoiceMode& mode, int 
     Gain gain (instance);
     std::vector<double> times;
 
-    // Where a gain does not get to its end, or where that is known better, the end is given.
+    // A gain ends where it is after the step, unless it was measured there before and has not come so far.
     const auto addStep = [&] (double level, std::size_t periods, std::optional<double> end = {})
     {
         const auto start = gain.now();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "plot/Sheet.h"
 
+#include "base/Failure.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -14,13 +16,23 @@ const juce::Colour ink (0xff222222);
 const juce::Colour frameColour (0xff9a9a9a);
 const juce::Colour gridColour (0xffe6e6e6);
 
-constexpr float titleHeight = 22.0f;
-constexpr float headingHeight = 16.0f;
-constexpr float labelHeight = 14.0f;
-
 constexpr auto nothing = std::numeric_limits<double>::quiet_NaN();
 
 constexpr int columnCount = rightColumn - leftColumn;
+
+/** Liberation Sans where the machine has it, so that pictures look alike, else the sans-serif typeface that JUCE picks,
+    else any. For a name that it does not know JUCE silently gives a typeface without letters, so only names from its
+    own list are used. */
+juce::String typefaceName()
+{
+    const juce::String preferred ("Liberation Sans");
+    const auto names = juce::Font::findAllTypefaceNames();
+
+    if (names.isEmpty())
+        throw Failure ("picture", "has words, and no font is installed; install the package fonts-liberation2");
+
+    return names.contains (preferred) ? preferred : juce::Font::getDefaultSansSerifFontName();
+}
 
 /** The pixels of a panel with its frame. */
 juce::Rectangle<int> areaOf (Rows rows)
@@ -57,20 +69,24 @@ juce::String utf8 (const std::string& text)
 
 Sheet::Sheet()
     : image (juce::Image::RGB, pictureWidth, pictureHeight, true, juce::SoftwareImageType()),
-      graphics (image)
+      graphics (image),
+      typeface (typefaceName()),
+      titleFont (juce::FontOptions (typeface, 22.0f, juce::Font::bold)),
+      headingFont (juce::FontOptions (typeface, 16.0f, juce::Font::bold)),
+      textFont (juce::FontOptions (typeface, 16.0f, juce::Font::plain)),
+      labelFont (juce::FontOptions (typeface, 14.0f, juce::Font::plain))
 {
     graphics.fillAll (juce::Colours::white);
 }
 
 void Sheet::drawTitle (const juce::String& name, const juce::String& mode, const juce::String& facts)
 {
-    const auto factsFont = fonts.regular (headingHeight);
-    const auto factsWidth = juce::GlyphArrangement::getStringWidthInt (factsFont, facts) + 4;
-    const auto font = fonts.bold (titleHeight);
-    const auto nameRoom = columnCount - factsWidth - 30 - juce::GlyphArrangement::getStringWidthInt (font, mode);
-    write (shortened (name, font, nameRoom) + mode, { leftColumn, 18, columnCount - factsWidth, 30 }, font, ink);
+    const auto factsWidth = juce::GlyphArrangement::getStringWidthInt (textFont, facts) + 4;
+    const auto nameRoom = columnCount - factsWidth - 30 - juce::GlyphArrangement::getStringWidthInt (titleFont, mode);
     write (
-        facts, { rightColumn - factsWidth, 20, factsWidth, 28 }, factsFont, paleInk, juce::Justification::centredRight);
+        shortened (name, titleFont, nameRoom) + mode, { leftColumn, 18, columnCount - factsWidth, 30 }, titleFont, ink);
+    write (
+        facts, { rightColumn - factsWidth, 20, factsWidth, 28 }, textFont, paleInk, juce::Justification::centredRight);
 }
 
 void Sheet::drawPanel (Rows rows, const Axis& time, const Axis& values, const std::vector<Tick>& ticks)
@@ -87,7 +103,7 @@ void Sheet::drawPanel (Rows rows, const Axis& time, const Axis& values, const st
     for (const auto& tick : ticks)
         write (utf8 (tick.label),
                { 0, juce::roundToInt (values.pixelOf (tick.value)) - 10, leftColumn - 8, 20 },
-               fonts.regular (labelHeight),
+               labelFont,
                ink,
                juce::Justification::centredRight);
 }
@@ -97,14 +113,13 @@ void Sheet::finishPanel (Rows rows, const juce::String& text, const std::vector<
     graphics.setColour (frameColour);
     graphics.drawRect (areaOf (rows));
     const auto top = rows.top - 26;
-    write (text, { leftColumn, top, columnCount, 22 }, fonts.bold (headingHeight), ink);
-    const auto font = fonts.regular (labelHeight);
+    write (text, { leftColumn, top, columnCount, 22 }, headingFont, ink);
     auto right = rightColumn;
 
     for (auto entry = legend.rbegin(); entry != legend.rend(); ++entry)
     {
-        const auto width = juce::GlyphArrangement::getStringWidthInt (font, entry->text) + 2;
-        write (entry->text, { right - width, top, width, 22 }, font, ink);
+        const auto width = juce::GlyphArrangement::getStringWidthInt (labelFont, entry->text) + 2;
+        write (entry->text, { right - width, top, width, 22 }, labelFont, ink);
         right -= width + 6 + 24;
         graphics.setColour (entry->colour);
         graphics.fillRect (
@@ -118,26 +133,25 @@ void Sheet::drawTimeLabels (const Axis& time)
     for (const auto& tick : timeTicks (time))
         write (utf8 (tick.label),
                { juce::roundToInt (time.pixelOf (tick.value)) - 40, gainRows.bottom + 6, 80, 20 },
-               fonts.regular (labelHeight),
+               labelFont,
                ink,
                juce::Justification::centred);
 
     write ("Time (" + utf8 (timeUnit (time)) + ")",
            { leftColumn, gainRows.bottom + 30, columnCount, 24 },
-           fonts.regular (headingHeight),
+           textFont,
            ink,
            juce::Justification::centred);
 }
 
 void Sheet::drawNote (Rows rows, const juce::String& text)
 {
-    const auto font = fonts.regular (headingHeight);
-    const auto width = juce::GlyphArrangement::getStringWidthInt (font, text) + 24;
+    const auto width = juce::GlyphArrangement::getStringWidthInt (textFont, text) + 24;
     const juce::Rectangle<int> place (
         (leftColumn + rightColumn - width) / 2, (rows.top + rows.bottom) / 2 - 14, width, 28);
     graphics.setColour (juce::Colours::white);
     graphics.fillRect (place);
-    write (text, place, font, paleInk, juce::Justification::centred);
+    write (text, place, textFont, paleInk, juce::Justification::centred);
 }
 
 void Sheet::drawWaveform (Rows rows,

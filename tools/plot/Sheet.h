@@ -3,7 +3,6 @@
 
 #include "meter/TimeCourse.h"
 #include "plot/Axes.h"
-#include "plot/Typefaces.h"
 
 #include <juce_graphics/juce_graphics.h>
 
@@ -24,18 +23,17 @@ struct Entry
     float thickness = 2.0f;
 };
 
-/** Bytes as JUCE's text; where they are no UTF-8, question marks stand for those beyond ASCII. */
+/** Bytes as JUCE's text; if they are not UTF-8, question marks stand for those beyond ASCII. */
 juce::String utf8 (const std::string& text);
 
 /** One drawing in progress: the parts that panels are made of, each drawn over what is there. */
 class Sheet
 {
 public:
-    /** White paper. Throws Failure where no font is installed. */
+    /** White paper. Throws Failure if no font is installed. */
     Sheet();
 
-    /** The words above all panels: a file's name, cut where it is too long, the mode behind it and facts on the right.
-     */
+    /** The words above all panels: a file's name, cut if it is too long, the mode behind it, facts on the right. */
     void drawTitle (const juce::String& name, const juce::String& mode, const juce::String& facts);
 
     /** The lines and numbers of a panel. */
@@ -75,7 +73,11 @@ private:
 
     juce::Image image;
     juce::Graphics graphics;
-    Typefaces fonts;
+    juce::String typeface;
+    juce::Font titleFont;
+    juce::Font headingFont;
+    juce::Font textFont;
+    juce::Font labelFont;
 };
 
 } // namespace larkspire::plot

@@ -3,7 +3,6 @@
 
 #include "render/BatchPlan.h"
 #include "render/ProgressBar.h"
-#include "render/Rendering.h"
 
 #include <cstddef>
 #include <map>

@@ -276,22 +276,20 @@ BatchPlan planBatch (const CommandLine& call)
 
     const Place results (call, call.output, std::string (".") + extensionOf (container), plan);
     const auto pictures = placeOfPictures (call, plan);
-    const std::vector<KnobMode> modes = call.compare ? std::vector<KnobMode> (knobModes.begin(), knobModes.end())
-                                                     : std::vector<KnobMode> { call.mode.value_or (KnobMode::medium) };
+    std::vector<KnobMode> modes { call.mode.value_or (KnobMode::medium) };
+
+    if (call.compare)
+        modes.assign (knobModes.begin(), knobModes.end());
+
     plan.modesPerInput = modes.size();
 
     for (const auto& source : findSources (call, plan))
         for (const auto mode : modes)
-        {
-            Job job {
-                .input = source.input, .output = results.nameFor (source, mode, plan), .mode = mode, .picture = {}
-            };
-
-            if (pictures.has_value())
-                job.picture = pictures->nameFor (source, mode, plan);
-
-            plan.jobs.push_back (std::move (job));
-        }
+            plan.jobs.push_back (
+                { .input = source.input,
+                  .output = results.nameFor (source, mode, plan),
+                  .mode = mode,
+                  .picture = pictures ? std::optional (pictures->nameFor (source, mode, plan)) : std::nullopt });
 
     refuseSharedResults (plan.jobs);
     refuseReplacedInputs (plan.jobs);

@@ -24,45 +24,17 @@ double secondsSince (Clock::time_point start)
     return std::chrono::duration<double> (Clock::now() - start).count();
 }
 
-/** Listens to a rendering where that is wanted, and else does nothing. */
-class Meters
+/** Samples as they read back from the result. */
+std::vector<float> asWritten (std::span<const float> block, SampleType samples)
 {
-public:
-    Meters (const Job& job, const RenderSettings& settings, const AudioShape& shape)
-        : samples (settings.encoding.samples)
-    {
-        if (settings.measure || job.picture.has_value())
-            measurement.emplace (static_cast<int> (job.mode), shape);
-    }
+    std::vector<float> written (block.begin(), block.end());
 
-    void hearInput (std::span<const float> block)
-    {
-        if (measurement.has_value())
-            input.assign (block.begin(), block.end());
-    }
+    if (samples != SampleType::float32)
+        for (const Quantiser quantiser (bitsOf (samples)); auto& sample : written)
+            sample = static_cast<float> (quantiser.toSample (quantiser.toWholeNumber (sample)));
 
-    void hearOutput (std::span<const float> block)
-    {
-        if (! measurement.has_value())
-            return;
-
-        asWritten.assign (block.begin(), block.end());
-
-        if (samples != SampleType::float32)
-            for (const Quantiser quantiser (bitsOf (samples)); auto& sample : asWritten)
-                sample = static_cast<float> (quantiser.toSample (quantiser.toWholeNumber (sample)));
-
-        measurement->add (input, block, asWritten);
-    }
-
-    const std::optional<meter::Listening>& result() const { return measurement; }
-
-private:
-    SampleType samples;
-    std::optional<meter::Listening> measurement;
-    std::vector<float> input;
-    std::vector<float> asWritten;
-};
+    return written;
+}
 
 void paint (const meter::Listening& measurement, const Job& job, PartialFile& file)
 {
@@ -86,14 +58,18 @@ RenderReport render (const PluginLibrary& library,
     HostedPlugin plugin (library, { .mode = job.mode, .shape = shape, .blockSize = settings.blockSize });
     AudioOutput output (job.output, settings.encoding, shape, length);
     std::optional<PartialFile> picture;
+    std::optional<meter::Listening> measurement;
 
     if (job.picture.has_value())
         picture.emplace (*job.picture);
 
+    if (settings.measure || picture.has_value())
+        measurement.emplace (static_cast<int> (job.mode), shape);
+
     const auto rate = double (shape.sampleRate);
     const auto channels = static_cast<std::size_t> (shape.channels);
     std::vector<float> buffer (static_cast<std::size_t> (settings.blockSize) * channels);
-    Meters meters (job, settings, shape);
+    std::vector<float> original;
     RenderProgress soFar { .secondsInAll = length ? std::optional (double (*length) / rate) : std::nullopt };
     std::size_t framesDone = 0;
 
@@ -108,18 +84,18 @@ RenderReport render (const PluginLibrary& library,
             break;
 
         const auto block = std::span (buffer).first (frames * channels);
-        meters.hearInput (block);
+        original.assign (block.begin(), block.end());
         plugin.process (block);
-        meters.hearOutput (block);
         output.write (block);
-        framesDone += frames;
 
+        if (measurement.has_value())
+            measurement->add (original, block, asWritten (block, settings.encoding.samples));
+
+        framesDone += frames;
         soFar.secondsDone = double (framesDone) / rate;
         soFar.secondsOfWork = secondsSince (start);
         progress (soFar);
     }
-
-    const auto& measurement = meters.result();
 
     if (picture.has_value())
         paint (*measurement, job, *picture);
@@ -130,16 +106,11 @@ RenderReport render (const PluginLibrary& library,
         picture->commit();
 
     const auto seconds = double (framesDone) / rate;
-    RenderReport report { .levels = output.levels(),
-                          .shape = shape,
-                          .seconds = seconds,
-                          .timesRealTime = seconds / secondsSince (start),
-                          .analysis = {} };
-
-    if (measurement.has_value())
-        report.analysis = measurement->analysis();
-
-    return report;
+    return { .levels = output.levels(),
+             .shape = shape,
+             .seconds = seconds,
+             .timesRealTime = seconds / secondsSince (start),
+             .analysis = measurement ? std::optional (measurement->analysis()) : std::nullopt };
 }
 
 } // namespace larkspire::render

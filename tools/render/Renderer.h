@@ -7,10 +7,10 @@
 #include "host/HostedPlugin.h"
 #include "meter/Listening.h"
 
-#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <string>
 
 namespace larkspire::render
 {
@@ -40,6 +40,14 @@ struct RenderReport
     double seconds = 0.0;       // of sound
     double timesRealTime = 0.0; // how many seconds of sound a second of work gave; 0 where there was no sound
     std::optional<meter::Analysis> analysis; // there if it was asked for
+};
+
+/** A job and what has become of it. */
+struct Rendering
+{
+    Job job;
+    std::optional<RenderReport> report; // there if it was done
+    std::string fault;                  // else one line that says why not
 };
 
 /** How far a job is. */

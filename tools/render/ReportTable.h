@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "render/Rendering.h"
+#include "render/Renderer.h"
 
 #include <span>
 #include <string>

@@ -29,7 +29,7 @@ public:
     std::optional<std::int64_t> length() const noexcept;
 
     /** Reads as many frames as fit, channels interleaved, linear full scale 1.0, and returns how many those are: 0 is
-        the end. Throws Failure where the file is damaged or holds less than it states. */
+        the end. Throws Failure if the file is damaged or holds less than it states. */
     std::size_t read (std::span<float> interleaved);
 
 private:

@@ -26,9 +26,9 @@ bool needsLargeWav (const AudioShape& shape, SampleType samples, std::optional<s
 class AudioOutput
 {
 public:
-    /** @param frames  the length to come, where it is known.
+    /** @param frames  the length to come, if it is known.
 
-        Throws Failure where the file cannot be created or the kind of file has no such sample rate. */
+        Throws Failure if the file cannot be created or the kind of file has no such sample rate. */
     AudioOutput (const std::filesystem::path& path,
                  const Encoding& wanted,
                  const AudioShape& shape,

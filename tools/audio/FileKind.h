@@ -12,7 +12,7 @@ namespace larkspire
 struct FileKind
 {
     std::string_view beginning; // the first four bytes
-    std::string_view form;      // the bytes 8 to 11, where there are films and pictures with the same beginning
+    std::string_view form;      // the bytes 8 to 11, if films or pictures have the same beginning
 };
 
 inline constexpr std::array<FileKind, 7> fileKinds { { { "RIFF", "WAVE" },

@@ -19,7 +19,7 @@ struct OddPolynomial
     @param end       where the range ends
     @param count     how many coefficients, at least 1
 
-    Throws std::runtime_error where the exchange does not settle.
+    Throws std::runtime_error if the exchange does not settle.
 */
 OddPolynomial findOddPolynomial (long double (*function) (long double), long double end, int count);
 

@@ -16,7 +16,7 @@ public:
     using EntryPoint = Vst2::AEffect*(VSTCALLBACK*)(Vst2::audioMasterCallback);
 
     /** Loads the library. A path without a slash is a file of the working folder. Throws Failure if there is no such
-        file, if it cannot be loaded or if it is no VST 2 plug-in. */
+        file, if it cannot be loaded or if it is not a VST 2 plug-in. */
     explicit PluginLibrary (const std::filesystem::path& path);
 
     /** Makes an instance and closes it again. Throws Failure if the library is not the right one. */

@@ -25,8 +25,8 @@ public:
     /** The gain of the last period, in dB. */
     double now() const { return at (output.amplitudes().size() - 1); }
 
-    /** How many frames behind a step the gain is for the last time further than this, in dB, from where it ends;
-        taken at the middle of a period. NaN if it does not come so near. */
+    /** How many frames after a step the gain comes within so many dB of its end for good; the middle of a period
+        counts. NaN if it does not come so near. */
     double settlingTime (std::size_t stepFrame, double endDb, double within) const;
 
     /** What has been played, and what has become of it. */

@@ -21,7 +21,7 @@ constexpr double speakingLevel = -20.0; // dBFS
 constexpr double restLevel = -80.0;     // dBFS
 constexpr int largestDifference = 30;   // dB
 
-/** A tone on the left, and on the right by so many dB weaker; infinity for none. */
+/** A tone on the left, and weaker on the right by a difference in dB; infinity makes the right silent. */
 std::vector<float> panned (Tone& tone, std::size_t frames, double level, double difference)
 {
     const auto left = tone.next (frames, level);

@@ -39,7 +39,7 @@ public:
     /** The largest magnitude of the waveform between the samples, in dBTP. nullopt for silence. */
     Figure truePeak() const;
 
-    /** The loudness is read once in so many seconds, the step of the two courses. */
+    /** The step of the two courses, in seconds; the loudness is read at the end of each. */
     static constexpr double stepSeconds = 0.1;
     static constexpr double momentarySeconds = 0.4;
     static constexpr double shortTermSeconds = 3.0;

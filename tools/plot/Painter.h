@@ -12,7 +12,7 @@ namespace larkspire::plot
 /** What stands above a picture. */
 struct Title
 {
-    std::string name; // of the file; bytes that are no UTF-8 are shown as question marks
+    std::string name; // of the file; bytes that are not UTF-8 are shown as question marks
     std::string mode;
 };
 

@@ -40,7 +40,7 @@ juce::Rectangle<int> areaOf (Rows rows)
     return { leftColumn, rows.top, columnCount + 1, rows.bottom - rows.top + 1 };
 }
 
-/** The text, with its end cut off where there is no room for it. */
+/** The text, with its end cut off if there is no room for it. */
 juce::String shortened (const juce::String& text, const juce::Font& font, int room)
 {
     if (juce::GlyphArrangement::getStringWidthInt (font, text) <= room)

@@ -32,7 +32,7 @@ void makeFolders (const BatchPlan& plan)
         std::filesystem::create_directories (folder, error);
 }
 
-/** The jobs of a plan, handed out one by one to whoever asks. */
+/** The jobs of a plan, handed out one by one to the threads that do them. */
 class Work
 {
 public:

@@ -233,7 +233,8 @@ private:
     bool modeInName;
 };
 
-/** Where pictures go, if any are wanted. A single name for many pictures, or one that is no PNG's, is refused. */
+/** Where pictures go, if any are wanted. A single name for many pictures, or one that does not end in .png, is refused.
+ */
 std::optional<Place> placeOfPictures (const CommandLine& call, BatchPlan& plan)
 {
     if (! call.picture.has_value())

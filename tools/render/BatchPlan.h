@@ -30,7 +30,7 @@ struct BatchPlan
     std::size_t modesPerInput = 1;
     unsigned workers = 1;
     std::set<std::filesystem::path> folders;    // to be made ahead of the jobs
-    std::set<std::filesystem::path> subfolders; // below those, made where that works
+    std::set<std::filesystem::path> subfolders; // below those, made if that works
     std::vector<std::string> notes;             // one line each, what was left out
     std::vector<Failure> faults;                // inputs that give no job
 };

@@ -16,7 +16,7 @@ namespace larkspire::render
 struct FolderContents
 {
     std::vector<std::filesystem::path> recordings; // relative to the folder, in the order of their bytes
-    std::size_t leftOut = 0;                       // files that are no recordings
+    std::size_t leftOut = 0;                       // files that are not recordings
     std::vector<Failure> faults;                   // folders that cannot be read
 };
 

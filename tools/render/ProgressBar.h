@@ -18,7 +18,7 @@ public:
     /** Whether stderr is a terminal. */
     static bool wouldBeSeen();
 
-    /** @param title  a file's name, shortened where the terminal is narrow */
+    /** @param title  a file's name, shortened if the terminal is narrow */
     explicit ProgressBar (const std::string& title);
     ~ProgressBar();
 

@@ -37,8 +37,8 @@ struct RenderReport
 {
     Levels levels;
     AudioShape shape;
-    double seconds = 0.0;       // of sound
-    double timesRealTime = 0.0; // how many seconds of sound a second of work gave; 0 where there was no sound
+    double seconds = 0.0;                    // of sound
+    double timesRealTime = 0.0;              // how many seconds of sound a second of work gave; 0 if there was no sound
     std::optional<meter::Analysis> analysis; // there if it was asked for
 };
 
@@ -54,7 +54,7 @@ struct Rendering
 struct RenderProgress
 {
     double secondsDone = 0.0;           // of sound
-    std::optional<double> secondsInAll; // where the length is known
+    std::optional<double> secondsInAll; // if the length is known
     double secondsOfWork = 0.0;
 };
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "daws/Ardour.h"
+#include "support/Child.h"
 #include "support/Paths.h"
 
 #include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
-#include <memory>
 #include <stdexcept>
 #include <utility>
 
@@ -18,60 +18,55 @@ constexpr int sampleRate = 48000; // Hz
 const std::string programs = "/usr/lib/ardour7/";
 } // namespace
 
-Ardour::Ardour() : library (folder / "vst/Quendal Larkspire.so"), searchPath ("LXVST_PATH='" + (folder / "vst") + "'")
+Ardour::Ardour (std::filesystem::path installed)
+    : library (std::move (installed)),
+      // Nothing of the caller's: neither a real display nor the caller's own settings of Ardour are touched.
+      environment { { "PATH", "/usr/bin:/bin" },
+                    { "LANG", "C.UTF-8" },
+                    { "DISPLAY", ":none" },
+                    { "HOME", folder / "home" },
+                    { "LD_LIBRARY_PATH", programs },
+                    { "ARDOUR_DLL_PATH", programs },
+                    { "ARDOUR_DATA_PATH", "/usr/share/ardour7" },
+                    { "ARDOUR_CONFIG_PATH", "/etc/ardour7" } }
 {
     namespace fs = std::filesystem;
-    fs::create_directories (folder / "home");
-    fs::create_directories (folder / "vst");
-    fs::copy_file (paths::plugin(), library);
+    fs::create_directory (folder / "home");
 
-    // What a scan found counts only if it is newer than the library, by whole seconds.
-    fs::last_write_time (library, fs::file_time_type::clock::now() - std::chrono::hours (24));
+    if (library.empty())
+    {
+        library = folder / "vst/Quendal Larkspire.so";
+        environment["LXVST_PATH"] = folder / "vst";
+        fs::create_directory (folder / "vst");
+        fs::copy_file (paths::plugin(), library);
+
+        // What a scan found counts only if it is newer than the library, by whole seconds.
+        fs::last_write_time (library, fs::file_time_type::clock::now() - std::chrono::hours (24));
+    }
+
     scan();
 }
 
-Ardour::Ardour (std::filesystem::path installed) : library (std::move (installed))
+std::string Ardour::run (const std::string& program, const std::vector<std::string>& arguments) const
 {
-    std::filesystem::create_directories (folder / "home");
-    scan();
-}
-
-std::string Ardour::run (const std::vector<std::string>& command) const
-{
-    // Nothing of the caller's environment: neither a real display nor the caller's own settings of Ardour are touched.
-    std::string line = "cd '" + folder.path().string() + "' && env -i PATH=\"$PATH\" LANG=C.UTF-8 DISPLAY=:none HOME='"
-                       + (folder / "home") + "' " + searchPath + " LD_LIBRARY_PATH=" + programs + " ARDOUR_DLL_PATH="
-                       + programs + " ARDOUR_DATA_PATH=/usr/share/ardour7 ARDOUR_CONFIG_PATH=/etc/ardour7 timeout 60";
-
-    for (const auto& word : command)
-        line += " '" + word + "'";
-
-    const auto close = [] (FILE* pipe) { pclose (pipe); };
-    std::unique_ptr<FILE, decltype (close)> pipe (popen ((line + " 2>&1 </dev/null").c_str(), "r"));
-    std::string output;
-
-    for (std::array<char, 512> part {};
-         std::fgets (part.data(), static_cast<int> (part.size()), pipe.get()) != nullptr;)
-        output += part.data();
-
-    if (pclose (pipe.release()) != 0)
-        throw std::runtime_error (command.front() + " failed: " + output);
-
-    return output;
+    return outputOf ({ .arguments = arguments,
+                       .program = program,
+                       .environment = environment,
+                       .inheritsEnvironment = false,
+                       .folder = folder.path() });
 }
 
 std::string Ardour::scan() const
 {
-    return run ({ programs + "ardour-vst-scanner", "-f", "-v", library.string() });
+    return run (programs + "ardour-vst-scanner", { "-f", "-v", library });
 }
 
 void Ardour::makeSession (const std::string& name, const Track& track) const
 {
     std::array<char, 32> value {};
     std::snprintf (value.data(), value.size(), "%.9g", static_cast<double> (track.parameter));
-    const std::string script = paths::source ("tests/daws/make-session.lua");
-    run ({ "ardour7-lua",
-           script,
+    run ("ardour7-lua",
+         { paths::source ("tests/daws/make-session.lua"),
            folder / name,
            std::to_string (track.channels.size()),
            value.data(),
@@ -92,7 +87,7 @@ std::string Ardour::sessionPath (const std::string& name) const
 
 std::string Ardour::openSession (const std::string& name) const
 {
-    return run ({ "ardour7-lua", paths::source ("tests/daws/open-session.lua"), folder / name });
+    return run ("ardour7-lua", { paths::source ("tests/daws/open-session.lua"), folder / name });
 }
 
 Channels Ardour::exportSession (const std::string& name) const
@@ -121,6 +116,6 @@ Channels Ardour::exportSession (const std::string& name) const
 Channels Ardour::exportOnce (const std::string& name) const
 {
     const auto path = folder / (name + ".wav");
-    run ({ "ardour7-export", "-s", std::to_string (sampleRate), "-b", "float", "-o", path, folder / name, "voice" });
+    run ("ardour7-export", { "-s", std::to_string (sampleRate), "-b", "float", "-o", path, folder / name, "voice" });
     return readFloatWav (path, sampleRate);
 }

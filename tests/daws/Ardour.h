@@ -1,23 +1,22 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "support/FloatWav.h"
+#include "support/Recording.h"
 #include "support/TemporaryFolder.h"
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
-/** The DAW Ardour without a window, in a home folder of its own. Each call runs a
-    program of Ardour's and throws std::runtime_error, with what it wrote, if it fails or takes longer than a minute. */
+/** The DAW Ardour without a window, in a home folder of its own. Each call runs a program of Ardour's and throws
+    std::runtime_error, with what it wrote, if it fails or takes longer than a minute. */
 class Ardour
 {
 public:
-    /** Puts a copy of the built library into that home folder and lets Ardour scan it. */
-    Ardour();
-
-    /** Lets it scan a library that is installed where it looks for plug-ins without being told. */
-    explicit Ardour (std::filesystem::path installed);
+    /** Lets it scan a library that is installed where it looks for plug-ins without being told; without one, a copy of
+        the built library in that home folder. */
+    explicit Ardour (std::filesystem::path installed = {});
 
     /** What a scan of the library writes. */
     std::string scan() const;
@@ -46,9 +45,9 @@ public:
 
 private:
     Channels exportOnce (const std::string& name) const;
-    std::string run (const std::vector<std::string>& command) const;
+    std::string run (const std::string& program, const std::vector<std::string>& arguments) const;
 
     TemporaryFolder folder;
     std::filesystem::path library;
-    std::string searchPath {}; // as a variable of the environment; empty is Ardour's own
+    std::map<std::string, std::string> environment;
 };

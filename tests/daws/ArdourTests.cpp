@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The library in the DAW Ardour: found, set, saved, opened again and exported, each in a process of its own.
 #include "daws/Ardour.h"
-#include "daws/SameBits.h"
+#include "support/Child.h"
 #include "support/FirstMatch.h"
 #include "support/RawHost.h"
 #include "support/Signals.h"
@@ -11,8 +11,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <memory>
 
 namespace
@@ -21,12 +19,6 @@ using testing::HasSubstr;
 
 constexpr std::size_t length = 240000; // frames: five seconds
 
-/** The parameter's value at one of its named positions. */
-float position (int index)
-{
-    return knobPosition (index);
-}
-
 constexpr std::size_t block = 1024;   // frames that Ardour processes at a time
 constexpr std::size_t leadIn = 96000; // frames that an export runs ahead of its start, two seconds
 
@@ -34,7 +26,7 @@ constexpr std::size_t leadIn = 96000; // frames that an export runs ahead of its
 Channels processed (Channels channels, int index, std::size_t silence = leadIn)
 {
     RawHost host;
-    host.setParameter (position (index));
+    host.setParameter (knobPosition (index));
     host.start (48000.0f, static_cast<int> (block));
 
     for (std::size_t from = 0; from < silence; from += block)
@@ -77,43 +69,11 @@ void expectProcessed (const Channels& exported, const Channels& input, int index
     expectSameBits (exported, processed (input, index, silence));
 }
 
-Channels stereoVoice()
-{
-    auto signal = voice (length);
-    return { std::move (signal.left), std::move (signal.right) };
-}
-
 std::string decodedBase64 (const std::string& text)
 {
-    const std::string letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    std::string bytes;
-    unsigned int bits = 0;
-    int count = 0;
-
-    for (const char letter : text)
-    {
-        const auto value = letters.find (letter);
-
-        if (value == std::string::npos)
-            continue;
-
-        bits = bits << 6 | static_cast<unsigned int> (value);
-        count += 6;
-
-        if (count >= 8)
-        {
-            count -= 8;
-            bytes += static_cast<char> (bits >> count & 0xff);
-        }
-    }
-
-    return bytes;
-}
-
-std::string contentOf (const std::string& path)
-{
-    std::ifstream file (path, std::ios::binary);
-    return { std::istreambuf_iterator<char> (file), {} };
+    const TemporaryFolder folder;
+    writeBytes (folder / "text", text);
+    return outputOf ({ .arguments = { "--decode", "--ignore-garbage", folder / "text" }, .program = "base64" });
 }
 
 class ArdourHost : public testing::Test
@@ -147,8 +107,8 @@ TEST_F (ArdourHost, FindsThePluginWithItsNameAndChannels)
 
 TEST_F (ArdourHost, StoresTheParameterAndTheStateInTheSession)
 {
-    ardour->makeSession ("stored", { .channels = stereoVoice(), .parameter = position (3) });
-    const auto session = contentOf (ardour->sessionPath ("stored"));
+    ardour->makeSession ("stored", { .channels = stereoVoice (length), .parameter = knobPosition (3) });
+    const auto session = bytesOf (ardour->sessionPath ("stored"));
     EXPECT_THAT (found (session, "<Controllable name=\"Mode\"[^>]* value=\"([^\"]*)\""),
                  testing::StartsWith ("0.333333"));
 
@@ -162,7 +122,7 @@ TEST_F (ArdourHost, StoresTheParameterAndTheStateInTheSession)
 
 TEST_F (ArdourHost, OpensASessionWithThePluginAsItWasSet)
 {
-    ardour->makeSession ("set", { .channels = stereoVoice(), .parameter = position (1) });
+    ardour->makeSession ("set", { .channels = stereoVoice (length), .parameter = knobPosition (1) });
     const auto report = ardour->openSession ("set");
     EXPECT_THAT (report, HasSubstr ("name: Quendal Larkspire\n"));
     EXPECT_THAT (report, HasSubstr ("parameters: 1\n"));
@@ -173,10 +133,10 @@ TEST_F (ArdourHost, OpensASessionWithThePluginAsItWasSet)
 
 TEST_F (ArdourHost, PassesTheInputWhileThePluginIsDeactivated)
 {
-    const auto input = stereoVoice();
+    const auto input = stereoVoice (length);
     ASSERT_NE (processed (input, 3), input);
 
-    ardour->makeSession ("deactivated", { .channels = input, .parameter = position (3), .active = false });
+    ardour->makeSession ("deactivated", { .channels = input, .parameter = knobPosition (3), .active = false });
     EXPECT_THAT (ardour->openSession ("deactivated"), HasSubstr ("active: false\n"));
     expectSameBits (ardour->exportSession ("deactivated"), input);
 }
@@ -189,19 +149,19 @@ INSTANTIATE_TEST_SUITE_P (AtPosition, ArdourSound, testing::Range (0, 4));
 
 TEST_P (ArdourSound, OfAStereoTrackIsThatOfTheLibrary)
 {
-    const auto input = stereoVoice();
+    const auto input = stereoVoice (length);
     ASSERT_EQ (processed (input, GetParam()) == input, GetParam() == 0);
 
     const auto name = "stereo" + std::to_string (GetParam());
-    ardour->makeSession (name, { .channels = input, .parameter = position (GetParam()) });
+    ardour->makeSession (name, { .channels = input, .parameter = knobPosition (GetParam()) });
     expectProcessed (ardour->exportSession (name), input, GetParam());
 }
 
 TEST_P (ArdourSound, OfAMonoTrackIsThatOfTheLibrary)
 {
-    const auto input = stereoVoice().front();
+    const auto input = stereoVoice (length).front();
     const auto name = "mono" + std::to_string (GetParam());
-    ardour->makeSession (name, { .channels = { input }, .parameter = position (GetParam()) });
+    ardour->makeSession (name, { .channels = { input }, .parameter = knobPosition (GetParam()) });
     expectProcessed (ardour->exportSession (name), { input, input }, GetParam());
 }
 } // namespace

@@ -12,7 +12,6 @@
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
-#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <thread>
@@ -156,29 +155,22 @@ void Audacity::run (bool scripted, Work&& work) const
     writeSettings (folder / "home/.config/audacity/audacity.cfg", folder / "temporary", scripted);
     ScriptPipe::removeStale();
 
-    const auto variable = [] (const std::string& name)
-    {
-        const auto* value = std::getenv (name.c_str());
-        return name + "=" + (value != nullptr ? value : "");
-    };
-
     // Nothing of the caller's environment. It is killed in the end, since it would ask whether to save.
-    const Child program ({ .arguments = { "-i",
-                                          variable ("PATH"),
-                                          variable ("DISPLAY"),
-                                          "LANG=C.UTF-8",
-                                          "HOME=" + (folder / "home"),
-                                          "XDG_CONFIG_HOME=" + (folder / "home/.config"),
-                                          "audacity" },
-                           .program = "/usr/bin/env" });
+    const Child program ({ .arguments = {},
+                           .program = "audacity",
+                           .environment = { { "PATH", "/usr/bin:/bin" },
+                                            { "DISPLAY", std::getenv ("DISPLAY") },
+                                            { "LANG", "C.UTF-8" },
+                                            { "HOME", folder / "home" },
+                                            { "XDG_CONFIG_HOME", folder / "home/.config" } },
+                           .inheritsEnvironment = false });
     waitForProjectWindow();
     work();
 }
 
 std::string Audacity::registered() const
 {
-    std::ifstream file (folder / "home/.config/audacity/pluginregistry.cfg");
-    const std::string registry { std::istreambuf_iterator<char> (file), {} };
+    const auto registry = bytesOf (folder / "home/.config/audacity/pluginregistry.cfg");
     const auto from = registry.find ("Path=" + (folder / "home/.vst/Quendal Larkspire.so"));
 
     if (from == std::string::npos)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "support/FloatWav.h"
+#include "support/Recording.h"
 #include "support/TemporaryFolder.h"
 #include "window/VirtualDisplay.h"
 

@@ -2,7 +2,6 @@
 // The library in the sound editor Audacity: found, and applied as an effect to recordings, in Medium, since Audacity's
 // commands reach no parameter of it.
 #include "daws/Audacity.h"
-#include "daws/SameBits.h"
 #include "support/RawHost.h"
 #include "support/Signals.h"
 
@@ -43,12 +42,6 @@ Channels processedAsInAudacity (Channels channels, float rate = 44100.0f)
     return processed (std::move (channels), 44100.0f, rate);
 }
 
-Channels stereoVoice()
-{
-    auto signal = voice (length);
-    return { std::move (signal.left), std::move (signal.right) };
-}
-
 class AudacityHost : public testing::Test
 {
 protected:
@@ -70,7 +63,7 @@ TEST_F (AudacityHost, FindsThePluginValidWithItsNameAndVendor)
 
 TEST_F (AudacityHost, MakesOfAStereoRecordingWhatTheLibraryMakesOfIt)
 {
-    const auto input = stereoVoice();
+    const auto input = stereoVoice (length);
     const auto expected = processedAsInAudacity (input);
     ASSERT_NE (expected, input);
     expectSameBits (audacity->applied ({ .channels = input }), expected);
@@ -78,7 +71,7 @@ TEST_F (AudacityHost, MakesOfAStereoRecordingWhatTheLibraryMakesOfIt)
 
 TEST_F (AudacityHost, ResumesThePluginAt44100HzForARecordingAt48000Hz)
 {
-    const auto input = stereoVoice();
+    const auto input = stereoVoice (length);
     const auto expected = processedAsInAudacity (input, 48000.0f);
     ASSERT_NE (expected, processed (input, 48000.0f, 48000.0f));
     expectSameBits (audacity->applied ({ .channels = input, .sampleRate = 48000 }), expected);
@@ -86,7 +79,7 @@ TEST_F (AudacityHost, ResumesThePluginAt44100HzForARecordingAt48000Hz)
 
 TEST_F (AudacityHost, GivesAMonoRecordingToTheLeftInputAndTakesTheLeftOutput)
 {
-    const auto input = stereoVoice().front();
+    const auto input = stereoVoice (length).front();
     const auto expected = processedAsInAudacity ({ input, std::vector<float> (length) }).front();
     ASSERT_NE (expected, processedAsInAudacity ({ input, input }).front());
     expectSameBits (audacity->applied ({ .channels = { input } }), { expected });
@@ -94,7 +87,7 @@ TEST_F (AudacityHost, GivesAMonoRecordingToTheLeftInputAndTakesTheLeftOutput)
 
 TEST_F (AudacityHost, AppliesThePluginASecondTimeAsANewInstance)
 {
-    const auto input = stereoVoice();
+    const auto input = stereoVoice (length);
     expectSameBits (audacity->applied ({ .channels = input, .times = 2 }),
                     processedAsInAudacity (processedAsInAudacity (input)));
 }

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The archives for other Linux systems and for Windows, and what all packages have in common.
 #include "packages/Packages.h"
+#include "support/FirstMatch.h"
 #include "support/Paths.h"
 #include "support/Recording.h"
-#include "windows/PortableExecutable.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <regex>
 
 namespace
@@ -21,12 +22,10 @@ const std::string windowsFolder = "quendal-larkspire-" LARKSPIRE_RELEASE "-windo
 /** The largest number behind a prefix such as "GLIBC_2." in what a file asks of the libraries that it loads. */
 int newest (const std::string& file, const std::string& prefix)
 {
-    const auto symbols = outputOf ("objdump", { "--dynamic-syms", file });
-    const std::regex version (prefix + "([0-9]+)");
     int result = 0;
 
-    for (auto i = std::sregex_iterator (symbols.begin(), symbols.end(), version); i != std::sregex_iterator(); ++i)
-        result = std::max (result, std::stoi ((*i)[1]));
+    for (const auto& number : allFound (outputOf ("objdump", { "--dynamic-syms", file }), prefix + "([0-9]+)"))
+        result = std::max (result, std::stoi (number));
 
     return result;
 }
@@ -78,17 +77,11 @@ TEST (LinuxArchive, HasARendererThatRunsWithTheLibraryBesideIt)
     const Unpacked archive (packages::linuxArchive());
     const TemporaryFolder folder;
     const std::string voice = "/usr/share/sounds/alsa/Front_Center.wav";
-    outputOf ("env",
-              { "--ignore-environment",
-                "--chdir=" + (archive / linuxFolder),
-                "DISPLAY=:none",
-                "HOME=" + folder.path().string(),
-                "./larkspire-render",
-                "--mode",
-                "Powerful",
-                voice,
-                "-o",
-                folder / "result.wav" });
+    outputOf ({ .arguments = { "--mode", "Powerful", voice, "-o", folder / "result.wav" },
+                .program = "./larkspire-render",
+                .environment = { { "DISPLAY", ":none" }, { "HOME", folder.path() } },
+                .inheritsEnvironment = false,
+                .folder = archive / linuxFolder });
     const auto result = read (folder / "result.wav");
     EXPECT_EQ (result.sampleRate, 48000);
     EXPECT_EQ (result.samples.size(), read (voice).samples.size());
@@ -108,8 +101,9 @@ TEST (WindowsArchive, HoldsTheseFilesAndNoOthers)
 TEST (WindowsArchive, HasALibraryThatExportsItsEntryAndNothingElse)
 {
     const Unpacked archive (packages::windowsArchive());
-    EXPECT_THAT (PortableExecutable (archive / (windowsFolder + "/Quendal Larkspire.dll")).exports,
-                 ElementsAre ("VSTPluginMain"));
+    const auto headers =
+        outputOf ("objdump", { "--private-headers", archive / (windowsFolder + "/Quendal Larkspire.dll") });
+    EXPECT_THAT (allFound (headers, "\n\t\\[ *[0-9]+\\] ([^+\n]+)"), ElementsAre ("VSTPluginMain"));
 }
 
 TEST (WindowsArchive, EndsEveryLineOfItsTextsAsWindowsDoes)
@@ -128,18 +122,15 @@ TEST (WindowsArchive, EndsEveryLineOfItsTextsAsWindowsDoes)
 TEST (Archives, NameWhatOthersWrote)
 {
     const Unpacked forLinux (packages::linuxArchive());
-    const auto onLinux = bytesOf (forLinux / (linuxFolder + "/THIRD-PARTY.txt"));
     const Unpacked forWindows (packages::windowsArchive());
+    const auto onLinux = bytesOf (forLinux / (linuxFolder + "/THIRD-PARTY.txt"));
     const auto onWindows = bytesOf (forWindows / (windowsFolder + "/THIRD-PARTY.txt"));
 
     for (const std::string text : { "JUCE", "HarfBuzz", "SheenBidi", "GCC RUNTIME LIBRARY EXCEPTION" })
-    {
-        EXPECT_THAT (onLinux, HasSubstr (text));
-        EXPECT_THAT (onWindows, HasSubstr (text));
-    }
+        EXPECT_THAT ((std::vector { onLinux, onWindows }), testing::Each (HasSubstr (text)));
 
-    EXPECT_THAT (onLinux, HasSubstr ("CLI11"));
-    EXPECT_THAT (onLinux, HasSubstr ("JSON for Modern C++"));
+    for (const std::string text : { "CLI11", "JSON for Modern C++" })
+        EXPECT_THAT (onLinux, HasSubstr (text));
 
     for (const std::string text : { "mingw-w64", "libjpeg-turbo", "Independent JPEG Group", "libpng", "zlib" })
         EXPECT_THAT (onWindows, HasSubstr (text));

@@ -1,19 +1,16 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The Debian package as a file: what it holds, says and asks for.
 #include "packages/Packages.h"
+#include "support/FirstMatch.h"
 #include "support/Paths.h"
 #include "support/Recording.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <regex>
-
 namespace
 {
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 std::string field (const std::string& name)
 {
@@ -25,17 +22,15 @@ std::string field (const std::string& name)
 /** The time of the commit that is packed, as archives list it. */
 std::string timeOfCommit()
 {
-    const auto seconds = outputOf ("git", { "-C", paths::source(), "log", "-1", "--format=%ct" });
-    auto time = outputOf ("date", { "--date=@" + seconds.substr (0, seconds.find ('\n')), "+%Y-%m-%d %H:%M" });
-    time.erase (time.find ('\n'));
-    return time;
+    return found (
+        outputOf ("git", { "-C", paths::source(), "log", "-1", "--format=%cd", "--date=format-local:%Y-%m-%d %H:%M" }),
+        "(.*)\n");
 }
 
 TEST (DebianPackage, HoldsTheseFilesAndNoOthers)
 {
     const TemporaryFolder folder;
-    std::ofstream (folder / "files.tar", std::ios::binary)
-        << outputOf ("dpkg-deb", { "--fsys-tarfile", packages::debian() });
+    writeBytes (folder / "files.tar", outputOf ("dpkg-deb", { "--fsys-tarfile", packages::debian() }));
     std::vector<Entry> expected;
 
     for (const auto& [mode, path] : std::vector<std::pair<std::string, std::string>> {
@@ -78,15 +73,7 @@ TEST (DebianPackage, SaysWhatItIs)
 
 TEST (DebianPackage, DependsOnThePackagesOfTheLibrariesThatItsFilesLoad)
 {
-    std::vector<std::string> names;
-    const auto dependencies = field ("Depends");
-    const std::regex name ("(?:^|, )([^ ,]+)");
-
-    for (auto i = std::sregex_iterator (dependencies.begin(), dependencies.end(), name); i != std::sregex_iterator();
-         ++i)
-        names.push_back ((*i)[1]);
-
-    EXPECT_THAT (names,
+    EXPECT_THAT (allFound (field ("Depends"), "(?:^|, )([^ ,]+)"),
                  testing::UnorderedElementsAre ("libc6",
                                                 "libebur128-1",
                                                 "libfontconfig1",
@@ -129,13 +116,11 @@ TEST (DebianPackage, HasAManPageThatIsWellFormedAndNamesEveryOption)
     EXPECT_THAT (outcome.output, testing::Not (HasSubstr ("Usage")));
 
     const auto help = outputOf (package / "usr/bin/larkspire-render", { "--help" });
-    const std::regex option ("\n  (?:-[a-z], )?(-[-a-z]+)");
-    int count = 0;
+    const auto options = allFound (help, "\n  (?:-[a-z], )?(-[-a-z]+)");
+    EXPECT_GE (options.size(), 9u);
 
-    for (auto i = std::sregex_iterator (help.begin(), help.end(), option); i != std::sregex_iterator(); ++i, ++count)
-        EXPECT_THAT (outcome.output, testing::ContainsRegex ("\n +(-[a-z], )?" + (*i)[1].str() + "[ \n]"));
-
-    EXPECT_GE (count, 9);
+    for (const auto& option : options)
+        EXPECT_THAT (outcome.output, testing::ContainsRegex ("\n +(-[a-z], )?" + option + "[ \n]"));
 }
 
 TEST (DebianPackage, NamesTheLicenceOfEverythingThatIsLinkedIn)
@@ -149,11 +134,8 @@ TEST (DebianPackage, NamesTheLicenceOfEverythingThatIsLinkedIn)
         EXPECT_THAT (copyright, HasSubstr (text));
 
     // A short name either brings its text along or has a paragraph of its own.
-    const std::regex shortName ("\nLicense: ([^\n]+)\n(?! )");
-
-    for (auto i = std::sregex_iterator (copyright.begin(), copyright.end(), shortName); i != std::sregex_iterator();
-         ++i)
-        EXPECT_THAT (copyright, HasSubstr ("\n\nLicense: " + (*i)[1].str() + "\n "));
+    for (const auto& name : allFound (copyright, "\nLicense: ([^\n]+)\n(?! )"))
+        EXPECT_THAT (copyright, HasSubstr ("\n\nLicense: " + name + "\n "));
 
     EXPECT_THAT (copyright, HasSubstr ("GNU AFFERO GENERAL PUBLIC LICENSE"));
 }

@@ -80,19 +80,12 @@ TEST_F (Installation, BringsEveryLibraryThatItsFilesAskFor)
 TEST_F (Installation, HasARendererThatUsesTheInstalledLibraryAndNothingOfTheBuild)
 {
     const TemporaryFolder folder;
-    const auto outcome = outcomeOf ("env",
-                                    { "--ignore-environment",
-                                      "--chdir=" + folder.path().string(),
-                                      "PATH=/usr/bin",
-                                      "DISPLAY=:none",
-                                      "LD_DEBUG=files",
-                                      "HOME=" + folder.path().string(),
-                                      "larkspire-render",
-                                      "--mode",
-                                      "Gentle",
-                                      voice,
-                                      "-o",
-                                      "result.wav" });
+    const auto outcome =
+        run ({ .arguments = { "--mode", "Gentle", voice, "-o", "result.wav" },
+               .program = renderer,
+               .environment = { { "DISPLAY", ":none" }, { "LD_DEBUG", "files" }, { "HOME", folder.path() } },
+               .inheritsEnvironment = false,
+               .folder = folder.path() });
     ASSERT_EQ (outcome.exitStatus, 0) << outcome.errors;
     EXPECT_THAT (outcome.errors, HasSubstr ("calling init: " + library));
     EXPECT_THAT (outcome.errors, testing::Not (HasSubstr (paths::source())));

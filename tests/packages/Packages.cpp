@@ -11,6 +11,11 @@ std::filesystem::path inPackages (const std::string& name)
 {
     return std::filesystem::path (paths::source ("dist/packages")) / name;
 }
+
+Call callOf (const std::string& program, const std::vector<std::string>& arguments)
+{
+    return { .arguments = arguments, .program = program, .environment = { { "LC_ALL", "C.UTF-8" }, { "TZ", "UTC" } } };
+}
 } // namespace
 
 std::filesystem::path packages::debian()
@@ -30,19 +35,12 @@ std::filesystem::path packages::windowsArchive()
 
 Outcome outcomeOf (const std::string& program, const std::vector<std::string>& arguments)
 {
-    std::vector<std::string> words { "LC_ALL=C.UTF-8", "TZ=UTC", program };
-    words.insert (words.end(), arguments.begin(), arguments.end());
-    return run (Call { .arguments = words, .program = "/usr/bin/env" });
+    return run (callOf (program, arguments));
 }
 
 std::string outputOf (const std::string& program, const std::vector<std::string>& arguments)
 {
-    const auto outcome = outcomeOf (program, arguments);
-
-    if (outcome.exitStatus != 0)
-        throw std::runtime_error (program + " failed: " + outcome.output + outcome.errors);
-
-    return outcome.output;
+    return outputOf (callOf (program, arguments));
 }
 
 std::vector<Entry> entriesOf (const std::filesystem::path& tar)

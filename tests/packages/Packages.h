@@ -30,8 +30,8 @@ struct Entry
 /** What a tar archive, compressed or not, lists. Throws std::runtime_error if it cannot be read. */
 std::vector<Entry> entriesOf (const std::filesystem::path& tar);
 
-/** Calls a program that is found in PATH, and gives what it wrote. Throws std::runtime_error if it is not there, fails
-    or takes longer than a minute. */
+/** Calls a program that is found in PATH, in English and UTC, and gives what it wrote. Throws std::runtime_error as
+    outputOf (Call) does. */
 std::string outputOf (const std::string& program, const std::vector<std::string>& arguments);
 
 /** Calls such a program, however it ends. */

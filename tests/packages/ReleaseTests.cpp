@@ -4,7 +4,6 @@
 #include "support/FirstMatch.h"
 #include "support/Paths.h"
 #include "support/Recording.h"
-#include "windows/PortableExecutable.h"
 
 #include <gtest/gtest.h>
 
@@ -85,8 +84,8 @@ const std::vector<Statement> statements {
       []
       {
           const Unpacked package (packages::windowsArchive());
-          return PortableExecutable (package / inWindowsArchive ("Quendal Larkspire.dll"))
-              .versions.at ("ProductVersion");
+          const auto library = package / inWindowsArchive ("Quendal Larkspire.dll");
+          return found (outputOf ("strings", { "--encoding=l", library }), "\nProductVersion\n(.*)\n");
       } },
 };
 

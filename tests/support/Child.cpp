@@ -4,6 +4,7 @@
 #include <array>
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
 #include <pty.h>
 #include <sstream>
 #include <stdexcept>
@@ -16,13 +17,11 @@ extern char** environ; // NOLINT(readability-redundant-declaration)
 
 namespace
 {
-constexpr unsigned longestRun = 60; // seconds
-
 std::vector<std::string> environmentFor (const Call& call)
 {
     std::vector<std::string> variables;
 
-    for (char** variable = environ; *variable != nullptr; ++variable)
+    for (char** variable = environ; call.inheritsEnvironment && *variable != nullptr; ++variable)
     {
         const std::string text (*variable);
 
@@ -58,31 +57,16 @@ int newMemoryFile (const char* name)
     return file;
 }
 
+/** Everything in a memory file, or from a terminal until its other side is closed, which it reports as an error. */
 std::string contentOf (int file)
 {
     std::string content;
     std::array<char, 4096> part {};
+    lseek (file, 0, SEEK_SET); // which a terminal ignores
 
     while (true)
     {
-        const auto count = pread (file, part.data(), part.size(), static_cast<off_t> (content.size()));
-
-        if (count <= 0)
-            return content;
-
-        content.append (part.data(), static_cast<std::size_t> (count));
-    }
-}
-
-/** Everything until the other side is closed, which a terminal reports as an error. */
-std::string everythingFromTerminal (int terminal)
-{
-    std::string content;
-    std::array<char, 4096> part {};
-
-    while (true)
-    {
-        const auto count = read (terminal, part.data(), part.size());
+        const auto count = read (file, part.data(), part.size());
 
         if (count <= 0)
             return content;
@@ -114,6 +98,7 @@ Child::Child (const Call& call) : outputFile (newMemoryFile ("stdout")), onTermi
 
     if (process == 0)
     {
+        dup2 (open ("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
         dup2 (outputFile, STDOUT_FILENO);
         dup2 (errorsOfChild, STDERR_FILENO);
 
@@ -136,8 +121,8 @@ Child::Child (const Call& call) : outputFile (newMemoryFile ("stdout")), onTermi
         for (const int signal : { SIGINT, SIGTERM, SIGHUP, SIGXFSZ })
             ::signal (signal, SIG_DFL);
 
-        alarm (longestRun);
-        execve (arguments[0].c_str(), argumentPointers.data(), environmentPointers.data());
+        alarm (call.longestRun);
+        execvpe (arguments[0].c_str(), argumentPointers.data(), environmentPointers.data());
         _exit (127);
     }
 
@@ -171,7 +156,7 @@ Outcome Child::wait()
 
     // Ahead of the wait: a terminal that nobody reads holds its writer up.
     if (onTerminal)
-        outcome.errors = everythingFromTerminal (errorsFile);
+        outcome.errors = contentOf (errorsFile);
 
     int status = 0;
     waitpid (process, &status, 0);
@@ -199,6 +184,16 @@ Outcome run (const Call& call)
 Outcome run (const std::vector<std::string>& arguments)
 {
     return run (Call { .arguments = arguments });
+}
+
+std::string outputOf (const Call& call)
+{
+    const auto outcome = run (call);
+
+    if (outcome.exitStatus != 0)
+        throw std::runtime_error (call.program.string() + " failed: " + outcome.output + outcome.errors);
+
+    return outcome.output;
 }
 
 std::vector<std::string> linesOf (const std::string& text)

@@ -15,11 +15,13 @@
 struct Call
 {
     std::vector<std::string> arguments;
-    std::filesystem::path program = paths::renderer();
-    std::map<std::string, std::string> environment {}; // on top of what the test itself has
-    std::filesystem::path folder {};                   // to work in; empty is the test's own
-    std::optional<unsigned long> largestFile {};       // bytes that a file may have, as on a full disk
-    bool onTerminal = false;                           // stderr is a terminal
+    std::filesystem::path program = paths::renderer(); // without a slash, one that is found in PATH
+    std::map<std::string, std::string> environment {};
+    bool inheritsEnvironment = true;             // on top of that it has what the test itself has
+    std::filesystem::path folder {};             // to work in; empty is the test's own
+    std::optional<unsigned long> largestFile {}; // bytes that a file may have, as on a full disk
+    bool onTerminal = false;                     // stderr is a terminal
+    unsigned longestRun = 60;                    // seconds, after which it is killed
 };
 
 /** What has become of a program. */
@@ -31,7 +33,7 @@ struct Outcome
     std::string errors;  // and to stderr
 };
 
-/** A program that runs beside the test. It is killed if it takes longer than a minute. */
+/** A program that runs beside the test, with nothing to read from stdin. */
 class Child
 {
 public:
@@ -53,9 +55,13 @@ private:
     bool onTerminal = false;
 };
 
-/** Calls larkspire-render and waits for its end. */
+/** Calls a program and waits for its end; larkspire-render if there are arguments alone. */
 Outcome run (const Call& call);
 Outcome run (const std::vector<std::string>& arguments);
+
+/** Calls a program and gives what it wrote to stdout. Throws std::runtime_error, with all that it wrote, if it is not
+    there, fails or takes too long. */
+std::string outputOf (const Call& call);
 
 /** The lines of a text, without their ends; what follows the last end counts as a line too. */
 std::vector<std::string> linesOf (const std::string& text);

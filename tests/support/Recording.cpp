@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "support/Recording.h"
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -44,6 +48,21 @@ SoundFile create (const std::string& path, int format, const Recording& shape)
     return file;
 }
 
+/** All samples of a file, which may not state its length. */
+template <typename Sample>
+std::vector<Sample> samplesIn (const std::string& path, sf_count_t (*readSome) (SNDFILE*, Sample*, sf_count_t))
+{
+    SF_INFO info {};
+    const auto file = open (path, SFM_READ, info);
+    std::vector<Sample> samples;
+    std::array<Sample, 4096> part {};
+
+    while (const auto count = readSome (file.get(), part.data(), std::ssize (part)))
+        samples.insert (samples.end(), part.begin(), part.begin() + count);
+
+    return samples;
+}
+
 /** A little-endian number of four bytes. */
 std::string fourBytes (std::uint32_t number)
 {
@@ -53,12 +72,6 @@ std::string fourBytes (std::uint32_t number)
         bytes += static_cast<char> (number >> shift);
 
     return bytes;
-}
-
-bool holdsFractions (int format)
-{
-    const auto type = format & SF_FORMAT_SUBMASK;
-    return type == SF_FORMAT_FLOAT || type == SF_FORMAT_VORBIS;
 }
 } // namespace
 
@@ -91,12 +104,13 @@ Recording makeNoise (int channels, int frames, int bits, unsigned seed, int samp
 
 void write (const std::string& path, int format, const Recording& recording)
 {
+    if (const auto type = format & SF_FORMAT_SUBMASK; type == SF_FORMAT_FLOAT || type == SF_FORMAT_VORBIS)
+        return writeFloats (path, format, recording.channels, toFloats (recording), recording.sampleRate);
+
     const auto file = create (path, format, recording);
     const auto size = std::ssize (recording.samples);
-    const auto written = holdsFractions (format) ? sf_write_float (file.get(), toFloats (recording).data(), size)
-                                                 : sf_write_int (file.get(), recording.samples.data(), size);
 
-    if (written != size)
+    if (sf_write_int (file.get(), recording.samples.data(), size) != size)
         throw std::runtime_error (path + ": " + sf_strerror (file.get()));
 }
 
@@ -108,30 +122,56 @@ void writeFloats (const std::string& path, int format, int channels, const std::
         throw std::runtime_error (path + ": " + sf_strerror (file.get()));
 }
 
+void writeFloatWav (const std::string& path, const Channels& channels, int sampleRate)
+{
+    std::vector<float> interleaved;
+
+    for (std::size_t frame = 0; frame < channels.front().size(); ++frame)
+        for (const auto& channel : channels)
+            interleaved.push_back (channel.at (frame));
+
+    writeFloats (path, wavFloat, static_cast<int> (channels.size()), interleaved, sampleRate);
+}
+
+Channels readFloatWav (const std::string& path, int sampleRate)
+{
+    const auto info = describe (path);
+
+    if ((info.format & (SF_FORMAT_TYPEMASK | SF_FORMAT_SUBMASK)) != wavFloat || info.samplerate != sampleRate)
+        throw std::runtime_error (path + " is not what was asked for");
+
+    const auto interleaved = readFloats (path);
+    Channels channels (static_cast<std::size_t> (info.channels));
+
+    for (std::size_t i = 0; i < interleaved.size(); ++i)
+        channels[i % channels.size()].push_back (interleaved[i]);
+
+    return channels;
+}
+
+void expectSameBits (const Channels& actual, const Channels& expected)
+{
+    const auto sameBits = [] (float a, float b)
+    { return std::bit_cast<std::uint32_t> (a) == std::bit_cast<std::uint32_t> (b); };
+    ASSERT_EQ (actual.size(), expected.size());
+
+    for (std::size_t i = 0; i < expected.size(); ++i)
+    {
+        ASSERT_EQ (actual[i].size(), expected[i].size());
+        const auto first = std::ranges::mismatch (actual[i], expected[i], sameBits).in1;
+        EXPECT_EQ (first - actual[i].begin(), std::ssize (expected[i])) << "first other sample of channel " << i;
+    }
+}
+
 Recording read (const std::string& path)
 {
-    SF_INFO info {};
-    const auto file = open (path, SFM_READ, info);
-    Recording recording { .channels = info.channels, .sampleRate = info.samplerate };
-    std::array<int, 4096> part {};
-
-    while (const auto count = sf_read_int (file.get(), part.data(), std::ssize (part)))
-        recording.samples.insert (recording.samples.end(), part.begin(), part.begin() + count);
-
-    return recording;
+    const auto info = describe (path);
+    return { .channels = info.channels, .sampleRate = info.samplerate, .samples = samplesIn<int> (path, sf_read_int) };
 }
 
 std::vector<float> readFloats (const std::string& path)
 {
-    SF_INFO info {};
-    const auto file = open (path, SFM_READ, info);
-    std::vector<float> samples;
-    std::array<float, 4096> part {};
-
-    while (const auto count = sf_read_float (file.get(), part.data(), std::ssize (part)))
-        samples.insert (samples.end(), part.begin(), part.begin() + count);
-
-    return samples;
+    return samplesIn<float> (path, sf_read_float);
 }
 
 void writeLongSilence (const std::string& path)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include "support/Signals.h"
+
 #include <sndfile.h>
 
 #include <cstdint>
@@ -26,6 +28,14 @@ Recording makeNoise (int channels, int frames, int bits, unsigned seed = 1, int 
 void write (const std::string& path, int format, const Recording& recording);
 void writeFloats (
     const std::string& path, int format, int channels, const std::vector<float>& samples, int sampleRate = 48000);
+
+/** Writes and reads WAV files of 32-bit floats, channel by channel, at a rate in Hz. They throw std::runtime_error if
+    that fails or if the file is another one. */
+void writeFloatWav (const std::string& path, const Channels& channels, int sampleRate);
+Channels readFloatWav (const std::string& path, int sampleRate);
+
+/** Expects that the samples of both are the same to the bit; says of each channel where the first other one is. */
+void expectSameBits (const Channels& actual, const Channels& expected);
 
 /** Reads a sound file as whole numbers, or as floats. */
 Recording read (const std::string& path);

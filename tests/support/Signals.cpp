@@ -65,6 +65,12 @@ Signal voice (std::size_t frames)
     return signal;
 }
 
+Channels stereoVoice (std::size_t frames)
+{
+    auto signal = voice (frames);
+    return { std::move (signal.left), std::move (signal.right) };
+}
+
 Signal withBadSamples (Signal signal)
 {
     const std::size_t frames = signal.left.size();

@@ -6,6 +6,9 @@
 #include <string>
 #include <vector>
 
+/** Channels of equal length, linear with full scale 1.0. */
+using Channels = std::vector<std::vector<float>>;
+
 /** Two channels of equal length, linear with full scale 1.0. */
 struct Signal
 {
@@ -34,3 +37,4 @@ Signal noise (std::size_t frames, double peakDb, unsigned int seed);
 /** The spoken recordings that the system's sound tests come with, joined and repeated, the right channel a little late.
     Throws std::runtime_error if they are not installed. */
 Signal voice (std::size_t frames);
+Channels stereoVoice (std::size_t frames);

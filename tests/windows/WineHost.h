@@ -21,8 +21,8 @@ public:
         std::vector<std::pair<std::string, std::string>> lines;
     };
 
-    /** Runs a command of the host on the library that was built. Throws std::runtime_error, with what it wrote to
-       standard error, if it fails or takes longer than two minutes. */
+    /** Runs a command of the host on the library that was built. Throws std::runtime_error, with what it wrote,
+       if it fails or takes longer than two minutes. */
     static Report run (const std::string& command, const std::vector<std::string>& arguments = {});
 
     static std::string libraryPath();

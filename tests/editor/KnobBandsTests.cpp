@@ -24,33 +24,29 @@ protected:
 
 TEST_F (KnobBands, EndAtTheirPositionsAndAtTheValue)
 {
-    give ({ { 0.25f, Colour (0xffff0000) }, { 0.75f, Colour (0xff00ff00) }, { 1.0f, Colour (0xff0000ff) } });
-    draw (0.5f);
+    const Colour red (0xffff0000), green (0xff00ff00), blue (0xff0000ff);
+    const std::vector<float> positions { 0.02f, 0.2f, 0.26f, 0.45f, 0.55f, 0.7f, 0.9f };
 
-    for (const auto& [position, colour] : { std::pair { 0.02f, 'r' },
-                                            { 0.2f, 'r' },
-                                            { 0.26f, 'g' },
-                                            { 0.45f, 'g' },
-                                            { 0.55f, '-' },
-                                            { 0.7f, '-' },
-                                            { 0.9f, '-' } })
-        EXPECT_EQ (colourAt (position), colour) << position;
-}
+    struct Row
+    {
+        std::map<float, Colour> bands;
+        float value;
+        std::string colours;
+    };
 
-TEST_F (KnobBands, LeaveTheScaleEmptyBeyondTheLastOne)
-{
-    give ({ { 0.25f, Colour (0xffff0000) } });
-    draw (1.0f);
-    EXPECT_EQ (colourAt (0.2f), 'r');
-    EXPECT_EQ (colourAt (0.3f), '-');
-}
+    for (const auto& row : { Row { { { 0.25f, red }, { 0.75f, green }, { 1.0f, blue } }, 0.5f, "rrgg---" },
+                             Row { { { 0.25f, red } }, 1.0f, "rr-----" },
+                             Row { { { 0.5f, red }, { 1.0f, green } }, 0.0f, "-------" } })
+    {
+        give (row.bands);
+        draw (row.value);
+        std::string colours;
 
-TEST_F (KnobBands, AreNotThereAtTheStartOfTheScale)
-{
-    give ({ { 0.5f, Colour (0xffff0000) }, { 1.0f, Colour (0xff00ff00) } });
-    draw (0.0f);
-    EXPECT_EQ (colourAt (0.01f), '-');
-    EXPECT_EQ (colourAt (0.5f), '-');
+        for (const float position : positions)
+            colours += colourAt (position);
+
+        EXPECT_EQ (colours, row.colours) << row.value;
+    }
 }
 
 TEST_F (KnobBands, AreAsBroadAsTheScale)

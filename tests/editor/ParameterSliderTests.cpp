@@ -22,11 +22,19 @@ class ParameterSliderTest : public testing::Test
 protected:
     GuiTest gui;
     AudioParameterFloatQuendal mode { "mode", "Mode", DisplayMode::Choices, knobPosition (2), 10, modes };
+    AudioParameterFloatQuendal percent { "id", "Name", DisplayMode::Percent, 0.5f, 10, {} };
+    ParameterSlider slider; // goes before its parameters, as in the window
+};
+
+/** A slider that is bound to the mode. */
+class BoundSlider : public ParameterSliderTest
+{
+protected:
+    BoundSlider() { slider.setParameter (&mode); }
 };
 
 TEST_F (ParameterSliderTest, IsARotaryKnobBoundToNothingAtFirst)
 {
-    const ParameterSlider slider;
     EXPECT_EQ (slider.getSliderStyle(), juce::Slider::RotaryVerticalDrag);
     EXPECT_EQ (slider.parameter, nullptr);
     EXPECT_TRUE (slider.valueChangeListener.changed);
@@ -35,16 +43,14 @@ TEST_F (ParameterSliderTest, IsARotaryKnobBoundToNothingAtFirst)
 TEST_F (ParameterSliderTest, GoesAwayUnbound)
 {
     {
-        const ParameterSlider slider;
+        const ParameterSlider unbound;
     }
     mode.setValueNotifyingHost (1.0f);
     EXPECT_EQ (mode.attachedSlider, nullptr);
 }
 
-TEST_F (ParameterSliderTest, ReachesThePositionsThatHaveANameAndNoOther)
+TEST_F (BoundSlider, ReachesThePositionsThatHaveANameAndNoOther)
 {
-    ParameterSlider slider;
-    slider.setParameter (&mode);
     EXPECT_EQ (slider.getMinimum(), 0.0);
     EXPECT_EQ (slider.getMaximum(), 3.0 / 9.0);
     EXPECT_EQ (slider.getInterval(), 3.0 / 9.0 / 3.0);
@@ -67,21 +73,17 @@ TEST_F (ParameterSliderTest, SpreadsOtherModesOverTheirSteps)
 
     for (const auto& row : { Row { 10, 1.0 / 9.0 }, { 2, 1.0 }, { 1, 0.0 }, { 0, 0.0 }, { 101, 1.0 / 100.0 } })
     {
-        AudioParameterFloatQuendal percent ("id", "Name", DisplayMode::Percent, 0.5f, row.steps, modes);
-        ParameterSlider slider;
-        slider.setParameter (&percent);
-        EXPECT_EQ (slider.getMinimum(), 0.0);
-        EXPECT_EQ (slider.getMaximum(), 1.0);
-        EXPECT_EQ (slider.getInterval(), row.interval) << row.steps;
+        AudioParameterFloatQuendal other ("id", "Name", DisplayMode::Percent, 0.5f, row.steps, modes);
+        ParameterSlider spread;
+        spread.setParameter (&other);
+        EXPECT_EQ (spread.getMinimum(), 0.0);
+        EXPECT_EQ (spread.getMaximum(), 1.0);
+        EXPECT_EQ (spread.getInterval(), row.interval) << row.steps;
     }
 }
 
-TEST_F (ParameterSliderTest, ShowsTheParametersTexts)
+TEST_F (BoundSlider, ShowsTheParametersTexts)
 {
-    AudioParameterFloatQuendal percent ("id", "Name", DisplayMode::Percent, 0.5f, 10, {});
-    ParameterSlider slider; // goes before its parameters, as in the window
-    slider.setParameter (&mode);
-
     for (std::size_t i = 0; i < modes.size(); ++i)
         EXPECT_EQ (slider.getTextFromValue (static_cast<double> (i) / 9.0), juce::String (modes[i]));
 
@@ -96,26 +98,23 @@ TEST_F (ParameterSliderTest, ShowsTheParametersTexts)
 TEST_F (ParameterSliderTest, ShowsTextsThatAreNotAscii)
 {
     AudioParameterFloatQuendal accented ("id", "Name", DisplayMode::Choices, 0.0f, 10, { "caf\xc3\xa9", "b" });
-    ParameterSlider slider;
-    slider.setParameter (&accented);
-    EXPECT_EQ (slider.getTextFromValue (0.0), juce::String (juce::CharPointer_UTF8 ("caf\xc3\xa9")));
+    ParameterSlider shown;
+    shown.setParameter (&accented);
+    EXPECT_EQ (shown.getTextFromValue (0.0), juce::String (juce::CharPointer_UTF8 ("caf\xc3\xa9")));
 }
 
 TEST_F (ParameterSliderTest, StandsAtZeroUntilSomebodyMovesIt)
 {
     mode.setValueNotifyingHost (knobPosition (3));
-    ParameterSlider slider;
     slider.setParameter (&mode);
     EXPECT_EQ (slider.getValue(), 0.0);
     EXPECT_EQ (slider.getTextFromValue (slider.getValue()), "bypass");
     EXPECT_EQ (mode.get(), knobPosition (3));
 }
 
-TEST_F (ParameterSliderTest, HasATextBelowThatCannotBeEdited)
+TEST_F (BoundSlider, HasATextBelowThatCannotBeEdited)
 {
-    ParameterSlider slider;
     slider.setBounds (0, 0, 230, 115);
-    slider.setParameter (&mode);
     EXPECT_EQ (slider.getTextBoxPosition(), juce::Slider::TextBoxBelow);
     EXPECT_EQ (slider.getTextBoxWidth(), 100);
     EXPECT_EQ (slider.getTextBoxHeight(), 20);
@@ -128,26 +127,20 @@ TEST_F (ParameterSliderTest, HasATextBelowThatCannotBeEdited)
     EXPECT_EQ (text->getBounds(), juce::Rectangle<int> (65, 95, 100, 20));
 }
 
-TEST_F (ParameterSliderTest, HasItsOwnColours)
+TEST_F (BoundSlider, HasItsOwnColours)
 {
-    ParameterSlider slider;
-    slider.setParameter (&mode);
     EXPECT_EQ (slider.findColour (juce::Slider::textBoxOutlineColourId), juce::Colour (0x00000000));
     EXPECT_EQ (slider.findColour (juce::Slider::textBoxTextColourId), juce::Colour (0xff909090));
 }
 
-TEST_F (ParameterSliderTest, ReturnsToTheDefaultOnADoubleClick)
+TEST_F (BoundSlider, ReturnsToTheDefaultOnADoubleClick)
 {
-    ParameterSlider slider;
-    slider.setParameter (&mode);
     EXPECT_TRUE (slider.isDoubleClickReturnEnabled());
     EXPECT_EQ (slider.getDoubleClickReturnValue(), static_cast<double> (knobPosition (2)));
 }
 
-TEST_F (ParameterSliderTest, AsksForAltAtTheStartOfEachDrag)
+TEST_F (BoundSlider, AsksForAltAtTheStartOfEachDrag)
 {
-    ParameterSlider slider;
-    slider.setParameter (&mode);
     EXPECT_FALSE (slider.getVelocityBasedMode());
     EXPECT_EQ (slider.getVelocitySensitivity(), 0.05);
     EXPECT_EQ (slider.getVelocityThreshold(), 1);
@@ -169,10 +162,8 @@ TEST_F (ParameterSliderTest, AsksForAltAtTheStartOfEachDrag)
     juce::ModifierKeys::currentModifiers = before;
 }
 
-TEST_F (ParameterSliderTest, NotesThatTheParameterHasChanged)
+TEST_F (BoundSlider, NotesThatTheParameterHasChanged)
 {
-    ParameterSlider slider;
-    slider.setParameter (&mode);
     slider.valueChangeListener.changed = false;
     mode.setValueNotifyingHost (knobPosition (1));
     EXPECT_TRUE (slider.valueChangeListener.changed);
@@ -188,14 +179,14 @@ TEST_F (ParameterSliderTest, LeavesTheParametersListenersWhenItGoesAndItsNoteOfT
 {
     // Where it was is overwritten: a listener left behind would be called through what stands there.
     alignas (ParameterSlider) std::array<std::byte, sizeof (ParameterSlider)> place {};
-    auto* slider = new (place.data()) ParameterSlider;
-    slider->setParameter (&mode);
-    EXPECT_EQ (mode.attachedSlider, slider);
-    slider->~ParameterSlider();
+    auto* gone = new (place.data()) ParameterSlider;
+    gone->setParameter (&mode);
+    EXPECT_EQ (mode.attachedSlider, gone);
+    gone->~ParameterSlider();
     std::ranges::fill (place, std::byte { 0 });
 
     mode.setValueNotifyingHost (knobPosition (1));
-    EXPECT_EQ (mode.attachedSlider, slider);
+    EXPECT_EQ (mode.attachedSlider, gone);
     EXPECT_TRUE (std::ranges::all_of (place, [] (std::byte b) { return b == std::byte { 0 }; }));
 }
 } // namespace

@@ -34,42 +34,36 @@ protected:
 
         return ticks;
     }
-
-    int countWithStep (float step)
-    {
-        slider.setRange (0.0, 1.0, static_cast<double> (step));
-        return count();
-    }
 };
 
-TEST_F (Ticks, StandAtEveryPositionOfTheModeKnob)
+TEST_F (Ticks, StandAtEveryPositionOrAreElevenWhereThoseMakeNoScale)
 {
-    EXPECT_EQ (count(), 4);
-}
+    struct Row
+    {
+        double top, interval;
+        int ticks;
+    };
 
-TEST_F (Ticks, AreElevenForAContinuousSlider)
-{
-    EXPECT_EQ (countWithStep (0.0f), 11);
-}
-
-TEST_F (Ticks, AreElevenForARangeOfNoWidth)
-{
-    slider.setRange (0.0, 0.0, 0.0);
-    EXPECT_EQ (count(), 11);
-}
-
-TEST_F (Ticks, AreElevenForTooFewOrTooManyPositions)
-{
-    EXPECT_EQ (countWithStep (0.79f), 2);
-    EXPECT_EQ (countWithStep (std::nextafter (0.79f, 1.0f)), 11);
-    EXPECT_EQ (countWithStep (0.019f), 54);
-    EXPECT_EQ (countWithStep (std::nextafter (0.019f, 0.0f)), 11);
+    for (const auto& row : { Row { 3.0 / 9.0, 1.0 / 9.0, 4 },
+                             { 1.0, 0.0, 11 },
+                             { 0.0, 0.0, 11 }, // no number
+                             { 1.0, 0.79f, 2 },
+                             { 1.0, std::nextafter (0.79f, 1.0f), 11 },
+                             { 1.0, 0.019f, 54 },
+                             { 1.0, std::nextafter (0.019f, 0.0f), 11 } })
+    {
+        slider.setRange (0.0, row.top, row.interval);
+        EXPECT_EQ (count(), row.ticks) << row.interval << " of " << row.top;
+    }
 }
 
 TEST_F (Ticks, ReachTheEndOfTheScaleInSpiteOfTheSumsRounding)
 {
     for (const int intervals : { 2, 3, 5, 7, 9, 20, 50 })
-        EXPECT_EQ (countWithStep (1.0f / static_cast<float> (intervals)), intervals + 1);
+    {
+        slider.setRange (0.0, 1.0, static_cast<double> (1.0f / static_cast<float> (intervals)));
+        EXPECT_EQ (count(), intervals + 1);
+    }
 }
 
 TEST_F (Ticks, AreBlackAndBroadFirstThenNarrowAndThin)

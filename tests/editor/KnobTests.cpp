@@ -73,6 +73,8 @@ TEST_F (Knob, LetsThePointersShadowFallDownwards)
     const auto angle = angleOf (1.3f / 1.6f);
     EXPECT_LT (at (104.0, angle, 18.0).getRed(), 0x40) << "below";
     EXPECT_GE (at (104.0, angle, -16.0).getRed(), 0x70) << "above";
+    EXPECT_LT (at (104.0, angle, 16.0).getRed(), 0x0a) << "it is soft at its edge alone";
+    EXPECT_GE (at (104.0, angle, 26.0).getRed(), 0x80);
 }
 
 TEST_F (Knob, LetsTheRingsShadowFallUpwards)
@@ -113,10 +115,15 @@ TEST_F (Knob, FadesInCirclesFromALightPlaceAbove)
 TEST_F (Knob, HasWhiteAndBlackRimsOfOnePixel)
 {
     draw (0.0f);
+    EXPECT_LE (image.getPixelAt (250, 94).getRed(), 0x30);
     EXPECT_GE (image.getPixelAt (250, 95).getRed(), 0xf8);
     EXPECT_LE (image.getPixelAt (250, 96).getRed(), 0xa8);
     EXPECT_LE (image.getPixelAt (250, 416).getRed(), 0x08);
     EXPECT_GE (image.getPixelAt (250, 415).getRed(), 0x60);
+
+    // In the window the shadow is too small to hide a black rim that is not there.
+    draw (0.0f, { 0, 0, 230, 95 });
+    EXPECT_LE (image.getPixelAt (115, 84).getRed(), 0x04);
 }
 
 TEST_F (Knob, HasATickAtEveryPositionLeftOfItsAxis)

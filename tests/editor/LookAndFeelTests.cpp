@@ -178,9 +178,18 @@ TEST_F (FlatButton, CentresItsTextInWhatTheIndentsLeave)
 
 TEST_F (FlatButton, WritesNothingWhereTheIndentsLeaveNoWidth)
 {
-    EXPECT_TRUE (inked (text (4, 30, false), nothing).isEmpty());
-    EXPECT_TRUE (inked (text (8, 30, false), nothing).isEmpty()) << "2 + 4 / 2 pixels on either side";
-    EXPECT_TRUE (inked (text (0, 0, false), nothing).isEmpty());
+    const auto isWritten = [this] (int width, int connectedEdges)
+    {
+        const auto connect = [connectedEdges] (auto& button) { button.setConnectedEdges (connectedEdges); };
+        return ! inked (text (width, 30, false, connect), nothing).isEmpty();
+    };
+
+    EXPECT_FALSE (isWritten (0, 0));
+    EXPECT_FALSE (isWritten (8, 0)) << "2 + 4 / 2 pixels on either side";
+    EXPECT_TRUE (isWritten (9, 0));
+    EXPECT_FALSE (isWritten (5, juce::Button::ConnectedOnLeft));
+    EXPECT_TRUE (isWritten (6, juce::Button::ConnectedOnLeft)) << "2 + 3 / 4 pixels there";
+    EXPECT_TRUE (isWritten (8, juce::Button::ConnectedOnRight));
 }
 
 TEST_F (FlatButton, WritesTwoLinesInFullSizeWhereItsHeightLeavesRoomForThem)

@@ -9,11 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <memory>
-
-/** The four positions of the knob, as values of the parameter. */
-inline constexpr std::array<float, 4> knobValues { 0.0f, knobPosition (1), knobPosition (2), knobPosition (3) };
 
 /** Where the knob's centre stands in the window, in pixels. */
 inline constexpr int knobX = 125;

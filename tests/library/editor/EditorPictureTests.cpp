@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // What the window looks like, and in which letters.
+#include "support/Child.h"
 #include "support/Panel.h"
 #include "support/Paths.h"
 #include "support/TemporaryFolder.h"
@@ -10,7 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <stdexcept>
+#include <map>
 #include <string>
 
 namespace
@@ -18,19 +19,18 @@ namespace
 using larkspire::window::Colour;
 using larkspire::window::Picture;
 
+using Environment = std::map<std::string, std::string>;
+
 /** The pictures that the program makes which photographs the window for the documents. It runs as a process of its own,
     because the framework looks for typefaces once and for all. */
 class Photographs
 {
 public:
-    /** The environment is a list of NAME='value', as the shell takes it. */
-    explicit Photographs (const std::string& environment)
+    explicit Photographs (const Environment& environment = {})
     {
-        const auto command = environment + " '" + paths::screenshot() + "' '" + paths::plugin() + "' '"
-                             + folder.path().string() + "' >/dev/null";
-
-        if (std::system (command.c_str()) != 0) // NOLINT(concurrency-mt-unsafe,cert-env33-c)
-            throw std::runtime_error ("larkspire-screenshot failed");
+        outputOf ({ .arguments = { paths::plugin(), folder.path() },
+                    .program = paths::screenshot(),
+                    .environment = environment });
     }
 
     Picture of (const std::string& mode) const
@@ -73,7 +73,7 @@ Picture goldenPicture (const std::string& mode)
     return larkspire::window::readPng (paths::source ("tests/library/editor/golden/") + mode + ".png");
 }
 
-constexpr const char* theTestsOwnLetters = "JUCE_FONT_PATH='" LARKSPIRE_NAMED_FONTS "'";
+const Environment theTestsOwnLetters { { "JUCE_FONT_PATH", LARKSPIRE_NAMED_FONTS } };
 
 constexpr std::array<const char*, 4> modes { "bypass", "Gentle", "Medium", "Powerful" };
 
@@ -103,22 +103,22 @@ TEST_P (EditorPicture, DISABLED_IsWrittenAnew)
 
 TEST (EditorLetters, ShowWhereTheTypefaceIsNotInstalled)
 {
-    expectAllTexts (Photographs ("JUCE_FONT_PATH='" LARKSPIRE_OTHER_FONTS "'").first());
+    expectAllTexts (Photographs (Environment { { "JUCE_FONT_PATH", LARKSPIRE_OTHER_FONTS } }).first());
 }
 
 TEST (EditorLetters, ShowWithTheFontsOfThisMachine)
 {
-    expectAllTexts (Photographs ("").first());
+    expectAllTexts (Photographs().first());
 }
 
 TEST (EditorLetters, AreTheTypefacesWhereThatIsInstalled)
 {
     // The same letters twice: under the name that is asked for, beside all other fonts, and as the only font there is.
-    const auto inTheUsersFolder = Photographs ("XDG_DATA_HOME='" LARKSPIRE_USER_FOLDER "'").first();
-    const auto asTheOnlyFont = Photographs ("JUCE_FONT_PATH='" LARKSPIRE_ONLY_FONT "'").first();
+    const auto inTheUsersFolder = Photographs (Environment { { "XDG_DATA_HOME", LARKSPIRE_USER_FOLDER } }).first();
+    const auto asTheOnlyFont = Photographs (Environment { { "JUCE_FONT_PATH", LARKSPIRE_ONLY_FONT } }).first();
 
     expectAllTexts (inTheUsersFolder);
     EXPECT_TRUE (inTheUsersFolder == asTheOnlyFont);
-    EXPECT_FALSE (inTheUsersFolder == Photographs ("").first()) << "they are not what stands in for them";
+    EXPECT_FALSE (inTheUsersFolder == Photographs().first()) << "they are not what stands in for them";
 }
 } // namespace

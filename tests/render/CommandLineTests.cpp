@@ -1,19 +1,13 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "support/Child.h"
-#include "support/Recording.h"
-#include "support/TemporaryFolder.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "render/RendererTest.h"
 
 #include <regex>
-#include <string>
-#include <vector>
 
 namespace
 {
 using testing::HasSubstr;
 using testing::StartsWith;
+using CommandLine = RendererTest;
 
 /** Where a text begins a line of another, or fails. */
 std::size_t lineOf (const std::string& help, const std::string& text)
@@ -23,26 +17,24 @@ std::size_t lineOf (const std::string& help, const std::string& text)
     return place;
 }
 
-TEST (CommandLine, HelpHasTheShapeThatAManualPageIsMadeOf)
+TEST_F (CommandLine, HelpHasTheShapeThatAManualPageIsMadeOf)
 {
     for (const std::string flag : { "--help", "-h" })
     {
-        const auto outcome = run ({ flag });
-        EXPECT_EQ (outcome.exitStatus, 0);
-        EXPECT_EQ (outcome.errors, "");
-        EXPECT_THAT (outcome.output, StartsWith ("Usage: larkspire-render [OPTION]... IN... -o OUT\n"));
-        const auto options = lineOf (outcome.output, "Options:\n  -h, --help  ");
-        const auto statuses = lineOf (outcome.output, "Exit status:\n  0  ");
-        const auto examples = lineOf (outcome.output, "Examples:\n  larkspire-render ");
+        const auto help = expectSuccess ({ flag });
+        EXPECT_THAT (help, StartsWith ("Usage: larkspire-render [OPTION]... IN... -o OUT\n"));
+        const auto options = lineOf (help, "Options:\n  -h, --help  ");
+        const auto statuses = lineOf (help, "Exit status:\n  0  ");
+        const auto examples = lineOf (help, "Examples:\n  larkspire-render ");
         EXPECT_LT (options, statuses);
         EXPECT_LT (statuses, examples);
-        EXPECT_THAT (outcome.output, testing::Not (HasSubstr ("\n\n\n")));
+        EXPECT_THAT (help, testing::Not (HasSubstr ("\n\n\n")));
     }
 }
 
-TEST (CommandLine, HelpNamesEveryOptionAndWhatMaySurprise)
+TEST_F (CommandLine, HelpNamesEveryOptionAndWhatMaySurprise)
 {
-    const auto help = run ({ "--help" }).output;
+    const auto help = expectSuccess ({ "--help" });
 
     for (const std::string option : { "-o OUT",
                                       "--mode MODE",
@@ -69,21 +61,17 @@ TEST (CommandLine, HelpNamesEveryOptionAndWhatMaySurprise)
         EXPECT_LE (line.size(), 120) << line;
 }
 
-TEST (CommandLine, VersionIsThatOfTheRelease)
+TEST_F (CommandLine, VersionIsThatOfTheRelease)
 {
-    const auto outcome = run ({ "--version" });
-    EXPECT_EQ (outcome.exitStatus, 0);
-    EXPECT_EQ (outcome.errors, "");
-    EXPECT_EQ (outcome.output, "larkspire-render " LARKSPIRE_RELEASE "\n");
+    EXPECT_EQ (expectSuccess ({ "--version" }), "larkspire-render " LARKSPIRE_RELEASE "\n");
     EXPECT_TRUE (std::regex_match (LARKSPIRE_RELEASE, std::regex ("[0-9]+\\.[0-9]+"))) << LARKSPIRE_RELEASE;
 }
 
-TEST (CommandLine, RefusesWrongCallsInOneLine)
+TEST_F (CommandLine, RefusesWrongCallsInOneLine)
 {
-    const TemporaryFolder folder;
-    write (folder / "voice.wav", wav16, makeNoise (1, 300, 16));
-    const auto input = folder / "voice.wav";
-    const auto result = folder / "result.wav";
+    writeNoise ("voice.wav");
+    const std::string input = "voice.wav";
+    const std::string result = "result.wav";
     const std::vector<std::vector<std::string>> wrongCalls {
         {},
         { input },
@@ -105,7 +93,7 @@ TEST (CommandLine, RefusesWrongCallsInOneLine)
         { "--jobs", "-1", input, "-o", result },
         { "--jobs", "257", input, "-o", result },
         { "--plot", "", input, "-o", result },
-        { "--plot", folder / "picture.jpg", input, "-o", result },
+        { "--plot", "picture.jpg", input, "-o", result },
         { "--plot", result, input, "-o", result },
         { "--compare", "--mode", "Gentle", input, "-o", result },
         { input, "-o", result, "-o", result },
@@ -113,39 +101,19 @@ TEST (CommandLine, RefusesWrongCallsInOneLine)
     };
 
     for (const auto& arguments : wrongCalls)
-    {
-        SCOPED_TRACE (testing::PrintToString (arguments));
-        const auto outcome = run (arguments);
-        EXPECT_EQ (outcome.exitStatus, 2);
-        EXPECT_EQ (outcome.output, "");
-        EXPECT_EQ (linesOf (outcome.errors).size(), 1) << outcome.errors;
-        EXPECT_THAT (outcome.errors, StartsWith ("larkspire-render: "));
-        EXPECT_EQ (folder.contents(), (std::vector<std::string> { "voice.wav" }));
-    }
+        expectFailure (2, arguments);
 }
 
-TEST (CommandLine, TakesTheSmallestAndTheLargestBlock)
+TEST_F (CommandLine, TakesOptionsInAnyOrder)
 {
-    const TemporaryFolder folder;
-    write (folder / "voice.wav", wav16, makeNoise (1, 300, 16));
-
-    for (const std::string block : { "1", "524288" })
-        EXPECT_EQ (run ({ "--block", block, folder / "voice.wav", "-o", folder / "result.wav" }).exitStatus, 0);
-}
-
-TEST (CommandLine, TakesOptionsInAnyOrder)
-{
-    const TemporaryFolder folder;
-    write (folder / "one.wav", wav16, makeNoise (1, 300, 16));
-    write (folder / "two.wav", wav16, makeNoise (1, 300, 16));
-    const auto outcome =
-        run ({ folder / "one.wav", "-o", folder / "results", "--mode=bypass", folder / "two.wav", "--bits", "16" });
-    EXPECT_EQ (outcome.exitStatus, 0) << outcome.errors;
+    writeNoise ("one.wav");
+    writeNoise ("two.wav");
+    expectSuccess ({ "one.wav", "-o", "results", "--mode=bypass", "two.wav", "--bits", "16" });
     EXPECT_EQ (bytesOf (folder / "results/one.wav"), bytesOf (folder / "one.wav"));
     EXPECT_EQ (bytesOf (folder / "results/two.wav"), bytesOf (folder / "two.wav"));
 }
 
-TEST (CommandLine, NoticesThatItsTextDidNotArrive)
+TEST_F (CommandLine, NoticesThatItsTextDidNotArrive)
 {
     // A limit of no bytes makes the file behind stdout a full disk.
     const auto outcome = run (Call { .arguments = { "--help" }, .largestFile = 0 });

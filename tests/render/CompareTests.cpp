@@ -1,34 +1,23 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // All four modes in one call.
-#include "support/Child.h"
-#include "support/Recording.h"
-#include "support/TemporaryFolder.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
+#include "render/RendererTest.h"
 
 namespace
 {
 using testing::ElementsAre;
+using Compare = RendererTest;
 
-const std::vector<std::string> modes { "bypass", "Gentle", "Medium", "Powerful" };
-
-TEST (Compare, GivesTheBytesOfFourSingleRenderings)
+TEST_F (Compare, GivesTheBytesOfFourSingleRenderings)
 {
-    const TemporaryFolder folder;
-    write (folder / "voice.wav", wav16, makeNoise (2, 70000, 16));
+    writeNoise ("voice.wav", 2, 70000);
 
     for (const std::string ending : { ".wav", ".flac" })
     {
-        ASSERT_EQ (run ({ "--compare", folder / "voice.wav", "-o", folder / ("clear" + ending) }).exitStatus, 0);
+        expectSuccess ({ "--compare", "voice.wav", "-o", "clear" + ending });
 
-        for (const auto& mode : modes)
+        for (const std::string mode : { "bypass", "Gentle", "Medium", "Powerful" })
         {
-            ASSERT_EQ (run ({ "--mode", mode, folder / "voice.wav", "-o", folder / ("single" + ending) }).exitStatus,
-                       0);
+            expectSuccess ({ "--mode", mode, "voice.wav", "-o", "single" + ending });
             EXPECT_EQ (bytesOf (folder / ("clear-" + mode + ending)), bytesOf (folder / ("single" + ending)))
                 << mode << ending;
         }
@@ -37,13 +26,11 @@ TEST (Compare, GivesTheBytesOfFourSingleRenderings)
     }
 }
 
-TEST (Compare, PutsTheModeIntoTheNamesOfAFolderToo)
+TEST_F (Compare, PutsTheModeIntoTheNamesOfAFolderToo)
 {
-    const TemporaryFolder folder;
-    write (folder / "one.wav", wav16, makeNoise (1, 300, 16));
-    write (folder / "two.wav", wav16, makeNoise (1, 300, 16));
-    const auto outcome = run ({ "--compare", folder / "one.wav", folder / "two.wav", "-o", folder / "results" });
-    EXPECT_EQ (outcome.exitStatus, 0) << outcome.errors;
+    writeNoise ("one.wav");
+    writeNoise ("two.wav");
+    expectSuccess ({ "--compare", "one.wav", "two.wav", "-o", "results" });
     EXPECT_THAT (folder.contents(),
                  ElementsAre ("one.wav",
                               "results",
@@ -58,16 +45,12 @@ TEST (Compare, PutsTheModeIntoTheNamesOfAFolderToo)
                               "two.wav"));
 }
 
-TEST (Compare, RefusesToReplaceAnInputByAMode)
+TEST_F (Compare, RefusesToReplaceAnInputByAMode)
 {
-    const TemporaryFolder folder;
-    write (folder / "one.wav", wav16, makeNoise (1, 300, 16));
-    write (folder / "one-Medium.wav", wav16, makeNoise (1, 400, 16));
-    const auto before = bytesOf (folder / "one-Medium.wav");
-    const auto outcome = run ({ "--compare", folder / "one.wav", folder / "one-Medium.wav", "-o", folder.path() });
-    EXPECT_EQ (outcome.exitStatus, 2);
-    EXPECT_THAT (outcome.errors, testing::HasSubstr ("one-Medium.wav: is the same file as the input"));
-    EXPECT_EQ (bytesOf (folder / "one-Medium.wav"), before);
-    EXPECT_EQ (folder.contents().size(), 2U);
+    writeNoise ("one.wav");
+    const auto recording = writeNoise ("one-Medium.wav", 1, 400);
+    EXPECT_THAT (expectFailure (2, { "--compare", "one.wav", "one-Medium.wav", "-o", "." }),
+                 testing::HasSubstr ("one-Medium.wav: is the same file as the input"));
+    EXPECT_EQ (read (folder / "one-Medium.wav"), recording);
 }
 } // namespace

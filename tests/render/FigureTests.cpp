@@ -1,22 +1,15 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The report, as people and as programs read it.
+#include "render/RendererTest.h"
 #include "render/Tone.h"
-#include "support/Child.h"
 #include "support/Paths.h"
-#include "support/Recording.h"
-#include "support/TemporaryFolder.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <array>
-#include <cmath>
 #include <limits>
 #include <map>
 #include <sstream>
-#include <string>
-#include <vector>
 
 namespace
 {
@@ -73,7 +66,7 @@ void expectSame (const std::string& cell, const json& value)
         EXPECT_NEAR (std::stod (cell), value.get<double>(), 0.0506); // half a tenth, and half a thousandth
 }
 
-class Report : public testing::Test
+class Report : public RendererTest
 {
 protected:
     Report()
@@ -91,22 +84,18 @@ protected:
         writeFloats (folder / "speech.wav", wav24, 2, speech);
     }
 
-    std::string outputOf (std::vector<std::string> arguments, const std::string& input = "speech.wav") const
+    std::string reportOf (std::vector<std::string> arguments, const std::string& input = "speech.wav") const
     {
-        arguments.insert (arguments.end(), { folder / input, "-o", folder / "results/" });
-        const auto outcome = run (arguments);
-        EXPECT_EQ (outcome.exitStatus, 0) << outcome.errors;
-        EXPECT_EQ (outcome.errors, "");
-        return outcome.output;
+        arguments.insert (arguments.end(), { input, "-o", "results/" });
+        return expectSuccess (arguments);
     }
 
     json documentOf (std::vector<std::string> arguments, const std::string& input = "speech.wav") const
     {
         arguments.emplace_back ("--json");
-        return json::parse (outputOf (std::move (arguments), input));
+        return json::parse (reportOf (std::move (arguments), input));
     }
 
-    TemporaryFolder folder;
     std::vector<float> speech;
 };
 
@@ -115,13 +104,13 @@ TEST_F (Report, SaysTheSameToPeopleAndToPrograms)
     for (const std::string mode : { "bypass", "Gentle", "Medium", "Powerful" })
     {
         SCOPED_TRACE (mode);
-        const auto table = outputOf ({ "--report", "--mode", mode });
+        const auto table = reportOf ({ "--report", "--mode", mode });
         const auto document = documentOf ({ "--mode", mode });
         ASSERT_EQ (document.size(), 1U);
         const auto& entry = document[0];
         EXPECT_EQ (entry["mode"], mode);
-        EXPECT_EQ (entry["input"], folder / "speech.wav");
-        EXPECT_EQ (entry["output"], folder / "results/speech.wav");
+        EXPECT_EQ (entry["input"], "speech.wav");
+        EXPECT_EQ (entry["output"], "results/speech.wav");
         EXPECT_EQ (entry["sample_rate_hz"], 48000);
         EXPECT_EQ (entry["channels"], 2);
         EXPECT_EQ (entry["length_s"], double (speech.size()) / 96000.0);
@@ -181,7 +170,7 @@ TEST_F (Report, HasDashesAndNullForSilenceAndForNothing)
     for (const std::string input : { "silence.wav", "nothing.wav" })
     {
         SCOPED_TRACE (input);
-        const auto table = outputOf ({ "--report" }, input);
+        const auto table = reportOf ({ "--report" }, input);
         const auto cells = cellsIn (table);
         const auto document = documentOf ({}, input);
 
@@ -214,13 +203,10 @@ TEST_F (Report, HasNullForWhatIsNoNumber)
 
 TEST_F (Report, LeavesTheGainsOfAnotherLibraryOut)
 {
-    const std::vector<std::string> standIn { "--plugin", paths::standIn() };
-    auto arguments = standIn;
-    arguments.emplace_back ("--report");
-    const auto table = outputOf (arguments);
+    const auto table = reportOf ({ "--plugin", paths::standIn(), "--report" });
     EXPECT_THAT (table, HasSubstr ("gains left out: the library gives another sound"));
     EXPECT_THAT (table, Not (HasSubstr ("expander")));
-    const auto document = documentOf (standIn);
+    const auto document = documentOf ({ "--plugin", paths::standIn() });
     EXPECT_TRUE (document[0]["gains"].is_null());
     EXPECT_THAT (document[0]["gains_missing"].get<std::string>(), HasSubstr ("another sound"));
 
@@ -233,25 +219,19 @@ TEST_F (Report, LeavesTheGainsOfAnotherLibraryOut)
 TEST_F (Report, IsOneDocumentForAllFilesAndFailures)
 {
     writeBytes (folder / "text.txt", "hello");
-    write (folder / "last.wav", wav16, makeNoise (1, 30000, 16));
-    const auto outcome = run ({ "--json",
-                                "--report",
-                                "--stats",
-                                folder / "speech.wav",
-                                folder / "text.txt",
-                                folder / "last.wav",
-                                "-o",
-                                folder / "results" });
+    writeNoise ("last.wav", 1, 30000);
+    const auto outcome =
+        runHere ({ "--json", "--report", "--stats", "speech.wav", "text.txt", "last.wav", "-o", "results" });
+    const std::string error = "text.txt: is not a WAV, FLAC, AIFF or Ogg file";
     EXPECT_EQ (outcome.exitStatus, 1);
-    EXPECT_EQ (outcome.errors,
-               "larkspire-render: " + (folder / "text.txt") + ": is not a WAV, FLAC, AIFF or Ogg file\n");
+    EXPECT_EQ (outcome.errors, "larkspire-render: " + error + "\n");
     const auto document = json::parse (outcome.output);
     ASSERT_EQ (document.size(), 3U);
-    EXPECT_EQ (document[0]["input"], folder / "speech.wav");
-    EXPECT_EQ (document[1]["input"], folder / "text.txt");
-    EXPECT_EQ (document[2]["input"], folder / "last.wav");
+    EXPECT_EQ (document[0]["input"], "speech.wav");
+    EXPECT_EQ (document[1]["input"], "text.txt");
+    EXPECT_EQ (document[2]["input"], "last.wav");
     EXPECT_FALSE (document[0].contains ("error"));
-    EXPECT_EQ (document[1]["error"], (folder / "text.txt") + ": is not a WAV, FLAC, AIFF or Ogg file");
+    EXPECT_EQ (document[1]["error"], error);
     EXPECT_FALSE (document[1].contains ("before"));
     EXPECT_TRUE (document[0]["stats"]["peak_dbfs"].is_number());
     EXPECT_TRUE (document[0]["stats"]["rms_dbfs"].is_number());
@@ -260,37 +240,34 @@ TEST_F (Report, IsOneDocumentForAllFilesAndFailures)
 
 TEST_F (Report, HoldsPathsThatAreNoText)
 {
-    write (folder / "\xff\xfe \"quoted\".wav", wav16, makeNoise (1, 300, 16));
+    writeNoise ("\xff\xfe \"quoted\".wav");
     const auto document = documentOf ({}, "\xff\xfe \"quoted\".wav");
-    EXPECT_EQ (document[0]["input"], folder / "\xef\xbf\xbd\xef\xbf\xbd \"quoted\".wav");
+    EXPECT_EQ (document[0]["input"], "\xef\xbf\xbd\xef\xbf\xbd \"quoted\".wav");
 }
 
 TEST_F (Report, FollowsTheInputsWithALineBetween)
 {
-    write (folder / "second.wav", wav16, makeNoise (1, 30000, 16));
-    const auto outcome = run ({ "--report", folder / "speech.wav", folder / "second.wav", "-o", folder / "results" });
-    const auto first = outcome.output.find ((folder / "speech.wav") + "  4.8 s");
-    const auto second = outcome.output.find ("\n\n" + (folder / "second.wav") + "  0.625 s");
-    ASSERT_NE (first, std::string::npos);
-    ASSERT_NE (second, std::string::npos);
-    EXPECT_LT (first, second);
+    writeNoise ("second.wav", 1, 30000);
+    const auto tables = expectSuccess ({ "--report", "speech.wav", "second.wav", "-o", "results" });
+    EXPECT_THAT (tables, testing::StartsWith ("speech.wav  4.8 s"));
+    EXPECT_THAT (tables, HasSubstr ("\n\nsecond.wav  0.625 s"));
 }
 
 TEST_F (Report, DoesNotChangeTheResult)
 {
-    outputOf ({ "--mode", "Powerful" });
+    reportOf ({ "--mode", "Powerful" });
     const auto without = bytesOf (folder / "results/speech.wav");
 
     for (const std::string option : { "--report", "--json" })
     {
-        outputOf ({ "--mode", "Powerful", option });
+        reportOf ({ "--mode", "Powerful", option });
         EXPECT_EQ (bytesOf (folder / "results/speech.wav"), without);
     }
 }
 
 TEST_F (Report, OfAComparisonHasAColumnForEachMode)
 {
-    const auto table = outputOf ({ "--report", "--compare" });
+    const auto table = reportOf ({ "--report", "--compare" });
     const auto document = documentOf ({ "--compare" });
     const std::array<std::string, 4> modes { "bypass", "Gentle", "Medium", "Powerful" };
     ASSERT_EQ (document.size(), 4U);
@@ -307,7 +284,7 @@ TEST_F (Report, OfAComparisonHasAColumnForEachMode)
     for (std::size_t mode = 0; mode < modes.size(); ++mode)
     {
         EXPECT_EQ (document[mode]["mode"], modes[mode]);
-        EXPECT_EQ (document[mode]["output"], folder / ("results/speech-" + modes[mode] + ".wav"));
+        EXPECT_EQ (document[mode]["output"], "results/speech-" + modes[mode] + ".wav");
 
         for (const auto& name : names)
         {

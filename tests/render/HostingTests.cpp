@@ -1,37 +1,30 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The renderer as a host: where it finds the plug-in, which libraries it refuses, and how it treats an instance.
-#include "support/Child.h"
+#include "render/RendererTest.h"
 #include "support/Paths.h"
-#include "support/Recording.h"
-#include "support/TemporaryFolder.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
+#include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <string>
-#include <vector>
 
 namespace
 {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-constexpr const char* libraryName = "Quendal Larkspire.so";
+const std::string libraryName = "Quendal Larkspire.so";
 
-class Hosting : public testing::Test
+class Hosting : public RendererTest
 {
 protected:
-    Hosting() { write (folder / "voice.wav", wav16, recording); }
-
-    /** Renders voice.wav to result.wav with the stand-in and gives the lines that it wrote down. */
-    std::vector<std::string> logOf (std::vector<std::string> further)
+    /** Renders with the stand-in and gives the lines that it wrote down. */
+    std::vector<std::string> logOf (std::vector<std::string> arguments)
     {
-        further.insert (further.end(),
-                        { "--plugin", paths::standIn(), folder / "voice.wav", "-o", folder / "result.wav" });
-        outcome = run (
-            Call { .arguments = std::move (further), .environment = { { "LARKSPIRE_STAND_IN_LOG", folder / "log" } } });
+        arguments.insert (arguments.begin(), { "--plugin", paths::standIn(), "-o", "results/" });
+        std::filesystem::remove (folder / "log");
+        const auto outcome = run (Call { .arguments = arguments,
+                                         .environment = { { "LARKSPIRE_STAND_IN_LOG", folder / "log" } },
+                                         .folder = folder.path() });
+        EXPECT_EQ (outcome.exitStatus, 0) << outcome.errors;
         return linesOf (bytesOf (folder / "log"));
     }
 
@@ -46,22 +39,20 @@ protected:
         return result.exitStatus == 0 && read (folder / "r.wav").samples.at (200) == -recording.samples.at (200) / 2;
     }
 
-    /** Puts the stand-in into a folder under the plug-in's name. */
-    void installStandIn (const std::string& place)
+    /** Puts a library into a folder under the plug-in's name. */
+    void install (const std::string& library, const std::string& place) const
     {
         std::filesystem::create_directories (folder / place);
-        std::filesystem::copy_file (paths::standIn(), std::filesystem::path (folder / place) / libraryName);
+        std::filesystem::copy_file (library, folder / (place + "/" + libraryName));
     }
 
-    TemporaryFolder folder;
-    Recording recording = makeNoise (1, 1000, 16);
-    Outcome outcome;
+    Recording recording = writeNoise ("voice.wav", 1, 1000);
 };
 
 TEST_F (Hosting, TreatsAnInstanceAsHostsDo)
 {
     // The first instance only shows that the library is the right one.
-    EXPECT_THAT (logOf ({ "--mode", "Powerful", "--block", "400" }),
+    EXPECT_THAT (logOf ({ "--mode", "Powerful", "--block", "400", "voice.wav" }),
                  ElementsAre ("new",
                               "close",
                               "new",
@@ -90,17 +81,15 @@ TEST_F (Hosting, TreatsAnInstanceAsHostsDo)
                               "host vendor Quendal",
                               "host product larkspire-render",
                               "close"));
-    EXPECT_EQ (outcome.exitStatus, 0) << outcome.errors;
 }
 
 TEST_F (Hosting, SaysStereoWhereTheRecordingIs)
 {
-    recording = makeNoise (2, 1000, 16, 1, 96000);
-    write (folder / "voice.wav", wav16, recording);
-    const auto log = logOf ({});
-    EXPECT_THAT (log, testing::Contains ("arrangement in type 1 channels 2, out type 1 channels 2"));
-    EXPECT_THAT (log, testing::Contains ("rate 96000"));
-    EXPECT_THAT (log, testing::Contains ("process 1000 with 4 buffers"));
+    writeNoise ("voice.wav", 2, 1000, 1, 96000);
+    EXPECT_THAT (logOf ({ "voice.wav" }),
+                 testing::IsSupersetOf ({ "arrangement in type 1 channels 2, out type 1 channels 2",
+                                          "rate 96000",
+                                          "process 1000 with 4 buffers" }));
 }
 
 TEST_F (Hosting, SetsTheKnobToTheNinthOfTheMode)
@@ -109,59 +98,42 @@ TEST_F (Hosting, SetsTheKnobToTheNinthOfTheMode)
                                        std::pair { "Gentle", "0.111111" },
                                        std::pair { "Medium", "0.222222" },
                                        std::pair { "Powerful", "0.333333" } })
-    {
-        std::filesystem::remove (folder / "log");
-        EXPECT_THAT (logOf ({ "--mode", mode }), testing::Contains (std::string ("parameter 0 ") + value));
-    }
+        EXPECT_THAT (logOf ({ "--mode", mode, "voice.wav" }), testing::Contains (std::string ("parameter 0 ") + value));
 }
 
 TEST_F (Hosting, GivesEveryFileAnInstanceOfItsOwn)
 {
-    write (folder / "other.wav", wav16, makeNoise (2, 100, 16));
-    outcome = run (Call { .arguments = { "--plugin",
-                                         paths::standIn(),
-                                         folder / "voice.wav",
-                                         folder / "other.wav",
-                                         "-o",
-                                         folder / "results" },
-                          .environment = { { "LARKSPIRE_STAND_IN_LOG", folder / "log" } } });
-    EXPECT_EQ (outcome.exitStatus, 0) << outcome.errors;
-    const auto log = linesOf (bytesOf (folder / "log"));
-    EXPECT_EQ (std::count (log.begin(), log.end(), "open"), 2);
-    EXPECT_EQ (std::count (log.begin(), log.end(), "new"), 3);
-    EXPECT_EQ (std::count (log.begin(), log.end(), "close"), 3);
+    writeNoise ("other.wav", 2);
+    const auto log = logOf ({ "voice.wav", "other.wav" });
+    EXPECT_EQ (std::ranges::count (log, "open"), 2);
+    EXPECT_EQ (std::ranges::count (log, "new"), 3);
+    EXPECT_EQ (std::ranges::count (log, "close"), 3);
 }
 
 TEST_F (Hosting, FindsThePluginBesideTheProgramFirst)
 {
-    std::filesystem::create_directory (folder / "programs");
+    install (paths::standIn(), "programs");
+    install (paths::plugin(), "home/.vst");
     std::filesystem::copy_file (paths::renderer(), folder / "programs/larkspire-render");
-    installStandIn ("programs");
-    std::filesystem::create_directories (folder / "home/.vst");
-    std::filesystem::copy_file (paths::plugin(), std::filesystem::path (folder / "home/.vst") / libraryName);
-    EXPECT_TRUE (usesStandIn (folder / "programs/larkspire-render", { { "HOME", folder / "home" } }));
-
-    // Also where it was called through a link.
     std::filesystem::create_symlink (folder / "programs/larkspire-render", folder / "link");
-    EXPECT_TRUE (usesStandIn (folder / "link", { { "HOME", folder / "home" } }));
+
+    for (const std::string program : { "programs/larkspire-render", "link" })
+        EXPECT_TRUE (usesStandIn (folder / program, { { "HOME", folder / "home" } })) << program;
 }
 
-TEST_F (Hosting, FindsThePluginInTheHomeFolderBeforeTheFoldersOfTheEnvironment)
+TEST_F (Hosting, FindsThePluginInTheHomeFolderAndThenInAnyFolderOfTheEnvironment)
 {
     std::filesystem::copy_file (paths::renderer(), folder / "render");
-    installStandIn ("home/.vst");
-    std::filesystem::create_directory (folder / "real");
-    std::filesystem::copy_file (paths::plugin(), std::filesystem::path (folder / "real") / libraryName);
-    EXPECT_TRUE (usesStandIn (folder / "render", { { "HOME", folder / "home" }, { "VST_PATH", folder / "real" } }));
-    EXPECT_FALSE (usesStandIn (folder / "render", { { "HOME", folder / "none" }, { "VST_PATH", folder / "real" } }));
-}
+    install (paths::standIn(), "home/.vst");
+    install (paths::standIn(), "second");
+    install (paths::plugin(), "real");
 
-TEST_F (Hosting, FindsThePluginInAnyFolderOfTheEnvironment)
-{
-    std::filesystem::copy_file (paths::renderer(), folder / "render");
-    installStandIn ("second");
-    EXPECT_TRUE (usesStandIn (folder / "render",
-                              { { "HOME", "" }, { "VST_PATH", (folder / "first") + "::" + (folder / "second") } }));
+    for (const auto& [home, folders, expected] :
+         { std::tuple { folder / "home", folder / "real", true },
+           { folder / "none", folder / "real", false },
+           { std::string(), (folder / "first") + "::" + (folder / "second"), true } })
+        EXPECT_EQ (usesStandIn (folder / "render", { { "HOME", home }, { "VST_PATH", folders } }), expected)
+            << home << ", " << folders;
 }
 
 TEST_F (Hosting, SaysSoIfThereIsNoPlugin)
@@ -170,22 +142,17 @@ TEST_F (Hosting, SaysSoIfThereIsNoPlugin)
         GTEST_SKIP() << "the plug-in is installed for all users of this machine";
 
     std::filesystem::copy_file (paths::renderer(), folder / "render");
-    const auto before = folder.contents();
-    const auto result = run (Call { .arguments = { folder / "voice.wav", "-o", folder / "results/" },
-                                    .program = folder / "render",
-                                    .environment = { { "HOME", folder / "none" }, { "VST_PATH", "" } } });
-    EXPECT_EQ (result.exitStatus, 1);
-    EXPECT_EQ (linesOf (result.errors).size(), 1) << result.errors;
-    EXPECT_THAT (result.errors, HasSubstr ("--plugin"));
-    EXPECT_EQ (folder.contents(), before);
+    EXPECT_THAT (expectFailure (1,
+                                Call { .arguments = { folder / "voice.wav", "-o", folder / "results/" },
+                                       .program = folder / "render",
+                                       .environment = { { "HOME", folder / "none" }, { "VST_PATH", "" } } }),
+                 HasSubstr ("--plugin"));
 }
 
 TEST_F (Hosting, TakesAPluginPathWithoutASlashForAFileOfTheWorkingFolder)
 {
     std::filesystem::copy_file (paths::standIn(), folder / "stand-in.so");
-    const auto result = run (
-        Call { .arguments = { "--plugin", "stand-in.so", "voice.wav", "-o", "result.wav" }, .folder = folder.path() });
-    EXPECT_EQ (result.exitStatus, 0) << result.errors;
+    expectSuccess ({ "--plugin", "stand-in.so", "voice.wav", "-o", "result.wav" });
     EXPECT_EQ (read (folder / "result.wav").samples.at (200), -recording.samples.at (200) / 2);
 }
 
@@ -193,7 +160,6 @@ TEST_F (Hosting, RefusesWhatIsNotThePlugin)
 {
     writeBytes (folder / "text.so", "This is no library, however long the text may be. " + std::string (5000, '.'));
     std::filesystem::create_directory (folder / "folder.so");
-    const auto before = folder.contents();
 
     struct Case
     {
@@ -214,16 +180,10 @@ TEST_F (Hosting, RefusesWhatIsNotThePlugin)
     };
 
     for (const auto& [plugin, fault, reason] : cases)
-    {
-        SCOPED_TRACE (reason);
-        const auto result =
-            run (Call { .arguments = { "--plugin", plugin, folder / "voice.wav", "-o", folder / "result.wav" },
-                        .environment = { { "LARKSPIRE_STAND_IN_FAULT", fault } } });
-        EXPECT_EQ (result.exitStatus, 1);
-        EXPECT_EQ (linesOf (result.errors).size(), 1) << result.errors;
-        EXPECT_THAT (result.errors, testing::StartsWith ("larkspire-render: " + plugin + ": "));
-        EXPECT_THAT (result.errors, testing::EndsWith (": " + reason + "\n"));
-        EXPECT_EQ (folder.contents(), before);
-    }
+        EXPECT_THAT (expectFailure (
+                         1,
+                         Call { .arguments = { "--plugin", plugin, folder / "voice.wav", "-o", folder / "result.wav" },
+                                .environment = { { "LARKSPIRE_STAND_IN_FAULT", fault } } }),
+                     testing::AllOf (testing::StartsWith (plugin + ": "), testing::EndsWith (": " + reason + "\n")));
 }
 } // namespace

@@ -1,44 +1,46 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // Several files at once.
-#include "support/Child.h"
-#include "support/Recording.h"
-#include "support/TemporaryFolder.h"
+#include "render/RendererTest.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <csignal>
 #include <regex>
-#include <string>
-#include <vector>
 
 namespace
 {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-/** Twelve recordings of many kinds and lengths, the longest first, so that the order of their ends is another. */
-std::vector<std::string> writeTwelve (const TemporaryFolder& folder)
+class Jobs : public RendererTest
 {
-    std::vector<std::string> names;
-
-    for (unsigned i = 0; i < 12; ++i)
+protected:
+    /** Twelve recordings of many kinds and lengths, the longest first, so that the order of their ends is another. */
+    std::vector<std::string> writeTwelve() const
     {
-        const auto channels = i % 2 == 0 ? 1 : 2;
-        const auto frames = i == 0 ? 400000 : 90000 - static_cast<int> (i) * 7000;
-        const auto rate = i % 3 == 0 ? 44100 : 48000;
-        names.push_back ("voice" + std::to_string (i) + (i % 4 == 3 ? ".flac" : ".wav"));
-        write (folder / names.back(), i % 4 == 3 ? flac16 : wav16, makeNoise (channels, frames, 16, i + 1, rate));
+        std::vector<std::string> names;
+
+        for (int i = 0; i < 12; ++i)
+        {
+            names.push_back ("voice" + std::to_string (i) + (i % 4 == 3 ? ".flac" : ".wav"));
+            writeNoise (names.back(),
+                        1 + i % 2,
+                        i == 0 ? 400000 : 90000 - i * 7000,
+                        static_cast<unsigned> (i + 1),
+                        i % 3 == 0 ? 44100 : 48000);
+        }
+
+        return names;
     }
 
-    return names;
-}
+    Call callWith (std::vector<std::string> options, const std::vector<std::string>& inputs) const
+    {
+        options.insert (options.end(), inputs.begin(), inputs.end());
+        return { .arguments = std::move (options), .folder = folder.path() };
+    }
+};
 
-TEST (Jobs, GiveTheSameBytesAndTheSameWordsInTheSameOrder)
+TEST_F (Jobs, GiveTheSameBytesAndTheSameWordsInTheSameOrder)
 {
-    const TemporaryFolder folder;
-    auto names = writeTwelve (folder);
+    auto names = writeTwelve();
     writeBytes (folder / "text.txt", "no sound");
     writeBytes (folder / "more.txt", "no sound");
     names.insert (names.begin() + 3, "text.txt");
@@ -46,10 +48,9 @@ TEST (Jobs, GiveTheSameBytesAndTheSameWordsInTheSameOrder)
 
     const auto rendered = [&] (const std::string& jobs)
     {
-        std::vector<std::string> arguments { "--mode", "Powerful", "--report", "--jobs", jobs };
-        arguments.insert (arguments.end(), names.begin(), names.end());
-        arguments.insert (arguments.end(), { "--plot", "pictures" + jobs, "-o", "results" + jobs });
-        return run (Call { .arguments = arguments, .folder = folder.path() });
+        return run (callWith (
+            { "--mode", "Powerful", "--report", "--jobs", jobs, "--plot", "pictures" + jobs, "-o", "results" + jobs },
+            names));
     };
 
     const auto one = rendered ("1");
@@ -72,37 +73,17 @@ TEST (Jobs, GiveTheSameBytesAndTheSameWordsInTheSameOrder)
     }
 }
 
-TEST (Jobs, RunAtTheSameTime)
+TEST_F (Jobs, RunAtTheSameTimeAndLeaveNothingBehindWhenTheyAreInterrupted)
 {
-    const TemporaryFolder folder;
+    const std::vector<std::string> names { "one.wav", "two.wav", "three.wav", "four.wav" };
 
-    for (const std::string name : { "one.wav", "two.wav", "three.wav" })
+    for (const auto& name : names)
         writeLongSilence (folder / name);
 
-    const Child child (Call {
-        .arguments = {
-            "--jobs", "3", folder / "one.wav", folder / "two.wav", folder / "three.wav", "-o", folder / "results" } });
-    EXPECT_TRUE (folder.showsSoon (".one.wav.partial-"));
-    EXPECT_TRUE (folder.showsSoon (".two.wav.partial-"));
-    EXPECT_TRUE (folder.showsSoon (".three.wav.partial-"));
-}
-
-TEST (Jobs, LeaveNothingBehindWhenTheyAreInterrupted)
-{
     for (const int signal : { SIGINT, SIGTERM })
     {
         SCOPED_TRACE (signal);
-        const TemporaryFolder folder;
-        std::vector<std::string> arguments { "--jobs", "3", "--plot", folder / "pictures/" };
-
-        for (const std::string name : { "one.wav", "two.wav", "three.wav", "four.wav" })
-        {
-            writeLongSilence (folder / name);
-            arguments.push_back (folder / name);
-        }
-
-        arguments.insert (arguments.end(), { "-o", folder / "results" });
-        Child child (Call { .arguments = arguments });
+        Child child (callWith ({ "--jobs", "3", "--plot", "pictures/", "-o", "results" }, names));
 
         for (const std::string name : { "one", "two", "three" })
         {
@@ -115,21 +96,18 @@ TEST (Jobs, LeaveNothingBehindWhenTheyAreInterrupted)
         EXPECT_EQ (outcome.signal, signal);
         EXPECT_THAT (folder.contents(),
                      ElementsAre ("four.wav", "one.wav", "pictures", "results", "three.wav", "two.wav"));
-        const auto interrupted = [&folder] (const std::string& name)
-        { return "larkspire-render: " + (folder / name) + ": interrupted, nothing was written"; };
-        EXPECT_THAT (linesOf (outcome.errors),
-                     ElementsAre (interrupted ("one.wav"), interrupted ("two.wav"), interrupted ("three.wav")));
+        EXPECT_EQ (outcome.errors,
+                   "larkspire-render: one.wav: interrupted, nothing was written\n"
+                   "larkspire-render: two.wav: interrupted, nothing was written\n"
+                   "larkspire-render: three.wav: interrupted, nothing was written\n");
     }
 }
 
-TEST (Jobs, KeepWhatWasDoneBeforeTheInterruption)
+TEST_F (Jobs, KeepWhatWasDoneBeforeTheInterruption)
 {
-    const TemporaryFolder folder;
-    write (folder / "short.wav", wav16, makeNoise (1, 300, 16));
+    writeNoise ("short.wav");
     writeLongSilence (folder / "long.wav");
-    Child child (
-        Call { .arguments = {
-                   "--json", "--jobs", "2", folder / "long.wav", folder / "short.wav", "-o", folder / "results" } });
+    Child child (callWith ({ "--json", "--jobs", "2", "-o", "results" }, { "long.wav", "short.wav" }));
     ASSERT_TRUE (folder.showsSoon ("results/short.wav"));
     ASSERT_TRUE (folder.showsSoon ("long.wav.partial-"));
     child.sendSignal (SIGINT);
@@ -143,14 +121,12 @@ TEST (Jobs, KeepWhatWasDoneBeforeTheInterruption)
     EXPECT_THAT (outcome.output, HasSubstr ("results/short.wav"));
 }
 
-TEST (Jobs, GiveEveryFileALineOfProgressInOrder)
+TEST_F (Jobs, GiveEveryFileALineOfProgressInOrder)
 {
-    const TemporaryFolder folder;
-    const auto names = writeTwelve (folder);
-    std::vector<std::string> arguments { "-j", "4" };
-    arguments.insert (arguments.end(), names.begin(), names.end());
-    arguments.insert (arguments.end(), { "-o", "results" });
-    const auto outcome = run (Call { .arguments = arguments, .folder = folder.path(), .onTerminal = true });
+    const auto names = writeTwelve();
+    auto call = callWith ({ "-j", "4", "-o", "results" }, names);
+    call.onTerminal = true;
+    const auto outcome = run (call);
     EXPECT_EQ (outcome.exitStatus, 0);
     const auto lines = linesOf (outcome.errors);
     ASSERT_EQ (lines.size(), names.size()) << outcome.errors;

@@ -2,28 +2,20 @@
 // The pictures of --plot, looked at pixel by pixel where the scales say what must be there.
 #include "plot/Axes.h"
 #include "reference/Modes.h"
-#include "render/Tone.h"
-#include "support/Child.h"
+#include "render/RendererTest.h"
 #include "support/Paths.h"
-#include "support/Recording.h"
-#include "support/TemporaryFolder.h"
+#include "support/TestTone.h"
 #include "window/Picture.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <set>
-#include <string>
-#include <vector>
 
 namespace
 {
 using larkspire::plot::Rows;
 using larkspire::window::Colour;
 using larkspire::window::Picture;
-using testing::ElementsAre;
 using testing::HasSubstr;
 namespace plot = larkspire::plot;
 
@@ -64,22 +56,17 @@ void expectLine (const Picture& picture, Rows panel, int column, double row, Col
     EXPECT_NEAR (rows.back(), row, 2.0) << "column " << column;
 }
 
-class Drawing : public testing::Test
+class Drawing : public RendererTest
 {
 protected:
     /** Draws a sound of 48000 Hz in floats. */
     Picture pictureOf (const std::vector<float>& sound, int channels, std::vector<std::string> further = {})
     {
         writeFloats (folder / "sound.wav", wavFloat, channels, sound);
-        further.insert (further.end(),
-                        { "--plot", folder / "sound.png", folder / "sound.wav", "-o", folder / "result.wav" });
-        const auto outcome = run (Call { .arguments = further, .environment = { { "DISPLAY", "" } } });
-        EXPECT_EQ (outcome.exitStatus, 0) << outcome.errors;
-        EXPECT_EQ (outcome.output + outcome.errors, "");
+        further.insert (further.end(), { "--plot", "sound.png", "sound.wav", "-o", "result.wav" });
+        EXPECT_EQ (expectSuccess (further), "");
         return larkspire::window::readPng (folder / "sound.png");
     }
-
-    TemporaryFolder folder;
 };
 
 TEST_F (Drawing, HasItsSizeAndWhitePaper)
@@ -161,7 +148,7 @@ TEST_F (Drawing, ShowsTheChannelsInOneWaveform)
 TEST_F (Drawing, ShowsTheLoudnessOfATone)
 {
     const auto picture =
-        pictureOf (Tone { .seconds = 8.0 }.samples(), 2, { "--plugin", paths::standIn(), "--bits", "32f" });
+        pictureOf (TestTone { .seconds = 8.0 }.samples(), 2, { "--plugin", paths::standIn(), "--bits", "32f" });
     const auto axis = upright (-60.0, 0.0, plot::loudnessRows);
 
     for (const double time : { 2.0, 4.0, 6.0 })
@@ -223,27 +210,21 @@ TEST_F (Drawing, HasWordsForTitleAndAxes)
 
 TEST_F (Drawing, HasFileAndModeInItsTitle)
 {
-    const std::vector<float> silence (48000);
-    const auto titleOf = [] (const Picture& picture)
-    {
-        std::string greens;
-
-        for (int row = 15; row < 50; ++row)
-            for (int column = 0; column < picture.width; ++column)
-                greens += static_cast<char> (picture.at (column, row).green);
-
-        return greens;
-    };
-
-    writeFloats (folder / "sound.wav", wavFloat, 1, silence);
-    writeFloats (folder / "another.wav", wavFloat, 1, silence);
     std::set<std::string> titles;
 
-    for (const std::string name : { "sound", "another" })
+    for (const std::string name : { "sound.wav", "another.wav" })
         for (const std::string mode : { "Gentle", "Powerful" })
         {
-            run ({ "--mode", mode, "--plot", folder / "p.png", folder / (name + ".wav"), "-o", folder / "r.wav" });
-            titles.insert (titleOf (larkspire::window::readPng (folder / "p.png")));
+            writeFloats (folder / name, wavFloat, 1, std::vector<float> (48000));
+            expectSuccess ({ "--mode", mode, "--plot", "picture.png", name, "-o", "result.wav" });
+            const auto picture = larkspire::window::readPng (folder / "picture.png");
+            std::string greens;
+
+            for (int row = 15; row < 50; ++row)
+                for (int column = 0; column < picture.width; ++column)
+                    greens += static_cast<char> (picture.at (column, row).green);
+
+            titles.insert (greens);
         }
 
     EXPECT_EQ (titles.size(), 4U);
@@ -260,33 +241,25 @@ TEST_F (Drawing, IsTheSameEveryTime)
 
 TEST_F (Drawing, WithoutAnyFontIsReportedAndLeavesNothing)
 {
-    writeFloats (folder / "sound.wav", wavFloat, 1, std::vector<float> (4800));
-    const auto outcome =
-        run (Call { .arguments = { "--plot", folder / "sound.png", folder / "sound.wav", "-o", folder / "result.wav" },
-                    .environment = { { "JUCE_FONT_PATH", folder / "nothing" } } });
-    EXPECT_EQ (outcome.exitStatus, 1);
-    EXPECT_EQ (linesOf (outcome.errors).size(), 1U) << outcome.errors;
-    EXPECT_THAT (outcome.errors, HasSubstr ("fonts-liberation2"));
-    EXPECT_THAT (folder.contents(), ElementsAre ("sound.wav"));
+    writeNoise ("sound.wav");
+    EXPECT_THAT (expectFailure (1,
+                                Call { .arguments = { "--plot", "sound.png", "sound.wav", "-o", "result.wav" },
+                                       .environment = { { "JUCE_FONT_PATH", folder / "nothing" } },
+                                       .folder = folder.path() }),
+                 HasSubstr ("fonts-liberation2"));
 }
 
 TEST_F (Drawing, ThatCannotBeWrittenLeavesNoResultEither)
 {
-    write (folder / "sound.wav", wav16, makeNoise (1, 20000, 16));
-    const auto outcome =
-        run ({ "--plot", folder / "missing/sound.png", folder / "sound.wav", "-o", folder / "result.wav" });
-    EXPECT_EQ (outcome.exitStatus, 1);
-    EXPECT_THAT (outcome.errors, HasSubstr ("missing/sound.png: cannot be written"));
-    EXPECT_THAT (folder.contents(), ElementsAre ("sound.wav"));
+    writeNoise ("sound.wav", 1, 20000);
+    EXPECT_THAT (expectFailure (1, { "--plot", "missing/sound.png", "sound.wav", "-o", "result.wav" }),
+                 HasSubstr ("missing/sound.png: cannot be written"));
 }
 
 TEST_F (Drawing, OfAComparisonHasTheModeInItsName)
 {
-    write (folder / "sound.wav", wav16, makeNoise (1, 20000, 16));
-    EXPECT_EQ (run (Call { .arguments = { "--compare", "--plot", "look.png", "sound.wav", "-o", "results/" },
-                           .folder = folder.path() })
-                   .exitStatus,
-               0);
+    writeNoise ("sound.wav", 1, 20000);
+    expectSuccess ({ "--compare", "--plot", "look.png", "sound.wav", "-o", "results/" });
 
     for (const std::string mode : { "bypass", "Gentle", "Medium", "Powerful" })
         EXPECT_EQ (larkspire::window::readPng (folder / ("look-" + mode + ".png")).height, plot::pictureHeight);

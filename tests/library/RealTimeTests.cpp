@@ -7,10 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <memory>
 #include <pthread.h>
 #include <semaphore.h>
-#include <stdexcept>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -55,7 +53,7 @@ void expectRealTimeMatrix (RawHost& host, int position, float rate, bool mono)
 {
     constexpr std::size_t longest = blockSizes.back();
     static const auto clean = noise (longest, 0.0, 2);
-    static const auto bad = withBadSamples (noise (longest, 0.0, 5));
+    static const auto bad = withBadSamples (noise (longest, -780.0, 5)); // among denormals
 
     for (const std::size_t frames : blockSizes)
         for (const bool bypassed : { false, true })
@@ -106,32 +104,13 @@ TEST_P (RealTime, HoldsAtAChangeOfModeAndAtTheWrapOfTheRefreshCounter)
         expectRealTimeBlock (host, signal, 0, 4096, "block " + std::to_string (block));
 }
 
-TEST_P (RealTime, HoldsForBadSamplesDenormalsAndHostBypass)
-{
-    RawHost host;
-    host.setParameter (knobPosition (GetParam()));
-    host.start (48000.0f);
-    warmUp (host);
-
-    for (auto& signal : testSignals (2048))
-    {
-        expectRealTimeBlock (host, signal, 0, 2048, signal.name);
-        host.dispatch (Vst2::effSetBypass, 0, 1);
-        expectRealTimeBlock (host, signal, 0, 2048, signal.name + ", bypassed");
-        host.dispatch (Vst2::effSetBypass, 0, 0);
-    }
-}
-
 TEST_P (RealTime, HoldsAfterAStateWasLoadedAndAfterSuspendAndResume)
 {
     RawHost host;
     host.setParameter (knobPosition (GetParam()));
     host.start (48000.0f);
     warmUp (host);
-    void* data = nullptr;
-    const auto size = host.dispatch (Vst2::effGetChunk, 0, 0, &data);
-    const std::vector<char> chunk (static_cast<char*> (data), static_cast<char*> (data) + size);
-    host.dispatch (Vst2::effSetChunk, 0, size, const_cast<char*> (chunk.data()));
+    host.setChunk (host.chunk());
     auto signal = noise (512, -12.0, 4);
     expectRealTimeBlock (host, signal, 0, 512, "after a load");
 
@@ -143,27 +122,21 @@ TEST_P (RealTime, HoldsAfterAStateWasLoadedAndAfterSuspendAndResume)
 
 INSTANTIATE_TEST_SUITE_P (InMode, RealTime, testing::Range (0, 9));
 
-TEST (EntryPoint, GivesNoInstanceWhenMemoryRunsOut)
+TEST (EntryPoint, GivesNoInstanceUntilThereIsMemoryForIt)
 {
     const RawHost host;
     const auto answer =
         [] (Vst2::AEffect*, Vst2::VstInt32, Vst2::VstInt32, Vst2::VstIntPtr, void*, float) -> Vst2::VstIntPtr
     { return 2400; };
 
-    constexpr std::size_t reserveBuffer = 524288 * sizeof (float);
-    const ScopedRefusal refusal (reserveBuffer);
-    EXPECT_EQ (host.entryPoint() (answer), nullptr);
-}
-
-TEST (EntryPoint, GivesAnInstanceOnceThereIsMemoryAgain)
-{
     {
-        const ScopedRefusal refusal (524288 * sizeof (float));
-        EXPECT_THROW (const RawHost host, std::runtime_error);
+        constexpr std::size_t reserveBuffer = 524288 * sizeof (float);
+        const ScopedRefusal refusal (reserveBuffer);
+        EXPECT_EQ (host.entryPoint() (answer), nullptr);
     }
 
-    RawHost host;
-    EXPECT_EQ (host.text (Vst2::effGetParamName), "Mode");
+    const RawHost another;
+    EXPECT_EQ (another.text (Vst2::effGetParamName), "Mode");
 }
 
 // The hooks must be able to see what they look for.
@@ -179,17 +152,11 @@ TEST (RealTimeHooks, SeeNothingWhereNothingHappens)
     EXPECT_EQ (counts.systemCalls, 0u);
 }
 
-TEST (RealTimeHooks, SeeAnAllocation)
+TEST (RealTimeHooks, SeeAnAllocationByEveryFunctionOfTheCLibrary)
 {
     RealTimeScope scope;
     escape = new float[10];
     delete[] static_cast<float*> (escape);
-    EXPECT_EQ (scope.stop().allocations, 2u);
-}
-
-TEST (RealTimeHooks, SeeAnAllocationByEveryFunctionOfTheCLibrary)
-{
-    RealTimeScope scope;
     escape = malloc (10);
     escape = realloc (escape, 20);
     free (escape);
@@ -200,7 +167,7 @@ TEST (RealTimeHooks, SeeAnAllocationByEveryFunctionOfTheCLibrary)
     free (aligned);
     escape = aligned_alloc (64, 64);
     free (escape);
-    EXPECT_EQ (scope.stop().allocations, 9u);
+    EXPECT_EQ (scope.stop().allocations, 11u);
     EXPECT_EQ (result, 0);
 }
 

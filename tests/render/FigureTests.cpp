@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The report, as people and as programs read it.
 #include "render/RendererTest.h"
-#include "render/Tone.h"
 #include "support/Paths.h"
+#include "support/TestTone.h"
 
 #include <nlohmann/json.hpp>
 
@@ -72,7 +72,7 @@ protected:
     Report()
     {
         // Words of a tone with a little noise between them.
-        const auto word = Tone { .frequency = 300.0, .peakDbfs = -12.0, .seconds = 0.5 }.samples();
+        const auto word = TestTone { .frequency = 300.0, .peakDbfs = -12.0, .seconds = 0.5 }.samples();
         auto gap = toFloats (makeNoise (2, 14400, 24));
 
         for (auto& sample : gap)
@@ -149,14 +149,14 @@ TEST_F (Report, SaysTheSameToPeopleAndToPrograms)
 TEST_F (Report, MeasuresWhatIsInTheFiles)
 {
     // In bypass both sides are one sound, down to what 16 bits leave of it.
-    writeFloats (folder / "tone.wav", wavFloat, 2, Tone { .seconds = 5.0 }.samples());
+    writeFloats (folder / "tone.wav", wavFloat, 2, TestTone { .seconds = 5.0 }.samples());
     const auto document = documentOf ({ "--mode", "bypass", "--bits", "16" }, "tone.wav");
     EXPECT_NEAR (document[0]["before"]["integrated_lufs"].get<double>(), -23.0, 0.1);
     EXPECT_NEAR (document[0]["after"]["integrated_lufs"].get<double>(), -23.0, 0.1);
     EXPECT_NEAR (document[0]["before"]["noise_dbfs"].get<double>(), -26.01, 0.05);
 
     // Less than half a step is nothing in a file of 16 bits.
-    writeFloats (folder / "faint.wav", wavFloat, 2, Tone { .peakDbfs = -100.0, .seconds = 5.0 }.samples());
+    writeFloats (folder / "faint.wav", wavFloat, 2, TestTone { .peakDbfs = -100.0, .seconds = 5.0 }.samples());
     const auto faint = documentOf ({ "--mode", "bypass", "--bits", "16" }, "faint.wav");
     EXPECT_NEAR (faint[0]["before"]["true_peak_dbtp"].get<double>(), -100.0, 0.2);
     EXPECT_TRUE (faint[0]["after"]["true_peak_dbtp"].is_null());
@@ -192,7 +192,7 @@ TEST_F (Report, HasDashesAndNullForSilenceAndForNothing)
 
 TEST_F (Report, HasNullForWhatIsNoNumber)
 {
-    auto broken = Tone { .seconds = 5.0, .channels = 1 }.samples();
+    auto broken = TestTone { .seconds = 5.0, .channels = 1 }.samples();
     broken[100] = std::numeric_limits<float>::quiet_NaN();
     broken[200] = std::numeric_limits<float>::infinity();
     writeFloats (folder / "broken.wav", wavFloat, 1, broken);

@@ -2,7 +2,7 @@
 // What a person gets to see while files are rendered and afterwards.
 #include "audio/Levels.h"
 #include "render/RendererTest.h"
-#include "render/Tone.h"
+#include "support/TestTone.h"
 
 #include <limits>
 #include <regex>
@@ -42,7 +42,7 @@ TEST_F (Stats, TellLevelsLengthAndSpeedOfEveryResult)
 {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     writeFloats (
-        folder / "tone.wav", wav24, 1, Tone { .frequency = 1000.0, .peakDbfs = -6.0206, .channels = 1 }.samples());
+        folder / "tone.wav", wav24, 1, TestTone { .frequency = 1000.0, .peakDbfs = -6.0206, .channels = 1 }.samples());
     writeFloats (folder / "square.wav", wav24, 2, std::vector<float> (12000, -0.25f));
     writeFloats (folder / "silence.wav", wav16, 1, std::vector<float> (480));
     const auto lines =

@@ -3,9 +3,9 @@
 #include "host/HostedPlugin.h"
 #include "meter/ChainProbe.h"
 #include "reference/Stages.h"
-#include "render/Tone.h"
 #include "support/Paths.h"
 #include "support/Recording.h"
+#include "support/TestTone.h"
 
 #include <gtest/gtest.h>
 
@@ -142,7 +142,7 @@ TEST (ChainProbe, KnowsTheGainsOfSilence)
 TEST (ChainProbe, SeesTheFoldLiftTheMiddleAndLowerTheSides)
 {
     // The expander is fully open, so both channels reach the fold alike.
-    auto middle = Tone { .frequency = 3000.0, .peakDbfs = -12.0, .seconds = 2.0 }.samples();
+    auto middle = TestTone { .frequency = 3000.0, .peakDbfs = -12.0, .seconds = 2.0 }.samples();
     Beside centred (KnobMode::medium, { .channels = 2, .sampleRate = 48000 });
     centred.hear (middle);
     EXPECT_NEAR (centred.probe.gains().foldDb.value(), decibels (1.5), 1e-4);
@@ -163,7 +163,7 @@ TEST (ChainProbe, SeesTheHighPassAtItsCorner)
         const auto& settings = settingsOf (mode);
         Beside beside (mode, { .channels = 1, .sampleRate = 48000 });
         beside.hear (
-            Tone { .frequency = settings.corner, .peakDbfs = -12.0, .seconds = 10.0, .channels = 1 }.samples());
+            TestTone { .frequency = settings.corner, .peakDbfs = -12.0, .seconds = 10.0, .channels = 1 }.samples());
         EXPECT_NEAR (beside.probe.gains().highPassDb.value(), decibels (double (settings.q)), 0.01);
     }
 }
@@ -172,14 +172,14 @@ TEST (ChainProbe, SeesTheSoftClipOnAFaintSound)
 {
     // A sine of a small number is the number, and the ceiling remains.
     Beside beside (KnobMode::powerful, { .channels = 1, .sampleRate = 48000 });
-    beside.hear (Tone { .peakDbfs = -80.0, .seconds = 1.0, .channels = 1 }.samples());
+    beside.hear (TestTone { .peakDbfs = -80.0, .seconds = 1.0, .channels = 1 }.samples());
     EXPECT_NEAR (beside.probe.gains().softClipDb.value(), decibels (0.9885), 1e-3);
 }
 
 TEST (ChainProbe, AveragesTheChannelsInDecibels)
 {
     // One channel is silent, the other keeps its expander open. The channels are ridden by themselves up to there.
-    const auto tone = Tone { .frequency = 3000.0, .peakDbfs = -12.0, .seconds = 2.0, .channels = 1 }.samples();
+    const auto tone = TestTone { .frequency = 3000.0, .peakDbfs = -12.0, .seconds = 2.0, .channels = 1 }.samples();
     const std::vector<float> silence (tone.size());
     std::vector<float> both;
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The Windows library at work under Wine, beside the Linux library.
+#include "support/FirstMatch.h"
 #include "support/RawHost.h"
+#include "support/Recording.h"
 #include "support/Signals.h"
 #include "support/TemporaryFolder.h"
 #include "windows/WineHost.h"
@@ -8,36 +10,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <algorithm>
+#include <cmath>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <pwd.h>
 #include <unistd.h>
 
 namespace
 {
-std::string readFile (const std::string& path)
-{
-    std::ifstream file (path, std::ios::binary);
-    return { std::istreambuf_iterator<char> (file), {} };
-}
-
-void writeFile (const std::string& path, const std::string& bytes)
-{
-    std::ofstream (path, std::ios::binary) << bytes;
-}
-
 /** The value of an attribute in a state block. */
 std::string attribute (const std::string& state, const std::string& name)
 {
-    const auto start = state.find (" " + name + "=\"");
-
-    if (start == std::string::npos)
-        return "(none)";
-
-    const auto value = start + name.size() + 3;
-    return state.substr (value, state.find ('"', value) - value);
+    return found (state, " " + name + "=\"([^\"]*)\"");
 }
 
 TEST (WindowsLibrary, ShowsTheSameIdentity)
@@ -85,9 +69,9 @@ TEST_P (WindowsSound, IsThatOfTheLinuxLibrary)
     }
 
     const TemporaryFolder folder;
-    writeFile (folder / "in", interleaved);
+    writeBytes (folder / "in", interleaved);
     WineHost::run ("render", { std::to_string (GetParam()), "48000", folder / "in", folder / "out" });
-    const auto rendered = readFile (folder / "out");
+    const auto rendered = bytesOf (folder / "out");
     ASSERT_EQ (rendered.size(), interleaved.size());
     const auto* windows = reinterpret_cast<const float*> (rendered.data());
 
@@ -124,11 +108,10 @@ TEST_P (WindowsState, SavedOnWindowsIsRestoredOnLinux)
 {
     const TemporaryFolder folder;
     WineHost::run ("save", { std::to_string (GetParam()), folder / "state" });
-    auto state = readFile (folder / "state");
 
     RawHost linux;
     linux.setParameter (1.0f);
-    linux.dispatch (Vst2::effSetChunk, 0, static_cast<Vst2::VstIntPtr> (state.size()), state.data());
+    linux.setChunk (bytesOf (folder / "state"));
     EXPECT_NEAR (linux.getParameter(), knobPosition (GetParam()), 5e-5f);
 }
 
@@ -136,22 +119,20 @@ TEST_P (WindowsState, SavedOnLinuxIsRestoredOnWindows)
 {
     RawHost linux;
     linux.setParameter (knobPosition (GetParam()));
-    void* data = nullptr;
-    const auto size = linux.dispatch (Vst2::effGetChunk, 0, 0, &data);
-    const std::string saved (static_cast<const char*> (data), static_cast<std::size_t> (size));
+    const auto saved = linux.chunk();
 
     const TemporaryFolder folder;
-    writeFile (folder / "state", saved);
+    writeBytes (folder / "state", saved);
     const auto report = WineHost::run ("restore", { folder / "state", folder / "again" });
     EXPECT_NEAR (std::stof (report["parameter"]), knobPosition (GetParam()), 5e-5f);
-    EXPECT_EQ (attribute (readFile (folder / "again"), "mode"), attribute (saved, "mode"));
+    EXPECT_EQ (attribute (bytesOf (folder / "again"), "mode"), attribute (saved, "mode"));
 }
 
 TEST (WindowsState, NamesTheUserAndTheSecondHalfOfTheHostsPath)
 {
     const TemporaryFolder folder;
     WineHost::run ("save", { "2", folder / "state" });
-    const auto state = readFile (folder / "state");
+    const auto state = bytesOf (folder / "state");
     EXPECT_EQ (state.substr (0, 4), "VC2!");
     EXPECT_EQ (attribute (state, "username"), getpwuid (geteuid())->pw_name); // NOLINT(concurrency-mt-unsafe)
     EXPECT_EQ (attribute (state, "plugin"), "Quendal Larkspire");

@@ -7,7 +7,7 @@
 #include <vector>
 
 /** A sine on all channels alike, interleaved. */
-struct Tone
+struct TestTone
 {
     double frequency = 997.0; // Hz
     double peakDbfs = -23.0;

@@ -16,8 +16,8 @@ namespace
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-const std::string linuxFolder = "quendal-larkspire-" LARKSPIRE_RELEASE "-linux-x86_64";
-const std::string windowsFolder = "quendal-larkspire-" LARKSPIRE_RELEASE "-windows-x86_64";
+using packages::linuxFolder;
+using packages::windowsFolder;
 
 /** The largest number behind a prefix such as "GLIBC_2." in what a file asks of the libraries that it loads. */
 int newest (const std::string& file, const std::string& prefix)

@@ -25,12 +25,12 @@ std::filesystem::path packages::debian()
 
 std::filesystem::path packages::linuxArchive()
 {
-    return inPackages ("quendal-larkspire-" LARKSPIRE_RELEASE "-linux-x86_64.tar.gz");
+    return inPackages (linuxFolder + ".tar.gz");
 }
 
 std::filesystem::path packages::windowsArchive()
 {
-    return inPackages ("quendal-larkspire-" LARKSPIRE_RELEASE "-windows-x86_64.zip");
+    return inPackages (windowsFolder + ".zip");
 }
 
 Outcome outcomeOf (const std::string& program, const std::vector<std::string>& arguments)

@@ -14,6 +14,10 @@ namespace packages
 std::filesystem::path debian();
 std::filesystem::path linuxArchive();
 std::filesystem::path windowsArchive();
+
+// The one folder in each archive.
+inline const std::string linuxFolder = "quendal-larkspire-" LARKSPIRE_RELEASE "-linux-x86_64";
+inline const std::string windowsFolder = "quendal-larkspire-" LARKSPIRE_RELEASE "-windows-x86_64";
 } // namespace packages
 
 /** A file or folder as a package lists it. */

@@ -11,27 +11,24 @@
 
 namespace
 {
-/** A file that the Debian package holds compressed or as it is. */
-std::string packed (const std::string& path)
+/** The text of a file in a package, compressed or as it is. */
+std::string textOf (const std::filesystem::path& package, const std::string& file)
 {
-    return outputOf ("zcat", { "--force", Unpacked (packages::debian()) / path });
+    return outputOf ("zcat", { "--force", Unpacked (package) / file });
 }
 
-std::string inLinuxArchive (const std::string& name)
+/** What a program in a package says of its version. */
+std::string versionOf (const std::filesystem::path& package, const std::string& program)
 {
-    return "quendal-larkspire-" LARKSPIRE_RELEASE "-linux-x86_64/" + name;
+    return outputOf (Unpacked (package) / program, { "--version" });
 }
 
-std::string inWindowsArchive (const std::string& name)
-{
-    return "quendal-larkspire-" LARKSPIRE_RELEASE "-windows-x86_64/" + name;
-}
-
-/** A place that states the number, and how it is read there. */
+/** A place that states the number, and how it is found there. */
 struct Statement
 {
     std::string name;
     std::function<std::string()> read;
+    std::string pattern;
 };
 
 std::ostream& operator<< (std::ostream& stream, const Statement& statement)
@@ -41,52 +38,39 @@ std::ostream& operator<< (std::ostream& stream, const Statement& statement)
 
 const std::vector<Statement> statements {
     { "RendererOfTheDebianPackage",
-      []
-      {
-          const Unpacked package (packages::debian());
-          return found (outputOf (package / "usr/bin/larkspire-render", { "--version" }), "^larkspire-render (.*)\n$");
-      } },
+      [] { return versionOf (packages::debian(), "usr/bin/larkspire-render"); },
+      "^larkspire-render (.*)\n$" },
     { "RendererOfTheArchive",
-      []
-      {
-          const Unpacked package (packages::linuxArchive());
-          return found (outputOf (package / inLinuxArchive ("larkspire-render"), { "--version" }),
-                        "^larkspire-render (.*)\n$");
-      } },
+      [] { return versionOf (packages::linuxArchive(), packages::linuxFolder + "/larkspire-render"); },
+      "^larkspire-render (.*)\n$" },
     { "DebianPackage",
       [] {
-          return found (outputOf ("dpkg-deb", { "--field", packages::debian(), "Version" }), "(.*)\n");
-      } },
+          return outputOf ("dpkg-deb", { "--field", packages::debian(), "Version" });
+      },
+      "(.*)\n" },
     { "DebianChangelog",
-      [] { return found (packed ("usr/share/doc/quendal-larkspire/changelog.gz"), "^quendal-larkspire \\((.*)\\)"); } },
+      [] { return textOf (packages::debian(), "usr/share/doc/quendal-larkspire/changelog.gz"); },
+      "^quendal-larkspire \\((.*)\\)" },
     { "SoftwareCatalogue",
-      [] {
-          return found (packed ("usr/share/metainfo/com.quendal.larkspire.metainfo.xml"),
-                        "<release version=\"([^\"]*)\"");
-      } },
+      [] { return textOf (packages::debian(), "usr/share/metainfo/com.quendal.larkspire.metainfo.xml"); },
+      "<release version=\"([^\"]*)\"" },
     { "ManPage",
-      [] {
-          return found (packed ("usr/share/man/man1/larkspire-render.1.gz"), "\n\\.TH .*\"larkspire-render ([^\"]*)\"");
-      } },
+      [] { return textOf (packages::debian(), "usr/share/man/man1/larkspire-render.1.gz"); },
+      "\n\\.TH .*\"larkspire-render ([^\"]*)\"" },
     { "InstructionsForLinux",
-      []
-      {
-          const Unpacked package (packages::linuxArchive());
-          return found (bytesOf (package / inLinuxArchive ("INSTALL.txt")), "^Quendal Larkspire (.*) for Linux");
-      } },
+      [] { return textOf (packages::linuxArchive(), packages::linuxFolder + "/INSTALL.txt"); },
+      "^Quendal Larkspire (.*) for Linux" },
     { "InstructionsForWindows",
-      []
-      {
-          const Unpacked package (packages::windowsArchive());
-          return found (bytesOf (package / inWindowsArchive ("INSTALL.txt")), "^Quendal Larkspire (.*) for Windows");
-      } },
+      [] { return textOf (packages::windowsArchive(), packages::windowsFolder + "/INSTALL.txt"); },
+      "^Quendal Larkspire (.*) for Windows" },
     { "ResourceOfTheWindowsLibrary",
       []
       {
           const Unpacked package (packages::windowsArchive());
-          const auto library = package / inWindowsArchive ("Quendal Larkspire.dll");
-          return found (outputOf ("strings", { "--encoding=l", library }), "\nProductVersion\n(.*)\n");
-      } },
+          const auto library = package / (packages::windowsFolder + "/Quendal Larkspire.dll");
+          return outputOf ("strings", { "--encoding=l", library });
+      },
+      "\nProductVersion\n(.*)\n" },
 };
 
 class Release : public testing::TestWithParam<Statement>
@@ -99,7 +83,7 @@ TEST_P (Release, IsTheOneOfTheSources)
     const auto release =
         found (bytesOf (paths::source ("cmake/Version.cmake")), "\nset \\(LARKSPIRE_RELEASE \"([^\"]*)\"\\)");
     ASSERT_FALSE (release.empty());
-    EXPECT_EQ (GetParam().read(), release);
+    EXPECT_EQ (found (GetParam().read(), GetParam().pattern), release);
 }
 
 INSTANTIATE_TEST_SUITE_P (In,

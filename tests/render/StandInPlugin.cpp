@@ -4,8 +4,7 @@
 //
 // LARKSPIRE_STAND_IN_LOG    the file that it appends its lines to
 // LARKSPIRE_STAND_IN_FAULT  "nothing": gives no instance; "magic", "identity": a wrong number; "channels": refuses
-// every
-//                           arrangement
+//                           every arrangement
 #include "Vst2.h"
 
 #include <algorithm>

@@ -10,20 +10,16 @@ namespace
 {
 using larkspire::Quantiser;
 
-TEST (Quantiser, ReturnsEvery16BitNumber)
+TEST (Quantiser, ReturnsEveryNumber)
 {
-    const Quantiser quantiser (16);
+    for (const int bits : { 16, 24 })
+    {
+        const Quantiser quantiser (bits);
+        const int steps = 1 << (bits - 1);
 
-    for (int number = -32768; number <= 32767; ++number)
-        ASSERT_EQ (quantiser.toWholeNumber (static_cast<float> (number) / 32768.0f), number);
-}
-
-TEST (Quantiser, ReturnsEvery24BitNumber)
-{
-    const Quantiser quantiser (24);
-
-    for (int number = -8388608; number <= 8388607; ++number)
-        ASSERT_EQ (quantiser.toWholeNumber (static_cast<float> (number) / 8388608.0f), number);
+        for (int number = -steps; number < steps; ++number)
+            ASSERT_EQ (quantiser.toWholeNumber (static_cast<float> (number) / static_cast<float> (steps)), number);
+    }
 }
 
 TEST (Quantiser, RoundsToTheNearestAndTiesToEven)

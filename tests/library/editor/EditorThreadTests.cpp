@@ -2,7 +2,7 @@
 // All threads of a host at once: audio, automation, saving and loading, the window.
 #include "library/ChunkBytes.h"
 #include "library/editor/EditorHost.h"
-#include "support/KnobPosition.h"
+#include "support/Repeating.h"
 #include "support/RunningAudio.h"
 
 #include <chrono>
@@ -14,40 +14,6 @@ constexpr auto patience = std::chrono::minutes (4); // less than a test is given
 
 class EditorThreads : public WithDisplay
 {
-};
-
-/** Does something again and again on a thread of its own until the end of this. */
-template <typename Action>
-class Repeating
-{
-public:
-    explicit Repeating (Action whatToDo) : action (std::move (whatToDo)), thread ([this] { run(); }) {}
-
-    ~Repeating()
-    {
-        stop = true;
-        thread.join();
-    }
-
-    Repeating (const Repeating&) = delete;
-    Repeating& operator= (const Repeating&) = delete;
-
-    std::size_t times() const { return count; }
-
-private:
-    void run()
-    {
-        while (! stop)
-        {
-            action();
-            ++count;
-        }
-    }
-
-    Action action;
-    std::atomic<bool> stop { false };
-    std::atomic<std::size_t> count { 0 };
-    std::thread thread;
 };
 
 /** A chunk that sets the parameter to a position and carries an entry. */

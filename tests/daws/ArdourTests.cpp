@@ -81,7 +81,7 @@ class ArdourHost : public testing::Test
 protected:
     static void SetUpTestSuite()
     {
-        // Without this variable the framework connects to the first X server that it finds.
+        // Without this variable JUCE connects to the first X server that it finds.
         setenv ("DISPLAY", ":none", 1);
         ardour = std::make_unique<Ardour>();
     }

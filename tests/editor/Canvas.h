@@ -5,13 +5,13 @@
 
 #include <functional>
 
-/** The framework's windows and messages for as long as a test lives. */
+/** JUCE's windows and messages for as long as a test lives. */
 struct GuiTest
 {
-    juce::ScopedJuceInitialiser_GUI framework;
+    juce::ScopedJuceInitialiser_GUI juceGui;
 };
 
-/** What a function draws on an image of one colour. Shadows and letters are drawn by the framework's own renderer, as
+/** What a function draws on an image of one colour. Shadows and letters are drawn by JUCE's own renderer, as
     in a window. */
 inline juce::Image
 drawn (int width, int height, juce::Colour background, const std::function<void (juce::Graphics&)>& draw)

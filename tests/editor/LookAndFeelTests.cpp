@@ -62,7 +62,7 @@ TEST_F (LookAndFeel, GivesButtonsAPlainFontOfTheBaseHeight)
     }
 }
 
-// The letters of the framework's own default are there on every machine; a name that is not installed gives none.
+// The letters of JUCE's own default are there on every machine; a name that is not installed gives none.
 TEST_F (LookAndFeel, LeavesATypefaceToDrawWith)
 {
     const auto typeface = juce::LookAndFeel::getDefaultLookAndFeel().getTypefaceForFont (juce::FontOptions (20.0f));

@@ -46,7 +46,7 @@ TEST_F (Ticks, StandAtEveryPositionOrAreElevenWhereThoseMakeNoScale)
 
     for (const auto& row : { Row { 3.0 / 9.0, 1.0 / 9.0, 4 },
                              { 1.0, 0.0, 11 },
-                             { 0.0, 0.0, 11 }, // no number
+                             { 0.0, 0.0, 11 }, // the step is NaN
                              { 1.0, 0.79f, 2 },
                              { 1.0, std::nextafter (0.79f, 1.0f), 11 },
                              { 1.0, 0.019f, 54 },

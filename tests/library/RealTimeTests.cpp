@@ -14,8 +14,8 @@
 
 namespace
 {
-// The framework's wrapper holds one lock of its own around every block.
-constexpr std::size_t frameworkLocksPerBlock = 1;
+// JUCE's wrapper holds one lock of its own around every block.
+constexpr std::size_t locksOfJucePerBlock = 1;
 
 /** Processes a block of this many frames and expects it to be free of all that an audio thread must not do. */
 void expectRealTimeBlock (RawHost& host, Signal& signal, std::size_t from, std::size_t frames, const std::string& when)
@@ -24,11 +24,11 @@ void expectRealTimeBlock (RawHost& host, Signal& signal, std::size_t from, std::
     host.process (signal.left, signal.right, from, frames);
     const auto counts = scope.stop();
     EXPECT_EQ (counts.allocations, 0u) << when;
-    EXPECT_EQ (counts.locks, frameworkLocksPerBlock) << when;
+    EXPECT_EQ (counts.locks, locksOfJucePerBlock) << when;
     EXPECT_EQ (counts.systemCalls, 0u) << when << ", system call number " << counts.firstSystemCall;
 }
 
-// The first block is the framework's warm-up: the C library binds functions as they are first called.
+// The first block is JUCE's warm-up: the C library binds functions as they are first called.
 void warmUp (RawHost& host)
 {
     host.stopLogging(); // it locks and allocates, and is nothing of the plug-in's

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// The report, as people and as programs read it.
+// The report, as users and as programs read it.
 #include "render/RendererTest.h"
 #include "support/Paths.h"
 #include "support/TestTone.h"
@@ -99,7 +99,7 @@ protected:
     std::vector<float> speech;
 };
 
-TEST_F (Report, SaysTheSameToPeopleAndToPrograms)
+TEST_F (Report, SaysTheSameToUsersAndToPrograms)
 {
     for (const std::string mode : { "bypass", "Gentle", "Medium", "Powerful" })
     {
@@ -190,7 +190,7 @@ TEST_F (Report, HasDashesAndNullForSilenceAndForNothing)
     }
 }
 
-TEST_F (Report, HasNullForWhatIsNoNumber)
+TEST_F (Report, HasNullWhereTheInputHoldsNaN)
 {
     auto broken = TestTone { .seconds = 5.0, .channels = 1 }.samples();
     broken[100] = std::numeric_limits<float>::quiet_NaN();

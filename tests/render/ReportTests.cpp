@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// What a person gets to see while files are rendered and afterwards.
+// What the user gets to see while files are rendered and afterwards.
 #include "audio/Levels.h"
 #include "render/RendererTest.h"
 #include "support/TestTone.h"

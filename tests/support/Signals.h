@@ -17,7 +17,7 @@ struct Signal
     std::vector<float> right;
 };
 
-/** What no converter gives and every plug-in gets some day: no number, the infinities, the largest numbers. */
+/** What no converter gives and every plug-in gets some day: NaN, the infinities, the largest numbers. */
 inline constexpr std::array badSamples { std::numeric_limits<float>::quiet_NaN(),
                                          std::numeric_limits<float>::infinity(),
                                          -std::numeric_limits<float>::infinity(),

@@ -170,7 +170,7 @@ TEST (Figures, AreMissingForSilenceAndWhereTheSoundIsTooShort)
     EXPECT_TRUE (figuresAfter (4.0).loudnessRangeLu.has_value());
 }
 
-TEST (Figures, AreMissingWhereSamplesAreNoNumbers)
+TEST (Figures, AreMissingWhereSamplesAreNaNOrInfinite)
 {
     for (const float strange : { std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity() })
     {

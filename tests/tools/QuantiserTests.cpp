@@ -51,7 +51,7 @@ TEST (Quantiser, HoldsWhatIsTooLoudWithinTheRange)
     }
 }
 
-TEST (Quantiser, MakesSilenceOfWhatIsNoNumber)
+TEST (Quantiser, MakesSilenceOfNaN)
 {
     EXPECT_EQ (Quantiser (24).toWholeNumber (std::numeric_limits<float>::quiet_NaN()), 0);
 }

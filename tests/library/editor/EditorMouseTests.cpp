@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// A person's hand on the knob of the built library, and what the host gets to know of it.
+// The user's hand on the knob of the built library, and what the host gets to know of it.
 #include "library/editor/EditorHost.h"
 #include "support/KnobPosition.h"
 

@@ -22,7 +22,7 @@ using larkspire::window::Picture;
 using Environment = std::map<std::string, std::string>;
 
 /** The pictures that the program makes which photographs the window for the documents. It runs as a process of its own,
-    because the framework looks for typefaces once and for all. */
+    because JUCE looks for typefaces once and for all. */
 class Photographs
 {
 public:

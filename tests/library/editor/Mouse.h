@@ -3,7 +3,7 @@
 
 #include "window/EditorWindow.h"
 
-/** A person's hand on the mouse and the keyboard, over one editor. Places are pixels from the window's corner. The X
+/** The user's hand on the mouse and the keyboard, over one editor. Places are pixels from the window's corner. The X
     server itself makes the events; after each the editor gets time to answer. */
 class Mouse
 {
@@ -27,7 +27,7 @@ public:
     void release();
     void click();
     void doubleClick();
-    void turnWheel (int notches); // away from the person is positive
+    void turnWheel (int notches); // away from the user is positive
     void hold (Key key);
     void letGo (Key key);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "support/OpenProcessor.h"
 #include "support/ProbeProcessor.h"
+#include "support/Signals.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +10,6 @@
 
 namespace
 {
-using Channels = std::vector<std::vector<float>>;
 using juce::AudioChannelSet;
 
 constexpr float nan = std::numeric_limits<float>::quiet_NaN();

@@ -12,7 +12,6 @@
 
 namespace
 {
-using Channels = std::vector<std::vector<float>>;
 using juce::AudioChannelSet;
 
 /** A probe that writes down which latencies its host is told. */

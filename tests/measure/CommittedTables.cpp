@@ -3,25 +3,12 @@
 
 #include "measure/Measurements.h"
 #include "support/Paths.h"
-
-#include <fstream>
-#include <iterator>
-#include <stdexcept>
-
-std::string textOf (const std::filesystem::path& path)
-{
-    std::ifstream file (path, std::ios::binary);
-
-    if (! file)
-        throw std::runtime_error (path.string() + " is missing: run make docs");
-
-    return { std::istreambuf_iterator<char> (file), {} };
-}
+#include "support/Recording.h"
 
 larkspire::measure::Table committed (std::string_view name)
 {
     const std::filesystem::path folder = paths::source ("docs/sound/data");
-    return larkspire::measure::fromCsv (std::string (name), textOf (larkspire::measure::fileOf (folder, name)));
+    return larkspire::measure::fromCsv (std::string (name), bytesOf (larkspire::measure::fileOf (folder, name)));
 }
 
 larkspire::measure::Tables allCommitted()

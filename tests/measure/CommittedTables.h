@@ -7,9 +7,6 @@
 #include <string>
 #include <string_view>
 
-/** All of a file. Throws std::runtime_error if it cannot be read. */
-std::string textOf (const std::filesystem::path& path);
-
 /** A measurement as it is committed in docs/sound/data. Throws std::runtime_error if it is not there. */
 larkspire::measure::Table committed (std::string_view name);
 

@@ -4,6 +4,7 @@
 #include "measure/Document.h"
 #include "support/Child.h"
 #include "support/Paths.h"
+#include "support/Recording.h"
 #include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -35,7 +36,7 @@ std::set<std::string> stemsIn (const std::filesystem::path& folder, const std::s
 
 TEST (Document, HoldsTheTablesOfTheCommittedMeasurements)
 {
-    const auto text = textOf (docs / "sound.md");
+    const auto text = bytesOf (docs / "sound.md");
     EXPECT_NE (text.find ("<!-- table: "), std::string::npos);
     EXPECT_TRUE (withTables (text, allCommitted()) == text)
         << "docs/sound.md is not that of docs/sound/data: make docs";
@@ -43,7 +44,7 @@ TEST (Document, HoldsTheTablesOfTheCommittedMeasurements)
 
 TEST (Document, ShowsEveryPictureAndEveryPictureHasItsScript)
 {
-    const auto text = textOf (docs / "sound.md");
+    const auto text = bytesOf (docs / "sound.md");
     auto scripts = stemsIn (paths::source ("tools/measure/pictures"), ".gp");
     EXPECT_EQ (scripts.erase ("style"), 1u);
     EXPECT_EQ (stemsIn (docs / "sound", ".png"), scripts);

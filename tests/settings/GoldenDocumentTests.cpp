@@ -4,12 +4,12 @@
 #include "settings/ProcessorState.h"
 #include "support/OpenProcessor.h"
 #include "support/Paths.h"
+#include "support/Recording.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <set>
 
 namespace
@@ -17,13 +17,6 @@ namespace
 using namespace state_block;
 
 const std::filesystem::path goldenFolder = paths::source ("tests/settings/golden");
-
-std::string contentOf (const std::filesystem::path& file)
-{
-    std::ifstream stream (file, std::ios::binary);
-    EXPECT_TRUE (stream.is_open()) << file;
-    return { std::istreambuf_iterator<char> (stream), {} };
-}
 
 struct Golden
 {
@@ -67,7 +60,7 @@ void replaceValue (std::string& text, const std::string& name, const std::string
 class GoldenDocument : public testing::TestWithParam<Golden>
 {
 protected:
-    const std::string block = contentOf (goldenFolder / GetParam().file);
+    const std::string block = bytesOf (goldenFolder / GetParam().file);
 };
 
 TEST_P (GoldenDocument, StillReads)

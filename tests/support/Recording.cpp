@@ -205,6 +205,10 @@ std::vector<float> toFloats (const Recording& recording)
 std::string bytesOf (const std::string& path)
 {
     std::ifstream file (path, std::ios::binary);
+
+    if (! file)
+        throw std::runtime_error (path + " cannot be read");
+
     return { std::istreambuf_iterator<char> (file), {} };
 }
 

@@ -50,7 +50,7 @@ SF_INFO describe (const std::string& path);
 /** The samples as fractions of full scale. */
 std::vector<float> toFloats (const Recording& recording);
 
-/** All bytes of a file. */
+/** All bytes of a file. Throws std::runtime_error where there is none. */
 std::string bytesOf (const std::string& path);
 void writeBytes (const std::string& path, const std::string& bytes);
 

@@ -8,34 +8,23 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <string>
 
 namespace
 {
 using namespace larkspire;
 
-struct Shot
-{
-    const char* file;
-    KnobMode mode;
-};
-
-// The window as it comes up first is the one that everybody knows; it stands for the plug-in.
-constexpr Shot shots[] = { { "editor.png", KnobMode::medium },
-                           { "editor-bypass.png", KnobMode::bypass },
-                           { "editor-Gentle.png", KnobMode::gentle },
-                           { "editor-Medium.png", KnobMode::medium },
-                           { "editor-Powerful.png", KnobMode::powerful } };
-
-void photograph (const PluginLibrary& library, const Shot& shot, const std::filesystem::path& folder)
+void photograph (const PluginLibrary& library, KnobMode mode, const std::filesystem::path& folder)
 {
     PluginHost host;
     PluginInstance instance (library, host);
-    instance.setParameter (knobPosition (shot.mode));
+    instance.setParameter (knobPosition (mode));
 
     window::EditorWindow editor (instance);
     editor.idle (std::chrono::milliseconds (800)); // the knob follows the parameter three times a second
-    window::writePng (editor.picture(), folder / shot.file);
-    std::printf ("%s\n", (folder / shot.file).c_str());
+    const auto file = folder / (std::string ("editor-") + nameOf (mode) + ".png");
+    window::writePng (editor.picture(), file);
+    std::printf ("%s\n", file.c_str());
 }
 } // namespace
 
@@ -53,8 +42,8 @@ int main (int argumentCount, char** arguments)
         std::filesystem::create_directories (arguments[2]);
         const PluginLibrary library (arguments[1]);
 
-        for (const auto& shot : shots)
-            photograph (library, shot, arguments[2]);
+        for (const auto mode : knobModes)
+            photograph (library, mode, arguments[2]);
 
         return 0;
     }

@@ -37,7 +37,6 @@ public:
     {
         return larkspire::window::readPng (folder / ("editor-" + mode + ".png"));
     }
-    Picture first() const { return larkspire::window::readPng (folder / "editor.png"); }
 
 private:
     TemporaryFolder folder;
@@ -103,22 +102,23 @@ TEST_P (EditorPicture, DISABLED_IsWrittenAnew)
 
 TEST (EditorLetters, ShowWhereTheTypefaceIsNotInstalled)
 {
-    expectAllTexts (Photographs (Environment { { "JUCE_FONT_PATH", LARKSPIRE_OTHER_FONTS } }).first());
+    expectAllTexts (Photographs (Environment { { "JUCE_FONT_PATH", LARKSPIRE_OTHER_FONTS } }).of ("Medium"));
 }
 
 TEST (EditorLetters, ShowWithTheFontsOfThisMachine)
 {
-    expectAllTexts (Photographs().first());
+    expectAllTexts (Photographs().of ("Medium"));
 }
 
 TEST (EditorLetters, AreTheTypefacesWhereThatIsInstalled)
 {
     // The same letters twice: under the name that is asked for, beside all other fonts, and as the only font there is.
-    const auto inTheUsersFolder = Photographs (Environment { { "XDG_DATA_HOME", LARKSPIRE_USER_FOLDER } }).first();
-    const auto asTheOnlyFont = Photographs (Environment { { "JUCE_FONT_PATH", LARKSPIRE_ONLY_FONT } }).first();
+    const auto inTheUsersFolder =
+        Photographs (Environment { { "XDG_DATA_HOME", LARKSPIRE_USER_FOLDER } }).of ("Medium");
+    const auto asTheOnlyFont = Photographs (Environment { { "JUCE_FONT_PATH", LARKSPIRE_ONLY_FONT } }).of ("Medium");
 
     expectAllTexts (inTheUsersFolder);
     EXPECT_TRUE (inTheUsersFolder == asTheOnlyFont);
-    EXPECT_FALSE (inTheUsersFolder == Photographs().first()) << "they are not what stands in for them";
+    EXPECT_FALSE (inTheUsersFolder == Photographs().of ("Medium")) << "they are not what stands in for them";
 }
 } // namespace

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // All threads of a host at once: audio, automation, saving and loading, the window.
-#include "library/ChunkBytes.h"
 #include "library/editor/EditorHost.h"
 #include "support/Repeating.h"
 #include "support/RunningAudio.h"
+#include "support/StateBlock.h"
 
 #include <chrono>
 #include <random>
@@ -19,7 +19,7 @@ class EditorThreads : public WithDisplay
 /** A chunk that sets the parameter to a position and carries an entry. */
 std::string document (int position)
 {
-    return withAttributes ("mode=\"0." + std::to_string (position * 1111) + "\" kept=\"entry\"");
+    return state_block::blockWith ("mode=\"0." + std::to_string (position * 1111) + "\" kept=\"entry\"");
 }
 
 void runAllThreads (std::size_t blocks, int lowest, int highest, bool expectBounds)

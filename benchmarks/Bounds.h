@@ -18,7 +18,7 @@ struct Bound
 /** The ratios that the plug-in promises: both sides are measured on the same machine at the same time. */
 std::vector<Bound> promisedBounds();
 
-/** A promise about one cost, for what a person waits for, on any machine that is not much slower than a present one. */
+/** A promise about one cost, for what the user waits for, on any machine that is not much slower than a present one. */
 struct TimeBound
 {
     std::string what;

@@ -8,7 +8,7 @@
 
 namespace
 {
-/** What a person waits for who inserts the plug-in for the first time: nothing of it is in the process yet. The file is
+/** What the user waits for who inserts the plug-in for the first time: nothing of it is in the process yet. The file is
     in the system's memory, as after any scan. */
 void loadAndConstruct (benchmark::State& state)
 {
@@ -23,7 +23,7 @@ void loadAndConstruct (benchmark::State& state)
     setUnitsPerIteration (state, 1);
 }
 
-/** An instance that stays keeps the library and the framework in place, as the first one in a session does. */
+/** An instance that stays keeps the library and JUCE in place, as the first one in a session does. */
 void construct (benchmark::State& state)
 {
     const RawHost anchor;

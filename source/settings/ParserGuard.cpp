@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// Walks a text ahead of the framework's parser, step for step as the parser does, its liberties with XML included: only
+// Walks a text ahead of JUCE's parser, step for step as the parser does, its liberties with XML included: only
 // so is it known where the parser stands when it meets what it cannot deal with, and nothing else has to be refused.
 #include "settings/ParserGuard.h"
 

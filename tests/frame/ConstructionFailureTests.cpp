@@ -81,7 +81,7 @@ class ConstructionFailure : public testing::TestWithParam<Refusal>
 {
 };
 
-/** Has the framework make its lasting tables ahead of the count. */
+/** Has JUCE make its lasting tables ahead of the count. */
 void warmUp()
 {
     const OpenProcessor processor;
@@ -118,7 +118,7 @@ INSTANTIATE_TEST_SUITE_P (OfEveryRecord,
 
 TEST (ConstructionFailure, OfARiderLeavesAsAnExceptionToo)
 {
-    // Texts of the framework have the riders' size as well: refuse each such allocation in turn until none is left.
+    // JUCE's texts have the riders' size as well: refuse each such allocation in turn until none is left.
     int refusals = 0;
     warmUp();
 

@@ -7,7 +7,7 @@
 class InstalledPackage
 {
 public:
-    /** Why the package must not be installed here, as a sentence; empty if nothing is in the way. What a person has
+    /** Why the package must not be installed here, as a sentence; empty if nothing is in the way. What the user has
         installed is not touched. */
     static std::string reasonAgainst();
 

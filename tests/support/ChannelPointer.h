@@ -3,7 +3,7 @@
 
 #include <vector>
 
-/** Where a channel's samples stand. Hosts give a place for a block of no samples too, and the framework asserts one; an
+/** Where a channel's samples stand. Hosts give a place for a block of no samples too, and JUCE asserts one; an
     empty list has none until memory is reserved. */
 inline float* channelPointer (std::vector<float>& samples)
 {

@@ -10,7 +10,7 @@
 class OpenProcessor : public Opened<LarkspireAudioProcessor>
 {
 public:
-    /** As the wrapper does, which enables the buses that the framework's default leaves disabled. */
+    /** As the wrapper does, which enables the buses that JUCE's default leaves disabled. */
     OpenProcessor() { enableAllBuses(); }
 
     using LarkspireAudioProcessor::airFilter;
@@ -22,7 +22,7 @@ public:
     using LarkspireAudioProcessor::modeIndex;
     using LarkspireAudioProcessor::spareFilter;
 
-    /** What the wrapper does ahead of audio: gives the framework the rate in Hz. */
+    /** What the wrapper does ahead of audio: gives JUCE the rate in Hz. */
     void giveRate (double rate) { setRateAndBufferSizeDetails (rate, 512); }
 
     /** Sets the parameter as a host does. */

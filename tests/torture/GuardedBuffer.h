@@ -43,7 +43,7 @@ public:
 
 private:
     static constexpr std::size_t strip = 64;
-    static constexpr std::uint32_t pattern = 0x7fd15ea5u; // no number, and no one that arithmetic gives
+    static constexpr std::uint32_t pattern = 0x7fd15ea5u; // a NaN, and none that arithmetic gives
     static float untouched() { return std::bit_cast<float> (pattern); }
 
     std::vector<float> memory;

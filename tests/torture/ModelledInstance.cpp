@@ -18,7 +18,7 @@ bool sameNumber (float a, float b)
     return a == b || (std::isnan (a) && std::isnan (b));
 }
 
-/** The framework's notion of a value that is set already: equal, or within a relative epsilon. */
+/** JUCE's notion of a value that is set already: equal, or within a relative epsilon. */
 bool isTakenForEqual (float a, float b)
 {
     if (! std::isfinite (a) || ! std::isfinite (b))

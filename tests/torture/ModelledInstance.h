@@ -17,7 +17,7 @@
 
     Each operation does one thing that a host does, checks what comes back against the model, and throws a Mismatch
    where the two differ. It returns a few words on what it did. A host keeps to some rules, and so does this:
-    - after a suspension it resumes before it processes (the framework's wrapper has no buffers then);
+    - after a suspension it resumes before it processes (JUCE's wrapper has no buffers then);
     - once it has given two channels one buffer, or a channel none, its blocks are no longer than twice the block size
       that was announced then, until it resumes anew (the wrapper makes a buffer of that length, once);
     - it closes the window before the instance.

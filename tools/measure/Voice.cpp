@@ -82,8 +82,8 @@ std::vector<double> levelsOf (const std::vector<float>& version, int rate)
     return levels;
 }
 
-/** The value below which this part of the values lies. */
-double percentile (std::vector<double> values, double part)
+/** The quantile of a part, 0 to 1: the value whose place in the order is nearest to it. */
+double quantile (std::vector<double> values, double part)
 {
     const auto index = static_cast<std::size_t> (std::lround (part * static_cast<double> (values.size() - 1)));
     std::nth_element (values.begin(), values.begin() + static_cast<std::ptrdiff_t> (index), values.end());
@@ -150,9 +150,9 @@ Table measureVoiceSummary (const Subject& subject)
 
         table.add (i == 0 ? "input" : std::string (voiceModes[i - 1].name),
                    { toDecibels (peakOf (voices.versions[i])),
-                     percentile (speech, 0.5),
-                     percentile (speech, 0.1),
-                     percentile (speech, 0.95) });
+                     quantile (speech, 0.5),
+                     quantile (speech, 0.1),
+                     quantile (speech, 0.95) });
     }
 
     return table;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// Included ahead of every C++ file when Debian's MinGW compiler builds for Windows, and in no other build: what the
-// framework's sources expect of the compiler that they are usually built with for Windows.
+// Included ahead of every C++ file when Debian's MinGW compiler builds for Windows, and in no other build: what
+// JUCE's sources expect of the compiler that they are usually built with for Windows.
 #pragma once
 #pragma GCC system_header // what follows bends the language, which is not to be warned of
 

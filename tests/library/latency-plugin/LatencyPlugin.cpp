@@ -22,13 +22,13 @@ public:
     using LarkspireAudioProcessor::processBlock;
 
 private:
-    juce::AudioParameterInt* factor = nullptr; // owned by the framework once it is added
+    juce::AudioParameterInt* factor = nullptr; // owned by JUCE once it is added
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (LatencyPlugin)
 };
 } // namespace
 
-/** What the framework's wrapper calls for every instance that a host makes. */
+/** What JUCE's wrapper calls for every instance that a host makes. */
 juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter()
 {
     return new LatencyPlugin();

@@ -14,7 +14,7 @@ inline constexpr float airLevel = 0.02f;
     Only that counts. The arc tangent squeezes it to at most 0.02 * pi / 2, about 0.0314, however loud the voice is:
     quiet consonants gain treble, loud ones do not turn sharp. All arguments are linear, full scale 1.0.
 */
-inline ChannelPair addSaturatedAir (ChannelPair body, ChannelPair addedAir)
+inline Lanes addSaturatedAir (Lanes body, Lanes addedAir)
 {
     return arcTangent (addedAir * broadcast (airDrive)) * broadcast (airLevel) + body;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "chain/ChannelPair.h"
+#include "chain/Lanes.h"
 #include "chain/OddPolynomials.h"
 
 #include <numbers>
@@ -14,15 +14,13 @@ namespace larkspire
     Neighbouring coefficients differ in sign and are summed first, so that no large terms of many are left to cancel at
     the end.
 */
-inline ChannelPair arcTangentBend (ChannelPair t)
+inline Lanes arcTangentBend (Lanes t)
 {
     constexpr auto& c = arcTangentCoefficients;
-    const ChannelPair t2 = t * t;
-    const ChannelPair t4 = t2 * t2;
-    const ChannelPair lower =
-        (t2 * broadcast (c[3]) + broadcast (c[2])) * t4 + (t2 * broadcast (c[1]) + broadcast (c[0]));
-    const ChannelPair upper =
-        (t2 * broadcast (c[7]) + broadcast (c[6])) * t4 + (t2 * broadcast (c[5]) + broadcast (c[4]));
+    const Lanes t2 = t * t;
+    const Lanes t4 = t2 * t2;
+    const Lanes lower = (t2 * broadcast (c[3]) + broadcast (c[2])) * t4 + (t2 * broadcast (c[1]) + broadcast (c[0]));
+    const Lanes upper = (t2 * broadcast (c[7]) + broadcast (c[6])) * t4 + (t2 * broadcast (c[5]) + broadcast (c[4]));
     return (upper * (t4 * t4) + lower) * (t2 * t);
 }
 
@@ -30,20 +28,19 @@ inline ChannelPair arcTangentBend (ChannelPair t)
 
     Beyond 1 it is pi / 2 - atan (1 / x), with the sign of x.
 */
-inline ChannelPair arcTangent (ChannelPair x)
+inline Lanes arcTangent (Lanes x)
 {
-    constexpr ChannelPair one = broadcast (1.0f);
-    const ChannelPair size = magnitude (x);
-    const PairMask steep = size > one;
+    constexpr Lanes one = broadcast (1.0f);
+    const Lanes size = magnitude (x);
+    const LaneMask steep = size > one;
 
     // On most samples of a voice no lane is, and then nothing waits for a division.
     if (noneSetAnywhere (steep))
         return arcTangentBend (x) + x;
 
-    const ChannelPair rise = minOf (one, maxOf (broadcast (-1.0f), x)) / maxOf (one, size);
-    const ChannelPair t = withSignFlipped (rise, steep & INT32_MIN);
-    const ChannelPair quarterTurn =
-        whereSet (steep, withSignFlipped (broadcast (std::numbers::pi_v<float> / 2), signOf (x)));
+    const Lanes rise = minOf (one, maxOf (broadcast (-1.0f), x)) / maxOf (one, size);
+    const Lanes t = withSignFlipped (rise, steep & INT32_MIN);
+    const Lanes quarterTurn = whereSet (steep, withSignFlipped (broadcast (std::numbers::pi_v<float> / 2), signOf (x)));
     return arcTangentBend (t) + (t + quarterTurn);
 }
 

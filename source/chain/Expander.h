@@ -16,11 +16,11 @@ inline constexpr float expanderFloor = 0.2f;
     Above the threshold a gain grows with the ratio of the sample to the threshold:
     g = (|x / threshold| * attackRate + 1) * g, at most 1. Below, it decays to the floor, and NaN becomes the floor.
 */
-inline ChannelPair expanderGain (const RunningRider& rider, ChannelPair x)
+inline Lanes expanderGain (const RunningRider& rider, Lanes x)
 {
-    constexpr ChannelPair one = broadcast (1.0f);
-    const PairMask above = magnitude (rider.gain * x) > rider.threshold;
-    const ChannelPair closed = maxOf (rider.gain * broadcast (expanderDecay), broadcast (expanderFloor));
+    constexpr Lanes one = broadcast (1.0f);
+    const LaneMask above = magnitude (rider.gain * x) > rider.threshold;
+    const Lanes closed = maxOf (rider.gain * broadcast (expanderDecay), broadcast (expanderFloor));
 
     // These branches predict well. Between words neither channel is above. In a word both are, and both gains are at 1,
     // where they stay: no attackRate is negative, so they would grow and be cut to 1. The division is seldom done.
@@ -30,12 +30,12 @@ inline ChannelPair expanderGain (const RunningRider& rider, ChannelPair x)
     if (allSet (above & (rider.gain == one)))
         return one;
 
-    const ChannelPair opened = (magnitude (x / rider.threshold) * rider.attackRate + one) * rider.gain;
+    const Lanes opened = (magnitude (x / rider.threshold) * rider.attackRate + one) * rider.gain;
     return minOf (one, above ? opened : closed);
 }
 
 /** Downward expander: opens quickly on a voice and closes slowly on the room. The channels are ridden separately. */
-inline ChannelPair expand (RunningRider& rider, ChannelPair input)
+inline Lanes expand (RunningRider& rider, Lanes input)
 {
     rider.gain = expanderGain (rider, input);
     return rider.ride (input);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "chain/ChannelPair.h"
+#include "chain/Lanes.h"
 #include "chain/PeakingFilter.h"
 
 namespace larkspire
@@ -30,9 +30,9 @@ public:
 
         @returns  the first filter's pair in the lower half, the second's in the upper
     */
-    ChannelPair process (ChannelPair x)
+    Lanes process (Lanes x)
     {
-        const ChannelPair y = nb0 * x + nb1 * x1 + nb2 * x2 - na1 * y1 - na2 * y2;
+        const Lanes y = nb0 * x + nb1 * x1 + nb2 * x2 - na1 * y1 - na2 * y2;
         x2 = x1;
         x1 = x;
         y2 = y1;
@@ -54,19 +54,19 @@ private:
     using Coefficient = float PeakingFilter::*;
     using Memory = float PeakingFilter::ChannelState::*;
 
-    static ChannelPair normalised (const PeakingFilter& lower, const PeakingFilter& upper, Coefficient coefficient)
+    static Lanes normalised (const PeakingFilter& lower, const PeakingFilter& upper, Coefficient coefficient)
     {
         const float l = 1.0f / lower.a0 * (lower.*coefficient);
         const float u = 1.0f / upper.a0 * (upper.*coefficient);
-        return ChannelPair { l, l, u, u };
+        return Lanes { l, l, u, u };
     }
 
-    static ChannelPair memory (const PeakingFilter& lower, const PeakingFilter& upper, Memory field)
+    static Lanes memory (const PeakingFilter& lower, const PeakingFilter& upper, Memory field)
     {
-        return ChannelPair { lower.left.*field, lower.right.*field, upper.left.*field, upper.right.*field };
+        return Lanes { lower.left.*field, lower.right.*field, upper.left.*field, upper.right.*field };
     }
 
-    static void keep (ChannelPair values, PeakingFilter& lower, PeakingFilter& upper, Memory field)
+    static void keep (Lanes values, PeakingFilter& lower, PeakingFilter& upper, Memory field)
     {
         lower.left.*field = values[0];
         lower.right.*field = values[1];
@@ -74,15 +74,15 @@ private:
         upper.right.*field = values[3];
     }
 
-    ChannelPair nb0;
-    ChannelPair nb1;
-    ChannelPair nb2;
-    ChannelPair na1;
-    ChannelPair na2;
-    ChannelPair x1;
-    ChannelPair x2;
-    ChannelPair y1;
-    ChannelPair y2;
+    Lanes nb0;
+    Lanes nb1;
+    Lanes nb2;
+    Lanes na1;
+    Lanes na2;
+    Lanes x1;
+    Lanes x2;
+    Lanes y1;
+    Lanes y2;
 };
 
 } // namespace larkspire

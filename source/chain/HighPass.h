@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "chain/ChannelPair.h"
+#include "chain/Lanes.h"
 #include "chain/ModeTable.h"
 
 #include <array>
@@ -49,10 +49,10 @@ public:
     }
 
     /** Takes rumble and plosives off: one sample of each channel. */
-    ChannelPair process (ChannelPair x)
+    Lanes process (Lanes x)
     {
-        ChannelPair y = c0 * x + v1;
-        const PairMask audible = magnitude (y) > broadcast (highPassSnap);
+        Lanes y = c0 * x + v1;
+        const LaneMask audible = magnitude (y) > broadcast (highPassSnap);
 
         // A branch, because the comparison would stand in the recursion, which is the longest of the chain.
         if (! allSet (audible))
@@ -73,13 +73,13 @@ public:
     }
 
 private:
-    ChannelPair c0;
-    ChannelPair c1;
-    ChannelPair c2;
-    ChannelPair c3;
-    ChannelPair c4;
-    ChannelPair v1;
-    ChannelPair v2;
+    Lanes c0;
+    Lanes c1;
+    Lanes c2;
+    Lanes c3;
+    Lanes c4;
+    Lanes v1;
+    Lanes v2;
 };
 
 } // namespace larkspire

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "chain/ChannelPair.h"
+#include "chain/Lanes.h"
 
 namespace larkspire
 {
@@ -14,13 +14,13 @@ inline constexpr float lowestRightInput = -20.0f;
 
 /** Limits samples of the left channel, or of a mono sound, to what the chain takes: -30 to 20, linear with full scale
     1.0. NaN becomes the lower bound. */
-inline ChannelPair limitLeft (ChannelPair samples)
+inline Lanes limitLeft (Lanes samples)
 {
     return minOf (maxOf (samples, broadcast (lowestLeftInput)), broadcast (highestInput));
 }
 
 /** The same for the right channel: -20 to 20. */
-inline ChannelPair limitRight (ChannelPair samples)
+inline Lanes limitRight (Lanes samples)
 {
     return minOf (maxOf (samples, broadcast (lowestRightInput)), broadcast (highestInput));
 }

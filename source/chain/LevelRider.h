@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "chain/ChannelPair.h"
+#include "chain/Lanes.h"
 
 namespace larkspire
 {
@@ -43,15 +43,15 @@ struct RunningRider
     }
 
     /** The sample times its applied gain, which is running gain * gainScale + gainOffset, times the make-up. */
-    ChannelPair ride (ChannelPair sample) const { return (gain * gainScale + gainOffset) * sample * outputGain; }
+    Lanes ride (Lanes sample) const { return (gain * gainScale + gainOffset) * sample * outputGain; }
 
-    ChannelPair threshold;
-    ChannelPair attackRate;
-    ChannelPair releaseRate;
-    ChannelPair gainScale;
-    ChannelPair gainOffset;
-    ChannelPair outputGain;
-    ChannelPair gain;
+    Lanes threshold;
+    Lanes attackRate;
+    Lanes releaseRate;
+    Lanes gainScale;
+    Lanes gainOffset;
+    Lanes outputGain;
+    Lanes gain;
 };
 
 } // namespace larkspire

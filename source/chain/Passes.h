@@ -125,7 +125,7 @@ private:
     The third works on the slice before, in one loop with the first: neither waits for the other, so the processor does
     one while it waits for the other.
 
-    @param tap  is called as tap (Point, ChannelPair, index of the frame); what can be read there is the lower half. At
+    @param tap  is called as tap (Point, Lanes, index of the frame); what can be read there is the lower half. At
                 each point the frames come in order. A tap that does nothing costs nothing
 */
 template <typename Tap>

@@ -13,9 +13,9 @@ inline constexpr float clipCeiling = 0.9885f;
 
     The output of a number lies within 0.9885 of zero; NaN stays NaN.
 */
-inline ChannelPair softClip (ChannelPair w)
+inline Lanes softClip (Lanes w)
 {
-    const ChannelPair limited = minOf (broadcast (halfPi), maxOf (broadcast (-halfPi), w));
+    const Lanes limited = minOf (broadcast (halfPi), maxOf (broadcast (-halfPi), w));
     return sineWithinQuarterTurn (limited) * broadcast (clipCeiling);
 }
 

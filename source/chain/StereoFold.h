@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "chain/ChannelPair.h"
+#include "chain/Lanes.h"
 
 namespace larkspire
 {
@@ -13,13 +13,13 @@ inline constexpr float foldScale = 0.75f;
     side = (left - right) * 0.5, middle = right + left; left = (side + middle) * 0.75, right = (middle - side) * 0.75.
     A centred signal comes out 1.5 times as loud, one that is out of phase 0.75 times.
 */
-inline ChannelPair foldTowardsMiddle (ChannelPair input)
+inline Lanes foldTowardsMiddle (Lanes input)
 {
-    constexpr PairMask signOfRight { 0, INT32_MIN, 0, INT32_MIN };
-    const ChannelPair left = leftOfEach (input);
-    const ChannelPair right = rightOfEach (input);
-    const ChannelPair side = (left - right) * broadcast (0.5f);
-    const ChannelPair middle = right + left;
+    constexpr LaneMask signOfRight { 0, INT32_MIN, 0, INT32_MIN };
+    const Lanes left = leftOfEach (input);
+    const Lanes right = rightOfEach (input);
+    const Lanes side = (left - right) * broadcast (0.5f);
+    const Lanes middle = right + left;
     return (middle + withSignFlipped (side, signOfRight)) * broadcast (foldScale);
 }
 

@@ -19,7 +19,7 @@ void VoiceChain::adopt (const ModeRow& mode, double rate) const
 
 void VoiceChain::process (std::span<StereoSample> frames) const
 {
-    runPasses (*this, frames, [] (Point, ChannelPair, std::size_t) {});
+    runPasses (*this, frames, [] (Point, Lanes, std::size_t) {});
 }
 
 } // namespace larkspire

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "settings/ValueTexts.h"
 
-#include "frame/TruncateToInt.h"
 #include "frame/DisplayMode.h"
+#include "frame/TruncateToInt.h"
 
 #include <algorithm>
 #include <array>

@@ -14,6 +14,6 @@ void runMedium (float* left, float* right, std::span<StereoSample> frames)
     VoiceRecords records;
     records.chain().adopt (modeForIndex (2), 48000.0);
     readChannels (left, right, frames);
-    runPasses (records.chain(), frames, [] (Point, ChannelPair, std::size_t) {});
+    runPasses (records.chain(), frames, [] (Point, Lanes, std::size_t) {});
     writeChannels (frames, left, right);
 }

@@ -10,7 +10,7 @@
 namespace larkspire
 {
 
-inline ChannelPair highPass (HighPassFilter& left, HighPassFilter& right, ChannelPair x)
+inline Lanes highPass (HighPassFilter& left, HighPassFilter& right, Lanes x)
 {
     RunningHighPass running (left, right);
     const auto y = running.process (x);
@@ -18,7 +18,7 @@ inline ChannelPair highPass (HighPassFilter& left, HighPassFilter& right, Channe
     return y;
 }
 
-inline ChannelPair expand (LevelRider& rider, ChannelPair x)
+inline Lanes expand (LevelRider& rider, Lanes x)
 {
     RunningRider running (rider);
     const auto y = expand (running, x);
@@ -26,7 +26,7 @@ inline ChannelPair expand (LevelRider& rider, ChannelPair x)
     return y;
 }
 
-inline ChannelPair filterSideBySide (PeakingFilter& lower, PeakingFilter& upper, ChannelPair x)
+inline Lanes filterSideBySide (PeakingFilter& lower, PeakingFilter& upper, Lanes x)
 {
     RunningFilters running (lower, upper);
     const auto y = running.process (x);
@@ -34,7 +34,7 @@ inline ChannelPair filterSideBySide (PeakingFilter& lower, PeakingFilter& upper,
     return y;
 }
 
-inline ChannelPair level (LevelRider& rider, ChannelPair x)
+inline Lanes level (LevelRider& rider, Lanes x)
 {
     RunningRider running (rider);
     const auto y = level (running, x);

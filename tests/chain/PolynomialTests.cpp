@@ -73,7 +73,7 @@ long double trueArcTangent (float x)
 struct Range
 {
     const char* name;
-    ChannelPair (*function) (ChannelPair);
+    Lanes (*function) (Lanes);
     long double (*truth) (float);
     float first;
     float last;
@@ -153,7 +153,7 @@ TEST (ArcTangent, OfALaneDoesNotDependOnTheOthers)
 
     for (int i = 0; i < 1000000; ++i)
     {
-        ChannelPair x {};
+        Lanes x {};
 
         for (int lane = 0; lane < 4; ++lane)
             x[lane] = std::bit_cast<float> (static_cast<std::uint32_t> (random()));

@@ -54,7 +54,7 @@ private:
     std::uniform_real_distribution<float> level { -6.0f, 1.0f };
 };
 
-using Stage = ChannelPair (*) (LevelRider&, ChannelPair);
+using Stage = Lanes (*) (LevelRider&, Lanes);
 using Gain = float (*) (const reference::Rider&, float, float);
 
 void expectTheSameGains (Stage stage,

@@ -107,7 +107,7 @@ TEST_P (VoiceChainInMode, CanBeListenedToAtEveryPointInOrder)
 
     runPasses (listened.chain(),
                frames,
-               [&] (Point point, ChannelPair pair, std::size_t index)
+               [&] (Point point, Lanes pair, std::size_t index)
                {
                    ASSERT_EQ (index, heard[point].size());
                    heard[point].push_back (sampleOf (pair));

@@ -131,7 +131,9 @@ TEST_F (Editor, CountsTicksSinceTheLastTouchIn16Bits)
     EXPECT_EQ (editor.idleTicks, 2);
     editor.slider.setValue (1.0 / 9.0, juce::sendNotificationSync);
     EXPECT_EQ (editor.idleTicks, 0);
-    editor.idleTicks = 65535;
+    editor.idleTicks = 65534;
+    editor.timerCallback();
+    EXPECT_EQ (editor.idleTicks, 65535);
     editor.timerCallback();
     EXPECT_EQ (editor.idleTicks, 0);
 }

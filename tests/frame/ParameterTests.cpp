@@ -40,6 +40,12 @@ TEST (Parameter, StartsAtTheThirdPositionWithTheDefaultsOfItsFields)
     EXPECT_EQ (parameter.getChoices(), modes);
 }
 
+TEST (Parameter, ReturnsToWhereItStarted)
+{
+    const AudioParameterFloatQuendal parameter ("mode", "Mode", DisplayMode::Percent, 0.75f, 0, {});
+    EXPECT_EQ (parameter.getDefaultPosition(), 0.75f);
+}
+
 TEST (Parameter, IsKnownToTheHostByIdNameAndVersionHint)
 {
     const ModeParameter parameter;

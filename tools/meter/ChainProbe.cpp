@@ -29,7 +29,7 @@ class ChannelGains
 {
 public:
     /** @param running  the running gains, which are applied in the mode's range */
-    void add (ChannelPair running, const RiderSettings& settings, std::size_t channels, TimeCourse& course)
+    void add (Lanes running, const RiderSettings& settings, std::size_t channels, TimeCourse& course)
     {
         std::array<double, 2> gains {};
 
@@ -70,7 +70,7 @@ struct ChainProbe::Chain
     {
         runPasses (records.chain(),
                    frames,
-                   [&] (Point point, ChannelPair pair, std::size_t)
+                   [&] (Point point, Lanes pair, std::size_t)
                    {
                        if (point == Point::expanderGain)
                            expanderGains.add (pair, mode.expander, channels, expanderOverTime);
@@ -81,7 +81,7 @@ struct ChainProbe::Chain
                    });
     }
 
-    void addPower (Point point, ChannelPair pair)
+    void addPower (Point point, Lanes pair)
     {
         for (std::size_t channel = 0; channel < channels; ++channel)
         {

@@ -48,6 +48,19 @@ void* operator new[] (std::size_t size)
     return allocate (size);
 }
 
+// A sanitizer's own of this kind would not go with the operators delete below.
+void* operator new (std::size_t size, const std::nothrow_t&) noexcept
+{
+    try
+    {
+        return allocate (size);
+    }
+    catch (const std::bad_alloc&)
+    {
+        return nullptr;
+    }
+}
+
 void operator delete (void* memory) noexcept
 {
     release (memory);

@@ -53,7 +53,7 @@ bool isLoaded()
 std::unique_ptr<RawHost> usedInstance (std::size_t number)
 {
     auto host = std::make_unique<RawHost>();
-    host->setParameter (knobPosition (number % 4));
+    host->setParameter (knobPosition (static_cast<int> (number % 4)));
     host->start (48000.0f);
     auto signal = noise (16, -12.0, 1);
     host->process (signal.left, signal.right, 0, 16);
@@ -108,7 +108,7 @@ TEST (Lives, OfFiveHundredAndTwelveAtOnceDoNotTouchEachOther)
     for (std::size_t i = 0; i < count; ++i)
     {
         hosts.push_back (std::make_unique<RawHost>());
-        hosts.back()->setParameter (knobPosition (i % 8));
+        hosts.back()->setParameter (knobPosition (static_cast<int> (i % 8)));
         hosts.back()->start (i % 16 < 8 ? 48000.0f : 96000.0f);
     }
 
@@ -136,7 +136,7 @@ TEST (Lives, OfFiveHundredAndTwelveAtOnceDoNotTouchEachOther)
     {
         auto alone = input;
         RawHost host;
-        host.setParameter (knobPosition (i % 8));
+        host.setParameter (knobPosition (static_cast<int> (i % 8)));
         host.start (i < 8 ? 48000.0f : 96000.0f);
         host.process (alone.left, alone.right, 0, frames);
         EXPECT_TRUE (compare (outputs[i], alone).sameBits) << i;

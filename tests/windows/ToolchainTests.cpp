@@ -24,11 +24,12 @@ protected:
     /** Configures with the toolchain file, which must fail, and expects what is said of it. */
     void expectComplaint (const std::string& pattern, const std::map<std::string, std::string>& environment = {}) const
     {
+        const auto toolchain = paths::source ("cmake/windows/toolchain.cmake");
         const auto outcome = run ({ .arguments = { "-S",
                                                    folder.path(),
                                                    "-B",
                                                    folder / "build",
-                                                   "-DCMAKE_TOOLCHAIN_FILE=" LARKSPIRE_TOOLCHAIN,
+                                                   "-DCMAKE_TOOLCHAIN_FILE=" + toolchain,
                                                    "-DLARKSPIRE_WINDOWS_DEPS=" + (folder / "deps") },
                                     .program = paths::cmake(),
                                     .environment = environment });

@@ -110,30 +110,25 @@ performance: configure ## the same, and docs/performance.md anew
 	@mkdir -p docs
 	@build/$(PRESET)/benchmarks/larkspire-bench --benchmark_out=build/$(PRESET)/performance.json --markdown=docs/performance.md
 
-# The library in a DAW and in a sound editor as Debian packages them, without a window to look at.
 test-hosts: ## installs real DAWs and runs the library in them, without a window
 	@scripts/setup scripts/hosts/packages.txt
 	$(call configure-preset,$(PRESET))
 	@cmake --build --preset $(PRESET) --target larkspire-daw-tests
 	@build/$(PRESET)/tests/daws/larkspire-daw-tests
 
-# The Windows library, cross-built.
 windows: ## the Windows library, cross-built, in dist/windows
 	@scripts/windows/setup
 	$(call configure-preset,windows)
 	@cmake --build --preset windows --target Larkspire_VST larkspire-windows-host
 
-# Reads the Windows library's file and runs it under Wine, beside the Linux library.
-test-windows: windows configure ## runs the Windows library under Wine
+test-windows: windows configure ## reads the Windows library's file and runs it under Wine
 	@cmake --build --preset $(PRESET) --target larkspire-windows-tests
 	@build/$(PRESET)/tests/windows/larkspire-windows-tests
 
-# The packages for Debian, for other Linux systems and for Windows, in dist/packages/.
-package: build windows ## packages for Debian, other Linux systems and Windows
+package: build windows ## packages for Debian, other Linux systems and Windows, in dist/packages
 	@scripts/setup scripts/packaging/packages.txt
 	@scripts/packaging/package
 
-# Reads them, and installs and removes the one for Debian, for which it has to be run by root.
 test-packages: package ## checks the packages; as root also installs and removes the one for Debian
 	@scripts/setup scripts/packaging/packages.txt scripts/hosts/packages.txt
 	@cmake --build --preset $(PRESET) --target larkspire-packages-tests

@@ -38,8 +38,7 @@ struct Mode
     float q;
 };
 
-// The product's numbers once more, written by hand from their documentation: for the oracle and for every test that
-// needs one.
+// The product's numbers once more, kept by hand: for the oracle and for every test that needs one.
 // clang-format off
 inline constexpr std::array<Mode, 4> modes { {
     {

@@ -5,6 +5,7 @@
 #include "support/KnobPosition.h"
 #include "support/Paths.h"
 
+#include <atomic>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -36,7 +37,7 @@ public:
 
 private:
     const Vst2::VstTimeInfo* time = nullptr;
-    bool logging = true;
+    std::atomic<bool> logging { true };
     std::mutex mutex;
     std::vector<Call> calls;
 };

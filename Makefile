@@ -52,8 +52,7 @@ docs: screenshot ## the measurements and pictures of docs/sound.md
 	@scripts/setup scripts/docs/packages.txt
 	@cmake --build --preset $(PRESET) --target larkspire-measure
 	@scripts/voice build/$(PRESET)/voice.wav
-	@DISPLAY=:none build/$(PRESET)/tools/larkspire-measure "$(LIBRARY)" build/$(PRESET)/voice.wav \
-		docs/sound/data docs/sound.md
+	@build/$(PRESET)/tools/larkspire-measure "$(LIBRARY)" build/$(PRESET)/voice.wav docs/sound/data docs/sound.md
 	@scripts/docs/draw docs/sound/data docs/sound
 
 lint: configure ## clang-format and clang-tidy over all our own files

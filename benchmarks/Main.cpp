@@ -4,6 +4,7 @@
 #include "benchmarks/Bounds.h"
 #include "benchmarks/Markdown.h"
 #include "benchmarks/Results.h"
+#include "host/NoDisplay.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -13,6 +14,7 @@
 
 int main (int argc, char** argv)
 {
+    larkspire::useNoDisplay();
     std::string markdownPath;
     std::vector<std::string> words (argv, argv + argc);
     const bool filtered =

@@ -16,7 +16,6 @@ using StrangeNames = RendererTest;
 TEST_F (BadInput, IsReportedWithItsReason)
 {
     std::filesystem::create_directory (folder / "folder.wav");
-    writeBytes (folder / "folder.wav/text.txt", "no sound");
     writeBytes (folder / "empty.wav", "");
     ASSERT_EQ (mkfifo ((folder / "pipe.wav").c_str(), 0600), 0);
     writeBytes (folder / "text.wav", "This is no sound.\n");
@@ -31,28 +30,52 @@ TEST_F (BadInput, IsReportedWithItsReason)
     writeNoise ("six.flac", 6);
     writeNoise ("overstated.flac", 1, 30000);
     stateLength (folder / "overstated.flac", 30001);
+
+    // The first page of an Ogg file with one packet, cut short.
+    const auto oggOf = [] (const std::string& packet)
+    {
+        const auto header = std::string ("OggS\0\2", 6) + std::string (20, '\0') + "\1";
+        return header + static_cast<char> (packet.size()) + packet;
+    };
+
+    writeBytes (folder / "voice.m4a", std::string ("\0\0\0\x20", 4) + "ftypM4A isomiso2");
+    writeBytes (folder / "film.mp4", std::string ("\0\0\0\x20", 4) + "ftypisomisomiso2");
+    writeBytes (folder / "flac.ogg",
+                oggOf (std::string ("\x7f"
+                                    "FLAC\1\0\0\1fLaC",
+                                    13)
+                       + std::string (38, '\0')));
+    writeBytes (folder / "speex.ogg", oggOf ("Speex   1.2" + std::string (69, '\0')));
+    const std::string convert = ": convert it first, for example with ffmpeg";
     const std::string noAudio = "is not a WAV, FLAC, AIFF or Ogg file";
 
     for (const auto& [name, reason] :
          { std::pair<std::string, std::string> { "missing.wav", "cannot be read: No such file or directory" },
-           { "folder.wav", "holds no WAV, FLAC, AIFF or Ogg file" },
            { "empty.wav", "is empty" },
            { "pipe.wav", "is not a regular file" },
            { "text.wav", noAudio },
            { "short.flac", noAudio },
            { "picture.png", noAudio },
            { "sixteen-bit-text.txt", noAudio },
-           { "layer-3.mp3", noAudio },
+           { "layer-3.mp3", "is MPEG audio" + convert },
+           { "voice.m4a", "is MPEG-4 audio" + convert },
+           { "film.mp4", "is a film: extract its sound first, for example with ffmpeg" },
+           { "flac.ogg", "holds FLAC in an Ogg file, which cannot be read here" + convert },
+           { "speex.ogg", "holds Speex in an Ogg file, which cannot be read here" + convert },
            { "three.wav", "has 3 channels; only mono and stereo are rendered" },
            { "six.flac", "has 6 channels; only mono and stereo are rendered" },
            { "overstated.flac", "is damaged: 30000 of 30001 samples can be read" } })
         for (const std::string result : { "result.wav", "result.flac" })
             EXPECT_EQ (expectFailure (1, { name, "-o", result }), name + ": " + reason + "\n");
+
+    EXPECT_EQ (expectFailure (1, { "folder.wav", "-o", "results" }),
+               "folder.wav: holds no WAV, FLAC, AIFF or Ogg file\n");
 }
 
 TEST_F (BadInput, ThatBeginsLikeAudioAndIsNoneIsReported)
 {
-    for (const std::string beginning : { "RIFF", "RIFX", "RF64", "FORM", "fLaC", "OggS" })
+    for (const std::string beginning :
+         { "RIFF....WAVE", "RIFX....WAVE", "RF64....WAVE", "FORM....AIFF", "FORM....AIFC", "fLaC", "OggS" })
     {
         writeBytes (folder / "strange.wav", beginning + "and then something else entirely, at some length");
         EXPECT_THAT (expectFailure (1, { "strange.wav", "-o", "result.wav" }),

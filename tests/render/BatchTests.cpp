@@ -65,19 +65,46 @@ TEST_F (Batch, GoesOnAfterAFileThatFails)
     EXPECT_FALSE (std::filesystem::exists (folder / "results/text.wav"));
 }
 
-TEST_F (Batch, RefusesTwoInputsWithTheSameResult)
+TEST_F (Batch, RendersNeitherOfTwoInputsWithTheSameResult)
 {
     writeNoise ("two.wav");
-    expectRefusal ({ "one.wav", "two.wav", "two.flac", "-o", "results" },
-                   { "two.wav and two.flac", "results/two.wav" });
-    expectRefusal ({ "one.wav", "./one.wav", "-o", "results" }, { "one.wav and ./one.wav" });
+    const auto expectNeither = [this] (const std::vector<std::string>& arguments,
+                                       const std::string& firstFault,
+                                       const std::string& secondFault)
+    {
+        const auto outcome = runHere (arguments);
+        EXPECT_EQ (outcome.exitStatus, 1);
+        EXPECT_EQ (outcome.errors, "larkspire-render: " + firstFault + "\nlarkspire-render: " + secondFault + "\n");
+    };
 
-    // Links lead to one file too.
+    expectNeither ({ "one.wav", "two.wav", "two.flac", "-o", "results" },
+                   "two.wav: would become results/two.wav, and so would two.flac",
+                   "two.flac: would become results/two.wav, and so would two.wav");
+    EXPECT_THAT (folder.contents(), ElementsAre ("one.wav", "results", "results/one.wav", "two.flac", "two.wav"));
+    std::filesystem::remove_all (folder / "results");
+
+    expectNeither ({ "one.wav", "./one.wav", "-o", "results" },
+                   "one.wav: would become results/one.wav, and so would ./one.wav",
+                   "./one.wav: would become results/one.wav, and so would one.wav");
+    EXPECT_FALSE (std::filesystem::exists (folder / "results")) << "a folder for nothing";
+
+    // Links lead to one file too, be it there or not.
     std::filesystem::create_directory (folder / "results");
-    writeBytes (folder / "results/there.wav", "");
     std::filesystem::create_symlink ("there.wav", folder / "results/one.wav");
     std::filesystem::create_symlink ("there.wav", folder / "results/two.wav");
-    expectRefusal ({ "one.wav", "two.flac", "-o", "results" }, { "one.wav and two.flac" });
+
+    for (const bool isThere : { false, true })
+    {
+        if (isThere)
+            writeBytes (folder / "results/there.wav", "mine");
+
+        expectNeither ({ "one.wav", "two.flac", "-o", "results" },
+                       "one.wav: would become results/one.wav, and so would two.flac",
+                       "two.flac: would become results/two.wav, and so would one.wav");
+        EXPECT_EQ (std::filesystem::exists (folder / "results/there.wav"), isThere);
+    }
+
+    EXPECT_EQ (bytesOf (folder / "results/there.wav"), "mine");
 }
 
 TEST_F (Batch, RefusesToReplaceAnInput)
@@ -96,6 +123,20 @@ TEST_F (Batch, RefusesToReplaceAnInput)
     expectRefusal ({ "symbolic.wav", "-o", "one.wav" }, { "symbolic.wav", "one.wav" });
     expectRefusal ({ "symbolic.wav", "-o", "hard.wav" }, { "symbolic.wav", "hard.wav" });
     expectRefusal ({ "two.flac", "other.wav", "-o", "results" }, { "results/two.wav", "other.wav" });
+}
+
+TEST_F (Batch, RefusesTheNameOfOneResultForSeveral)
+{
+    for (const std::string name : { "m.wav", "m.FLAC", "m.mp3" })
+    {
+        expectRefusal ({ "one.wav", "two.flac", "-o", name }, { name + ": is one result", "name a folder" });
+        expectRefusal ({ ".", "-o", name }, { name + ": is one result" });
+    }
+
+    // A slash says that a folder is meant, and one that is there is one.
+    expectSuccess ({ "one.wav", "two.flac", "-o", "m.wav/" });
+    expectSuccess ({ "one.wav", "two.flac", "-o", "m.wav" });
+    EXPECT_TRUE (std::filesystem::exists (folder / "m.wav/two.wav"));
 }
 
 TEST_F (Batch, RefusesAFileWhereItNeedsAFolder)

@@ -44,6 +44,7 @@ TEST_F (CommandLine, HelpNamesEveryOptionAndWhatMaySurprise)
                                       "--report",
                                       "--json",
                                       "--plot PNG",
+                                      "--allow-truncated",
                                       "--stats",
                                       "-j, --jobs N",
                                       "--block N",
@@ -54,7 +55,8 @@ TEST_F (CommandLine, HelpNamesEveryOptionAndWhatMaySurprise)
     // Broken anywhere, texts are found all the same.
     auto flowing = std::regex_replace (help, std::regex ("\\s+"), " ");
 
-    for (const std::string text : { "there is no dither", "replaced in one step", "links to folders", "128+n" })
+    for (const std::string text :
+         { "there is no dither", "replaced in one step", "links to folders", "(AES17)", "128+n" })
         EXPECT_THAT (flowing, HasSubstr (text));
 
     for (const auto& line : linesOf (help))
@@ -102,6 +104,29 @@ TEST_F (CommandLine, RefusesWrongCallsInOneLine)
 
     for (const auto& arguments : wrongCalls)
         expectFailure (2, arguments);
+}
+
+TEST_F (CommandLine, SaysWhichPartOfACallIsMissing)
+{
+    const std::string usage = "larkspire-render [OPTION]... IN... -o OUT";
+    EXPECT_THAT (expectFailure (2, std::vector<std::string> {}), StartsWith ("a recording, IN, is missing: " + usage));
+    EXPECT_THAT (expectFailure (2, { "-o", "result.wav" }), StartsWith ("a recording, IN, is missing: " + usage));
+    EXPECT_THAT (expectFailure (2, { "voice.wav" }), StartsWith ("the result, -o OUT, is missing: " + usage));
+}
+
+TEST_F (CommandLine, RefusesADashAsAName)
+{
+    writeNoise ("voice.wav");
+    const auto recording = writeNoise ("-");
+
+    for (const auto& arguments : { std::vector<std::string> { "voice.wav", "-o", "-" },
+                                   { "-", "-o", "result.wav" },
+                                   { "voice.wav", "-", "-o", "results" },
+                                   { "voice.wav", "--plot", "-", "-o", "result.wav" } })
+        EXPECT_THAT (expectFailure (2, arguments), StartsWith ("-: sound is not taken from standard input"));
+
+    expectSuccess ({ "--mode", "bypass", "./-", "-o", "result.wav" });
+    EXPECT_EQ (read (folder / "result.wav"), recording);
 }
 
 TEST_F (CommandLine, TakesOptionsInAnyOrder)

@@ -29,7 +29,7 @@ const std::vector<Name> names {
     { "integrated loudness, LUFS", "", "integrated_lufs" },
     { "loudness range, LU", "", "loudness_range_lu" },
     { "true peak, dBTP", "", "true_peak_dbtp" },
-    { "noise between words, dBFS", "", "noise_dbfs" },
+    { "quietest tenth, dBFS", "", "quietest_tenth_dbfs" },
     { "high-pass", "gains", "high_pass_db" },
     { "expander, mean over time", "gains", "expander_mean_db" },
     { "stereo fold", "gains", "stereo_fold_db" },
@@ -90,10 +90,11 @@ protected:
         return expectSuccess (arguments);
     }
 
-    json documentOf (std::vector<std::string> arguments, const std::string& input = "speech.wav") const
+    /** The results in the document. */
+    json resultsOf (std::vector<std::string> arguments, const std::string& input = "speech.wav") const
     {
         arguments.emplace_back ("--json");
-        return json::parse (reportOf (std::move (arguments), input));
+        return json::parse (reportOf (std::move (arguments), input)).at ("results");
     }
 
     std::vector<float> speech;
@@ -105,9 +106,9 @@ TEST_F (Report, SaysTheSameToUsersAndToPrograms)
     {
         SCOPED_TRACE (mode);
         const auto table = reportOf ({ "--report", "--mode", mode });
-        const auto document = documentOf ({ "--mode", mode });
-        ASSERT_EQ (document.size(), 1U);
-        const auto& entry = document[0];
+        const auto results = resultsOf ({ "--mode", mode });
+        ASSERT_EQ (results.size(), 1U);
+        const auto& entry = results[0];
         EXPECT_EQ (entry["mode"], mode);
         EXPECT_EQ (entry["input"], "speech.wav");
         EXPECT_EQ (entry["output"], "results/speech.wav");
@@ -148,16 +149,22 @@ TEST_F (Report, SaysTheSameToUsersAndToPrograms)
 
 TEST_F (Report, MeasuresWhatIsInTheFiles)
 {
-    // In bypass both sides are one sound, down to what 16 bits leave of it.
+    // In bypass both sides are one sound, down to what 16 bits leave of it. 0 dBFS is a sine of full scale.
     writeFloats (folder / "tone.wav", wavFloat, 2, TestTone { .seconds = 5.0 }.samples());
-    const auto document = documentOf ({ "--mode", "bypass", "--bits", "16" }, "tone.wav");
-    EXPECT_NEAR (document[0]["before"]["integrated_lufs"].get<double>(), -23.0, 0.1);
-    EXPECT_NEAR (document[0]["after"]["integrated_lufs"].get<double>(), -23.0, 0.1);
-    EXPECT_NEAR (document[0]["before"]["noise_dbfs"].get<double>(), -26.01, 0.05);
+    const auto at16Bits = [this] (const std::string& input)
+    {
+        const auto outcome = runHere ({ "--json", "--mode", "bypass", "--bits", "16", input, "-o", "result.wav" });
+        return json::parse (outcome.output).at ("results");
+    };
+
+    const auto results = at16Bits ("tone.wav");
+    EXPECT_NEAR (results[0]["before"]["integrated_lufs"].get<double>(), -23.0, 0.1);
+    EXPECT_NEAR (results[0]["after"]["integrated_lufs"].get<double>(), -23.0, 0.1);
+    EXPECT_NEAR (results[0]["before"]["quietest_tenth_dbfs"].get<double>(), -23.0, 0.05);
 
     // Less than half a step is nothing in a file of 16 bits.
     writeFloats (folder / "faint.wav", wavFloat, 2, TestTone { .peakDbfs = -100.0, .seconds = 5.0 }.samples());
-    const auto faint = documentOf ({ "--mode", "bypass", "--bits", "16" }, "faint.wav");
+    const auto faint = at16Bits ("faint.wav");
     EXPECT_NEAR (faint[0]["before"]["true_peak_dbtp"].get<double>(), -100.0, 0.2);
     EXPECT_TRUE (faint[0]["after"]["true_peak_dbtp"].is_null());
 }
@@ -172,21 +179,21 @@ TEST_F (Report, HasDashesAndNullForSilenceAndForNothing)
         SCOPED_TRACE (input);
         const auto table = reportOf ({ "--report" }, input);
         const auto cells = cellsIn (table);
-        const auto document = documentOf ({}, input);
+        const auto results = resultsOf ({}, input);
 
         for (const auto& name : names)
             if (name.group.empty())
             {
                 EXPECT_EQ (cells.at (name.row), (std::vector<std::string> { "-", "-" }));
-                EXPECT_TRUE (document[0]["before"][name.key].is_null());
-                EXPECT_TRUE (document[0]["after"][name.key].is_null());
+                EXPECT_TRUE (results[0]["before"][name.key].is_null());
+                EXPECT_TRUE (results[0]["after"][name.key].is_null());
             }
 
         EXPECT_EQ (cells.at ("high-pass"), std::vector<std::string> { "-" });
         EXPECT_EQ (cells.at ("make-up"), std::vector<std::string> { "21.6" });
         EXPECT_THAT (table, Not (HasSubstr ("nan")));
         EXPECT_THAT (table, Not (HasSubstr ("inf")));
-        EXPECT_EQ (document[0]["gains"]["expander_mean_db"].is_null(), input == "nothing.wav");
+        EXPECT_EQ (results[0]["gains"]["expander_mean_db"].is_null(), input == "nothing.wav");
     }
 }
 
@@ -196,9 +203,9 @@ TEST_F (Report, HasNullWhereTheInputHoldsNaN)
     broken[100] = std::numeric_limits<float>::quiet_NaN();
     broken[200] = std::numeric_limits<float>::infinity();
     writeFloats (folder / "broken.wav", wavFloat, 1, broken);
-    const auto document = documentOf ({}, "broken.wav");
-    EXPECT_TRUE (document[0]["before"]["integrated_lufs"].is_null());
-    EXPECT_TRUE (document[0]["after"]["integrated_lufs"].is_number());
+    const auto results = resultsOf ({}, "broken.wav");
+    EXPECT_TRUE (results[0]["before"]["integrated_lufs"].is_null());
+    EXPECT_TRUE (results[0]["after"]["integrated_lufs"].is_number());
 }
 
 TEST_F (Report, LeavesTheGainsOfAnotherLibraryOut)
@@ -206,13 +213,13 @@ TEST_F (Report, LeavesTheGainsOfAnotherLibraryOut)
     const auto table = reportOf ({ "--plugin", paths::standIn(), "--report" });
     EXPECT_THAT (table, HasSubstr ("gains left out: the library gives another sound"));
     EXPECT_THAT (table, Not (HasSubstr ("expander")));
-    const auto document = documentOf ({ "--plugin", paths::standIn() });
-    EXPECT_TRUE (document[0]["gains"].is_null());
-    EXPECT_THAT (document[0]["gains_missing"].get<std::string>(), HasSubstr ("another sound"));
+    const auto results = resultsOf ({ "--plugin", paths::standIn() });
+    EXPECT_TRUE (results[0]["gains"].is_null());
+    EXPECT_THAT (results[0]["gains_missing"].get<std::string>(), HasSubstr ("another sound"));
 
     // It halves what it gets.
-    EXPECT_NEAR (document[0]["after"]["integrated_lufs"].get<double>(),
-                 document[0]["before"]["integrated_lufs"].get<double>() - 6.02,
+    EXPECT_NEAR (results[0]["after"]["integrated_lufs"].get<double>(),
+                 results[0]["before"]["integrated_lufs"].get<double>() - 6.02,
                  0.01);
 }
 
@@ -226,23 +233,35 @@ TEST_F (Report, IsOneDocumentForAllFilesAndFailures)
     EXPECT_EQ (outcome.exitStatus, 1);
     EXPECT_EQ (outcome.errors, "larkspire-render: " + error + "\n");
     const auto document = json::parse (outcome.output);
-    ASSERT_EQ (document.size(), 3U);
-    EXPECT_EQ (document[0]["input"], "speech.wav");
-    EXPECT_EQ (document[1]["input"], "text.txt");
-    EXPECT_EQ (document[2]["input"], "last.wav");
-    EXPECT_FALSE (document[0].contains ("error"));
-    EXPECT_EQ (document[1]["error"], error);
-    EXPECT_FALSE (document[1].contains ("before"));
-    EXPECT_TRUE (document[0]["stats"]["peak_dbfs"].is_number());
-    EXPECT_TRUE (document[0]["stats"]["rms_dbfs"].is_number());
-    EXPECT_GT (document[0]["stats"]["times_real_time"].get<double>(), 0.0);
+    EXPECT_EQ (document.at ("version"), 2);
+    EXPECT_EQ (document.at ("left_out"), json::array());
+    EXPECT_EQ (document.at ("files_without_sound"), 0);
+    const auto& results = document.at ("results");
+    ASSERT_EQ (results.size(), 3U);
+    EXPECT_EQ (results[0]["input"], "speech.wav");
+    EXPECT_EQ (results[1]["input"], "text.txt");
+    EXPECT_EQ (results[2]["input"], "last.wav");
+    EXPECT_FALSE (results[0].contains ("error"));
+    EXPECT_EQ (results[1]["error"], error);
+    EXPECT_FALSE (results[1].contains ("before"));
+    EXPECT_TRUE (results[0]["stats"]["peak_dbfs"].is_number());
+    EXPECT_TRUE (results[0]["stats"]["rms_dbfs"].is_number());
+    EXPECT_GT (results[0]["stats"]["times_real_time"].get<double>(), 0.0);
 }
 
 TEST_F (Report, HoldsPathsThatAreNoText)
 {
     writeNoise ("\xff\xfe \"quoted\".wav");
-    const auto document = documentOf ({}, "\xff\xfe \"quoted\".wav");
-    EXPECT_EQ (document[0]["input"], "\xef\xbf\xbd\xef\xbf\xbd \"quoted\".wav");
+    const auto results = resultsOf ({}, "\xff\xfe \"quoted\".wav");
+    EXPECT_EQ (results[0]["input"], "\xef\xbf\xbd\xef\xbf\xbd \"quoted\".wav");
+    EXPECT_EQ (results[0]["input_bytes"], "\\xff\\xfe \"quoted\".wav");
+    EXPECT_EQ (results[0]["output_bytes"], "results/\\xff\\xfe \"quoted\".wav");
+
+    // What is UTF-8 is there once; where it is not, a backslash of the name's own is told from an escape.
+    writeNoise ("b\\\xc3\xa4.wav");
+    writeNoise ("b\\\xe4.wav");
+    EXPECT_FALSE (resultsOf ({}, "b\\\xc3\xa4.wav")[0].contains ("input_bytes"));
+    EXPECT_EQ (resultsOf ({}, "b\\\xe4.wav")[0]["input_bytes"], "b\\x5c\\xe4.wav");
 }
 
 TEST_F (Report, FollowsTheInputsWithALineBetween)
@@ -268,9 +287,9 @@ TEST_F (Report, DoesNotChangeTheResult)
 TEST_F (Report, OfAComparisonHasAColumnForEachMode)
 {
     const auto table = reportOf ({ "--report", "--compare" });
-    const auto document = documentOf ({ "--compare" });
+    const auto results = resultsOf ({ "--compare" });
     const std::array<std::string, 4> modes { "bypass", "Gentle", "Medium", "Powerful" };
-    ASSERT_EQ (document.size(), 4U);
+    ASSERT_EQ (results.size(), 4U);
     std::string heads;
 
     std::istringstream headLine (linesOf (table).at (1));
@@ -283,17 +302,17 @@ TEST_F (Report, OfAComparisonHasAColumnForEachMode)
 
     for (std::size_t mode = 0; mode < modes.size(); ++mode)
     {
-        EXPECT_EQ (document[mode]["mode"], modes[mode]);
-        EXPECT_EQ (document[mode]["output"], "results/speech-" + modes[mode] + ".wav");
+        EXPECT_EQ (results[mode]["mode"], modes[mode]);
+        EXPECT_EQ (results[mode]["output"], "results/speech-" + modes[mode] + ".wav");
 
         for (const auto& name : names)
         {
             SCOPED_TRACE (name.row);
 
             if (name.group.empty())
-                expectSame (cells.at (name.row).at (mode + 1), document[mode]["after"][name.key]);
+                expectSame (cells.at (name.row).at (mode + 1), results[mode]["after"][name.key]);
             else
-                expectSame (cells.at (name.row).at (mode), mode == 0 ? json() : document[mode]["gains"][name.key]);
+                expectSame (cells.at (name.row).at (mode), mode == 0 ? json() : results[mode]["gains"][name.key]);
         }
     }
 }

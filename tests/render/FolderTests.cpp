@@ -2,11 +2,15 @@
 // A folder as an input.
 #include "render/RendererTest.h"
 
+#include <nlohmann/json.hpp>
+
 #include <filesystem>
+#include <map>
 #include <sys/stat.h>
 
 namespace
 {
+using nlohmann::json;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -84,17 +88,95 @@ TEST_F (Folder, HasPicturesAndModesInItsTreeToo)
                               "one-bypass.png"));
 }
 
-TEST_F (Folder, LeavesOutWhatIsNoRecordingAndSaysHowMuch)
+TEST_F (Folder, CountsWhatNobodyTakesForSound)
 {
     writeBytes (folder / "takes/notes.txt", "which take is best");
-    writeBytes (folder / "takes/empty.wav", "");
-    writeBytes (folder / "takes/day two/film.avi", "RIFF....AVI LIST");
-    ASSERT_EQ (mkfifo ((folder / "takes/pipe.wav").c_str(), 0600), 0);
-    std::filesystem::create_symlink ("nowhere", folder / "takes/dangling.wav");
-    const auto outcome = runHere ({ "takes", "-o", "results" });
+    writeBytes (folder / "takes/day two/cover.png", "\x89PNG\r\n\x1a\n");
+    writeBytes (folder / "takes/empty", "");
+
+    // A text of 16 bits, which begins much like MPEG audio.
+    writeBytes (folder / "takes/wide.txt", "\xff\xfeh\1i\1");
+    ASSERT_EQ (mkfifo ((folder / "takes/pipe").c_str(), 0600), 0);
+    std::filesystem::create_symlink ("nowhere", folder / "takes/dangling");
+    const auto outcome = runHere ({ "--json", "takes", "-o", "results" });
     EXPECT_EQ (outcome.exitStatus, 0);
-    EXPECT_EQ (outcome.errors, "larkspire-render: takes: 5 files that are no recordings were left out\n");
+    EXPECT_EQ (outcome.errors, "larkspire-render: 6 files without sound left out\n");
     EXPECT_EQ (below ("results"), threeResults);
+    const auto document = json::parse (outcome.output);
+    EXPECT_EQ (document.at ("files_without_sound"), 6);
+    EXPECT_EQ (document.at ("left_out"), json::array());
+}
+
+TEST_F (Folder, NamesSoundThatCannotBeReadAndFails)
+{
+    const std::string convert = ": convert it first, for example with ffmpeg";
+    std::map<std::string, std::string> reasons;
+    const auto add = [&] (const std::string& name, const std::string& bytes, const std::string& reason)
+    {
+        writeBytes (folder / ("takes/" + name), bytes);
+        reasons["takes/" + name] = reason;
+    };
+
+    add ("1.m4a", std::string ("\0\0\0\x20", 4) + "ftypM4A isomiso2", "is MPEG-4 audio" + convert);
+    add ("2.mp3", "ID3\4" + std::string (20, '\0'), "is MPEG audio" + convert);
+    add ("3 without ending", "\xff\xfb\x90" + std::string (200, 'x'), "is MPEG audio" + convert);
+    add ("4.aac", "\xff\xf1\x50" + std::string (200, 'x'), "is AAC audio" + convert);
+    add ("5.caf", "caff" + std::string (20, '\0'), "is Core Audio" + convert);
+    add ("6.wma", "\x30\x26\xb2\x75" + std::string (20, '\0'), "is Windows Media audio" + convert);
+    add ("7.wav", "which take is best", "is not a WAV, FLAC, AIFF or Ogg file");
+    add ("8.wav", "", "is empty");
+    std::filesystem::create_symlink ("nowhere", folder / "takes/9.wav");
+    reasons["takes/9.wav"] = "cannot be read: No such file or directory";
+    std::filesystem::create_symlink ("A.wav", folder / "takes/A.wav");
+    reasons["takes/A.wav"] = "cannot be read: Too many levels of symbolic links";
+    ASSERT_EQ (mkfifo ((folder / "takes/B.wav").c_str(), 0600), 0);
+    reasons["takes/B.wav"] = "is not a regular file";
+
+    const auto outcome = runHere ({ "--json", "takes", "-o", "results" });
+    EXPECT_EQ (outcome.exitStatus, 1);
+    EXPECT_EQ (below ("results"), threeResults);
+    const auto leftOut = json::parse (outcome.output).at ("left_out");
+    ASSERT_EQ (leftOut.size(), reasons.size());
+    std::string lines;
+
+    for (std::size_t i = 0; const auto& [path, reason] : reasons)
+    {
+        EXPECT_EQ (leftOut[i], (json { { "path", path }, { "reason", reason }, { "is_error", true } }));
+        lines += "larkspire-render: " + path + ": " + reason + "\n";
+        ++i;
+    }
+
+    EXPECT_EQ (outcome.errors, lines);
+}
+
+TEST_F (Folder, NamesFilmsWithoutFailing)
+{
+    const std::string extract = ": extract its sound first, for example with ffmpeg";
+    writeBytes (folder / "takes/film.avi", "RIFF....AVI LIST");
+    writeBytes (folder / "takes/film.mkv", "\x1a\x45\xdf\xa3" + std::string (20, '\0'));
+    writeBytes (folder / "takes/film.mp4", std::string ("\0\0\0\x20", 4) + "ftypisom....");
+    const auto outcome = runHere ({ "--json", "takes", "-o", "results" });
+    EXPECT_EQ (outcome.exitStatus, 0);
+    EXPECT_EQ (outcome.errors,
+               "larkspire-render: takes/film.avi: left out: is a film" + extract
+                   + "\nlarkspire-render: takes/film.mkv: left out: is a film" + extract
+                   + "\nlarkspire-render: takes/film.mp4: left out: is a film" + extract + "\n");
+    EXPECT_EQ (json::parse (outcome.output).at ("left_out").at (0).at ("is_error"), false);
+    EXPECT_EQ (below ("results"), threeResults);
+}
+
+TEST_F (Folder, ThatCannotBeReadToItsEndIsAnErrorAndRenderedInNoPart)
+{
+    // Where the file system names the entries in another order, more or fewer of them are read before it breaks.
+    writeBytes (folder / "takes/day two/breaks here", "");
+    const auto outcome = run (Call {
+        .arguments = { "--json", "takes", "-o", "results" },
+        .environment = { { "LD_PRELOAD", paths::brokenFolder() }, { "ASAN_OPTIONS", "verify_asan_link_order=0" } },
+        .folder = folder.path() });
+    EXPECT_EQ (outcome.exitStatus, 1);
+    EXPECT_EQ (outcome.errors, "larkspire-render: takes/day two: cannot be read: Input/output error\n");
+    EXPECT_THAT (below ("results"), ElementsAre ("one.wav"));
+    EXPECT_EQ (json::parse (outcome.output).at ("left_out").at (0).at ("path"), "takes/day two");
 }
 
 TEST_F (Folder, ReportsARecordingThatIsDamagedAndGoesOn)
@@ -123,13 +205,14 @@ TEST_F (Folder, IsNotLeftByLinksAndDoesNotRunInCircles)
     write (folder / "elsewhere/far.wav", wav16, first);
     std::filesystem::create_directory_symlink ("..", folder / "takes/day two/up");
     std::filesystem::create_directory_symlink (folder / "elsewhere", folder / "takes/out");
-    std::filesystem::create_symlink ("itself.wav", folder / "takes/itself.wav");
 
     // A link to a file is as good as the file.
     std::filesystem::create_symlink (folder / "elsewhere/far.wav", folder / "takes/near.wav");
     const auto outcome = runHere ({ "takes", "-o", "results" });
     EXPECT_EQ (outcome.exitStatus, 0) << outcome.errors;
-    EXPECT_EQ (outcome.errors, "larkspire-render: takes: 3 files that are no recordings were left out\n");
+    const std::string notFollowed = ": left out: is a link to a folder, which is not followed\n";
+    EXPECT_EQ (outcome.errors,
+               "larkspire-render: takes/day two/up" + notFollowed + "larkspire-render: takes/out" + notFollowed);
     EXPECT_THAT (below ("results"), ElementsAre ("day two/late/three.wav", "day two/one.wav", "near.wav", "one.wav"));
 }
 
@@ -153,11 +236,18 @@ TEST_F (Folder, IsRefusedAsTheFolderOfItsResults)
         EXPECT_THAT (expectFailure (2, { "takes", "-o", out }), HasSubstr ("is the folder of the recordings"));
 }
 
-TEST_F (Folder, RefusesTwoRecordingsThatWouldBecomeOneResult)
+TEST_F (Folder, RendersAllButTwoRecordingsThatWouldBecomeOneResult)
 {
     writeNoise ("takes/one.flac");
-    EXPECT_THAT (expectFailure (2, { "takes", "-o", "results" }),
-                 HasSubstr ("takes/one.flac and takes/one.wav: both would become results/one.wav"));
+    const auto outcome = runHere ({ "--json", "takes", "-o", "results" });
+    EXPECT_EQ (outcome.exitStatus, 1);
+    EXPECT_EQ (outcome.errors,
+               "larkspire-render: takes/one.flac: would become results/one.wav, and so would takes/one.wav\n"
+               "larkspire-render: takes/one.wav: would become results/one.wav, and so would takes/one.flac\n");
+    EXPECT_THAT (below ("results"), ElementsAre ("day two/late/three.wav", "day two/one.wav"));
+    const auto results = json::parse (outcome.output).at ("results");
+    ASSERT_EQ (results.size(), 4U);
+    EXPECT_THAT (results[2].at ("error").get<std::string>(), HasSubstr ("and so would takes/one.wav"));
 }
 
 TEST_F (Folder, WithNothingToRenderDoesNotStopTheOthers)

@@ -71,7 +71,7 @@ TEST_F (Formats, BypassReturnsOggVorbisAsItDecodes)
 
 TEST_F (Formats, WritesTheWidthThatWasAskedFor)
 {
-    write (folder / "voice.wav", wav24, makeNoise (1, 500, 24));
+    write (folder / "voice.wav", wav24, makeNoise (1, 500, 16));
 
     const auto formatOf = [this] (const std::string& result, const std::vector<std::string>& further)
     {
@@ -98,7 +98,7 @@ TEST_F (Formats, RoundsToTheNearestAndLimitsToFullScale)
                  wavFloat,
                  1,
                  { 0.4f * step, 0.6f * step, -0.6f * step, 100.4f * step, 0.99999f, 1.0f, 1.5f, -1.0f, -1.5f, 19.0f });
-    bypass ("voice.wav", "result.wav", { "--bits", "16" });
+    runHere ({ "--mode", "bypass", "--bits", "16", "voice.wav", "-o", "result.wav" });
 
     std::vector<int> wholeNumbers;
 

@@ -116,7 +116,7 @@ TEST_F (Jobs, KeepWhatWasDoneBeforeTheInterruption)
     EXPECT_THAT (folder.contents(), ElementsAre ("long.wav", "results", "results/short.wav", "short.wav"));
 
     // The document is whole, and holds both.
-    EXPECT_TRUE (outcome.output.starts_with ("[") && outcome.output.ends_with ("]\n")) << outcome.output;
+    EXPECT_TRUE (outcome.output.starts_with ("{") && outcome.output.ends_with ("}\n")) << outcome.output;
     EXPECT_THAT (outcome.output, HasSubstr ("interrupted, nothing was written"));
     EXPECT_THAT (outcome.output, HasSubstr ("results/short.wav"));
 }

@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // Results appear whole or not at all.
 #include "render/RendererTest.h"
+#include "support/Paths.h"
+
+#include <nlohmann/json.hpp>
 
 #include <csignal>
 #include <filesystem>
+#include <limits>
 #include <sys/stat.h>
 
 namespace
@@ -30,6 +34,65 @@ TEST_F (Output, ReplacesTheFileBehindASymbolicLinkAndKeepsTheLink)
     EXPECT_TRUE (std::filesystem::is_symlink (folder / "result.wav"));
     EXPECT_EQ (read (folder / "elsewhere/there.wav"), recording);
     EXPECT_THAT (folder.contents(), ElementsAre ("elsewhere", "elsewhere/there.wav", "result.wav", "voice.wav"));
+}
+
+TEST_F (Output, IsMadeWhereASymbolicLinkPoints)
+{
+    const auto recording = writeNoise ("voice.wav");
+    std::filesystem::create_directories (folder / "far/away");
+    std::filesystem::create_symlink ("far/link.wav", folder / "result.wav");
+    std::filesystem::create_symlink ("away/there.wav", folder / "far/link.wav");
+    std::filesystem::create_symlink (folder / "far/absolute.wav", folder / "absolute.wav");
+    expectSuccess ({ "--mode", "bypass", "voice.wav", "-o", "result.wav" });
+    expectSuccess ({ "--mode", "bypass", "voice.wav", "-o", "absolute.wav" });
+    EXPECT_TRUE (std::filesystem::is_symlink (folder / "result.wav"));
+    EXPECT_TRUE (std::filesystem::is_symlink (folder / "far/link.wav"));
+    EXPECT_EQ (read (folder / "far/away/there.wav"), recording);
+    EXPECT_EQ (read (folder / "far/absolute.wav"), recording);
+
+    // Into a folder that is not there nothing is written, and a link to itself stays one.
+    std::filesystem::create_symlink ("missing/there.wav", folder / "lost.wav");
+    std::filesystem::create_symlink ("circle.wav", folder / "circle.wav");
+    EXPECT_THAT (expectFailure (1, { "voice.wav", "-o", "lost.wav" }), testing::HasSubstr ("No such file"));
+    EXPECT_THAT (expectFailure (1, { "voice.wav", "-o", "circle.wav" }), testing::HasSubstr ("symbolic links"));
+    EXPECT_TRUE (std::filesystem::is_symlink (folder / "circle.wav"));
+}
+
+TEST_F (Output, ThatLosesSamplesSaysHowManyOnce)
+{
+    constexpr float step = 1.0f / 8388608.0f;
+    writeFloats (folder / "float.wav", wavFloat, 1, { 0.5f, 1.5f, -19.0f, 0.4f * step, 1.0f, -1.0f, 2.0f });
+    writeFloats (folder / "fits.wav", wavFloat, 1, { 0.5f, -1.0f, 0.25f });
+    const std::string name = "larkspire-render: result.wav: ";
+    const std::string remedy = "; --bits 32f keeps them\n";
+    const auto outcome = runHere ({ "--json", "--mode", "bypass", "float.wav", "-o", "result.wav" });
+    EXPECT_EQ (outcome.exitStatus, 0);
+    EXPECT_EQ (outcome.errors,
+               name + "3 samples beyond full scale clipped" + remedy + name + "2 samples rounded to 24 bits" + remedy);
+    const auto result = nlohmann::json::parse (outcome.output).at ("results").at (0);
+    EXPECT_EQ (result.at ("clipped_samples"), 3);
+    EXPECT_EQ (result.at ("warnings").size(), 2U);
+
+    // NaN ends in the plug-in; in one that halves what it gets it does not.
+    writeFloats (folder / "broken.wav", wavFloat, 1, { 0.5f, std::numeric_limits<float>::quiet_NaN() });
+    EXPECT_EQ (runHere ({ "--plugin", paths::standIn(), "broken.wav", "-o", "result.wav" }).errors,
+               name + "1 sample that is no number became silence" + remedy);
+
+    // Nothing to say: of what fits, of floats, and in a mode that makes every sample anew.
+    expectSuccess ({ "--mode", "bypass", "fits.wav", "-o", "result.wav" });
+    expectSuccess ({ "--mode", "bypass", "--bits", "32f", "float.wav", "-o", "result.wav" });
+    expectSuccess ({ "--mode", "Medium", "fits.wav", "-o", "result.wav" });
+}
+
+TEST_F (Output, OfSamplesThatFloatsDoNotHoldSaysSo)
+{
+    // 32-bit whole numbers: one of 24 bits, and two that have more.
+    write (folder / "wide.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_32, { .samples = { 256 << 8, 0x12345678, 0x40000001 } });
+    const auto outcome = runHere ({ "--mode", "bypass", "--bits", "32f", "wide.wav", "-o", "result.wav" });
+    EXPECT_EQ (outcome.exitStatus, 0);
+    EXPECT_EQ (outcome.errors,
+               "larkspire-render: wide.wav: 2 samples rounded to 32-bit floats, which the plug-in works in\n");
+    EXPECT_EQ (readFloats (folder / "result.wav"), readFloats (folder / "wide.wav"));
 }
 
 TEST_F (Output, HasTheRightsThatNewFilesGet)

@@ -16,7 +16,9 @@ namespace
 using larkspire::plot::Rows;
 using larkspire::window::Colour;
 using larkspire::window::Picture;
+using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 namespace plot = larkspire::plot;
 
 // As the legend of every picture has them.
@@ -113,7 +115,7 @@ TEST_F (Drawing, ShowsTheHeightOfTheWaveformOverTime)
     for (std::size_t i = 0; i < sound.size(); ++i)
         sound[i] = i % 2 == 0 ? 0.0f : (i < sound.size() / 2 ? 0.4f : 0.2f);
 
-    const auto picture = pictureOf (sound, 1, { "--mode", "bypass" });
+    const auto picture = pictureOf (sound, 1, { "--mode", "bypass", "--bits", "32f" });
     const auto axis = upright (-0.5, 0.5, plot::beforeRows);
 
     for (const auto& [time, height] : { std::pair { 1.0, 0.4 }, { 1.9, 0.4 }, { 2.1, 0.2 }, { 3.0, 0.2 } })
@@ -137,7 +139,7 @@ TEST_F (Drawing, ShowsTheChannelsInOneWaveform)
         sound[2 * frame + 1] = -0.3f;
     }
 
-    const auto picture = pictureOf (sound, 2, { "--mode", "bypass" });
+    const auto picture = pictureOf (sound, 2, { "--mode", "bypass", "--bits", "32f" });
     const auto axis = upright (-1.0, 1.0, plot::beforeRows);
     const auto rows = rowsWith (picture, plot::beforeRows, columnAt (0.5, 1.0), before);
     ASSERT_FALSE (rows.empty());
@@ -239,17 +241,42 @@ TEST_F (Drawing, IsTheSameEveryTime)
     EXPECT_EQ (bytesOf (folder / "sound.png"), bytes);
 }
 
-TEST_F (Drawing, WithoutAnyFontIsReportedAndLeavesNothing)
+/** Expects that a call gives its result and no picture, and says why. */
+void expectResultAlone (const TemporaryFolder& folder, const Call& call, const std::string& reason)
 {
-    writeNoise ("sound.wav");
-    EXPECT_THAT (expectFailure (1,
-                                Call { .arguments = { "--plot", "sound.png", "sound.wav", "-o", "result.wav" },
-                                       .environment = { { "JUCE_FONT_PATH", folder / "nothing" } },
-                                       .folder = folder.path() }),
-                 HasSubstr ("fonts-liberation2"));
+    const auto outcome = run (call);
+    EXPECT_EQ (outcome.exitStatus, 1);
+    EXPECT_EQ (linesOf (outcome.errors).size(), 1U) << outcome.errors;
+    EXPECT_THAT (outcome.errors, HasSubstr (reason));
+    EXPECT_THAT (outcome.output, Not (HasSubstr ("\"picture\"")));
+    EXPECT_THAT (outcome.output, HasSubstr (reason));
+    EXPECT_THAT (folder.contents(), ElementsAre ("result.wav", "sound.wav"));
+    EXPECT_EQ (read (folder / "result.wav"), read (folder / "sound.wav"));
 }
 
-TEST_F (Drawing, ThatCannotBeWrittenLeavesNoResultEither)
+TEST_F (Drawing, WithoutAnyFontIsReportedAndLeavesTheResult)
+{
+    writeNoise ("sound.wav");
+    expectResultAlone (
+        folder,
+        Call { .arguments = { "--json", "--mode", "bypass", "--plot", "sound.png", "sound.wav", "-o", "result.wav" },
+               .environment = { { "JUCE_FONT_PATH", folder / "nothing" } },
+               .folder = folder.path() },
+        "fonts-liberation2");
+}
+
+TEST_F (Drawing, ThatTheDiskDoesNotHoldLeavesTheResult)
+{
+    writeNoise ("sound.wav");
+    expectResultAlone (
+        folder,
+        Call { .arguments = { "--json", "--mode", "bypass", "--plot", "sound.png", "sound.wav", "-o", "result.wav" },
+               .folder = folder.path(),
+               .largestFile = 5000 },
+        "sound.png: cannot be written: File too large");
+}
+
+TEST_F (Drawing, ThatHasNoPlaceIsRefusedAheadOfTheWork)
 {
     writeNoise ("sound.wav", 1, 20000);
     EXPECT_THAT (expectFailure (1, { "--plot", "missing/sound.png", "sound.wav", "-o", "result.wav" }),

@@ -24,6 +24,11 @@ std::string otherLibrary()
     return LARKSPIRE_OTHER_LIBRARY_PATH;
 }
 
+std::string brokenFolder()
+{
+    return LARKSPIRE_BROKEN_FOLDER_PATH;
+}
+
 std::string renderer()
 {
     return LARKSPIRE_RENDERER_PATH;

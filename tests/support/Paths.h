@@ -13,6 +13,7 @@ std::string latencyPlugin();
 std::string standIn();      // what the renderer can be given in place of the plug-in
 std::string otherLibrary(); // a library that is no plug-in
 
+std::string brokenFolder(); // a library that makes folders break
 std::string renderer();
 std::string measure();
 std::string screenshot();

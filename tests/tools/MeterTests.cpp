@@ -100,10 +100,10 @@ TEST (TruePeak, IsThatOfTheLouderChannel)
     EXPECT_NEAR (figuresOf (sound, stereo).truePeakDbtp.value(), -6.02, 0.05);
 }
 
-/** A square wave for so many seconds, whose RMS is its height. */
+/** A square wave for so many seconds, with the RMS of a sine of that level. */
 std::vector<float> square (double dbfs, double seconds, int channels)
 {
-    const auto height = static_cast<float> (std::pow (10.0, dbfs / 20.0));
+    const auto height = static_cast<float> (std::numbers::sqrt2 / 2.0 * std::pow (10.0, dbfs / 20.0));
     std::vector<float> samples;
 
     for (long frame = 0; frame < std::lround (seconds * 48000.0); ++frame)
@@ -113,7 +113,7 @@ std::vector<float> square (double dbfs, double seconds, int channels)
     return samples;
 }
 
-TEST (Noise, IsTheLevelBetweenWords)
+TEST (QuietestTenth, IsTheLevelBetweenWords)
 {
     for (const int channels : { 1, 2 })
     {
@@ -124,23 +124,23 @@ TEST (Noise, IsTheLevelBetweenWords)
         for (int i = 0; i < 10; ++i)
             speech = joined ({ speech, word, gap });
 
-        const auto noise = figuresOf (speech, { .channels = channels, .sampleRate = 48000 }).noiseDbfs;
+        const auto noise = figuresOf (speech, { .channels = channels, .sampleRate = 48000 }).quietestTenthDbfs;
         EXPECT_NEAR (noise.value(), -61.5, 0.01) << channels;
     }
 }
 
-TEST (Noise, IsTheTenthOfAHundredWindowsInOrder)
+TEST (QuietestTenth, IsTheTenthOfAHundredWindowsInOrder)
 {
     std::vector<float> sound;
 
     // Each window 0.5 dB apart, in an order that is none: 37 has no divisor in common with 100.
     for (int i = 0; i < 100; ++i)
-        sound = joined ({ sound, square (-70.0 + 0.5 * (37 * i % 100), NoiseMeter::windowSeconds, 1) });
+        sound = joined ({ sound, square (-70.0 + 0.5 * (37 * i % 100), QuietestTenth::windowSeconds, 1) });
 
-    EXPECT_NEAR (figuresOf (sound, mono).noiseDbfs.value(), -70.0 + 0.5 * 9, 0.01);
+    EXPECT_NEAR (figuresOf (sound, mono).quietestTenthDbfs.value(), -70.0 + 0.5 * 9, 0.01);
 }
 
-TEST (Noise, IsNotLookedForWhereTheRecordingIsDigitalSilence)
+TEST (QuietestTenth, IsNotLookedForWhereTheRecordingIsDigitalSilence)
 {
     const auto noise = square (-60.0, 1.0, 1);
     const auto halved = square (-66.0, 1.0, 1);
@@ -150,9 +150,9 @@ TEST (Noise, IsNotLookedForWhereTheRecordingIsDigitalSilence)
     SoundMeter after (mono);
     before.add (joined ({ noise, silence, noise }));
     after.add (joined ({ halved, hum, halved }));
-    EXPECT_NEAR (before.figures (before).noiseDbfs.value(), -60.0, 0.01);
-    EXPECT_NEAR (after.figures (before).noiseDbfs.value(), -66.0, 0.01);
-    EXPECT_NEAR (after.figures (after).noiseDbfs.value(), -90.0, 0.01);
+    EXPECT_NEAR (before.figures (before).quietestTenthDbfs.value(), -60.0, 0.01);
+    EXPECT_NEAR (after.figures (before).quietestTenthDbfs.value(), -66.0, 0.01);
+    EXPECT_NEAR (after.figures (after).quietestTenthDbfs.value(), -90.0, 0.01);
 }
 
 TEST (Figures, AreMissingForSilenceAndWhereTheSoundIsTooShort)
@@ -162,8 +162,8 @@ TEST (Figures, AreMissingForSilenceAndWhereTheSoundIsTooShort)
 
     EXPECT_EQ (figuresOf (std::vector<float> (960000), stereo), SoundFigures {});
     EXPECT_EQ (figuresOf ({}, mono), SoundFigures {});
-    EXPECT_FALSE (figuresAfter (0.049).noiseDbfs.has_value());
-    EXPECT_TRUE (figuresAfter (0.05).noiseDbfs.has_value());
+    EXPECT_FALSE (figuresAfter (0.049).quietestTenthDbfs.has_value());
+    EXPECT_TRUE (figuresAfter (0.05).quietestTenthDbfs.has_value());
     EXPECT_FALSE (figuresAfter (0.39).integratedLufs.has_value());
     EXPECT_TRUE (figuresAfter (0.4).integratedLufs.has_value());
     EXPECT_FALSE (figuresAfter (3.9).loudnessRangeLu.has_value());

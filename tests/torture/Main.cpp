@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // Does to the built library whatever a host can do, in any order, and compares it with a model after every step.
+#include "host/NoDisplay.h"
 #include "support/Paths.h"
 #include "torture/Mismatch.h"
 #include "torture/Torture.h"
@@ -129,6 +130,7 @@ int main (int argc, char** argv)
 {
     try
     {
+        larkspire::useNoDisplay(); // where windows are wanted, the torture has a display of its own
         const auto options = readOptions (argc, argv);
         const auto* status = std::get_if<int> (&options);
         return status != nullptr ? *status : torture (std::get<Options> (options));

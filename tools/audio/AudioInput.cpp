@@ -7,8 +7,12 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cmath>
+#include <string_view>
+#include <utility>
 
 namespace larkspire
 {
@@ -33,18 +37,40 @@ void checkThatItCanBeAudio (const std::filesystem::path& path, int descriptor)
         throw Failure (path, "is empty");
 }
 
-/** Looks at the first four bytes. Otherwise libsndfile would try its MPEG decoder on texts and pictures, and that
-    prints to the terminal. */
+/** Looks at the first bytes. Otherwise libsndfile would try its MPEG decoder on texts and pictures, and that prints to
+    the terminal. */
 void checkTheKindOfFile (const std::filesystem::path& path, int descriptor)
 {
-    std::array<char, 4> bytes {};
+    std::array<char, bytesOfKind> bytes {};
     const auto count = pread (descriptor, bytes.data(), bytes.size(), 0);
 
     if (count < 0)
         throw Failure (path, "cannot be read: " + systemError (errno));
 
-    if (! mayBeRecording ({ bytes.data(), static_cast<std::size_t> (count) }))
-        throw Failure (path, "is not a WAV, FLAC, AIFF or Ogg file");
+    const auto kind = kindOf ({ bytes.data(), static_cast<std::size_t> (count) });
+
+    if (kind.content != Content::recording)
+        throw Failure (path, "is " + adviceFor (kind));
+}
+
+/** Why libsndfile could not open a file. Of what it does not know in an Ogg file it says no more than that. */
+std::string reasonOf (int descriptor)
+{
+    constexpr std::size_t page = 28; // the first page's header, which says of one packet how long it is
+    std::array<char, page + 8> bytes {};
+    const auto count = pread (descriptor, bytes.data(), bytes.size(), 0);
+    const auto packet = std::string_view (bytes.data(), static_cast<std::size_t> (std::max<ssize_t> (count, page)));
+
+    for (const auto& [beginning, name] : { std::pair<std::string_view, std::string> { "\x7f"
+                                                                                      "FLAC",
+                                                                                      "FLAC" },
+                                           { "Speex", "Speex" },
+                                           { "\x80theora", "a film" } })
+        if (packet.starts_with ("OggS") && packet.substr (page).starts_with (beginning))
+            return "holds " + name
+                   + " in an Ogg file, which cannot be read here: convert it first, for example with ffmpeg";
+
+    return std::string ("cannot be read as audio: ") + sf_strerror (nullptr);
 }
 
 bool isOgg (const SF_INFO& info)
@@ -64,15 +90,24 @@ AudioInput::AudioInput (const std::filesystem::path& path)
     checkThatItCanBeAudio (path, descriptor.get());
     checkTheKindOfFile (path, descriptor.get());
 
-    file.reset (sf_open_fd (descriptor.get(), SFM_READ, &info, SF_FALSE));
+    // One of its own: whatever it is told, libsndfile closes the descriptor of a file that it cannot open.
+    const auto itsOwn = fcntl (descriptor.get(), F_DUPFD_CLOEXEC, 0);
+    file.reset (sf_open_fd (itsOwn, SFM_READ, &info, SF_TRUE));
 
     if (file == nullptr)
-        throw Failure (path, std::string ("cannot be read as audio: ") + sf_strerror (nullptr));
+        throw Failure (path, reasonOf (descriptor.get()));
 
     if (info.channels > 2)
         throw Failure (path, "has " + std::to_string (info.channels) + " channels; only mono and stereo are rendered");
 
     audioShape = { .channels = info.channels, .sampleRate = info.samplerate };
+    missing = findMissingEnd (descriptor.get());
+
+    if (missing.has_value() && missing->bytesStated == 0)
+        throw Failure (path, "is damaged: its header was never completed; repair it first, for example with ffmpeg");
+
+    if (missing.has_value() && info.frames == 0)
+        throw Failure (path, "is damaged: it ends before its first sample");
 }
 
 std::optional<std::int64_t> AudioInput::length() const noexcept
@@ -83,10 +118,27 @@ std::optional<std::int64_t> AudioInput::length() const noexcept
     return info.frames;
 }
 
+std::optional<Truncation> AudioInput::truncation() const
+{
+    if (! missing.has_value())
+        return std::nullopt;
+
+    Truncation truncation;
+
+    // Every kind of sample in files that state a size takes the same room throughout.
+    if (missing->bytesStated.has_value())
+        truncation.secondsStated = static_cast<double> (info.frames) / audioShape.sampleRate
+                                   * static_cast<double> (*missing->bytesStated)
+                                   / static_cast<double> (missing->bytesThere);
+
+    return truncation;
+}
+
 std::size_t AudioInput::read (std::span<float> interleaved)
 {
     const auto wanted = static_cast<sf_count_t> (interleaved.size()) / info.channels;
-    const auto count = sf_readf_float (file.get(), interleaved.data(), wanted);
+    const auto count = holdsMoreThanFloats() ? readRounded (interleaved, wanted)
+                                             : sf_readf_float (file.get(), interleaved.data(), wanted);
     framesRead += count;
 
     if (sf_error (file.get()) != SF_ERR_NO_ERROR)
@@ -102,6 +154,26 @@ std::size_t AudioInput::read (std::span<float> interleaved)
         throw Failure (filePath, "is damaged: it ends before its first sample");
 
     return static_cast<std::size_t> (count);
+}
+
+bool AudioInput::holdsMoreThanFloats() const noexcept
+{
+    const auto samples = info.format & SF_FORMAT_SUBMASK;
+    return samples == SF_FORMAT_PCM_32 || samples == SF_FORMAT_DOUBLE;
+}
+
+sf_count_t AudioInput::readRounded (std::span<float> interleaved, sf_count_t frames)
+{
+    doubles.resize (interleaved.size());
+    const auto count = sf_readf_double (file.get(), doubles.data(), frames);
+
+    for (std::size_t i = 0; std::cmp_less (i, count * info.channels); ++i)
+    {
+        interleaved[i] = static_cast<float> (doubles[i]);
+        samplesRounded += std::isnan (doubles[i]) || double { interleaved[i] } == doubles[i] ? 0 : 1;
+    }
+
+    return count;
 }
 
 } // namespace larkspire

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "audio/AudioShape.h"
+#include "audio/MissingEnd.h"
 #include "base/FileDescriptor.h"
 
 #include <sndfile.h>
@@ -11,22 +12,35 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <vector>
 
 namespace larkspire
 {
+
+/** What is known of a recording that ends too early. */
+struct Truncation
+{
+    std::optional<double> secondsStated; // how much sound the file promises; an Ogg file promises nothing
+};
 
 /** A WAV, FLAC, AIFF or Ogg file with one or two channels, read from front to back. */
 class AudioInput
 {
 public:
     /** Opens the file. Throws Failure for whatever cannot be rendered: no such file, a folder, an empty file, no audio,
-        another kind of audio, more than two channels. */
+        another kind of audio, more than two channels, sound that was cut off before its first sample. */
     explicit AudioInput (const std::filesystem::path& path);
 
     const AudioShape& shape() const noexcept { return audioShape; }
 
     /** The number of sample frames that the file states; nullopt if it states none, as streamed FLAC may. */
     std::optional<std::int64_t> length() const noexcept;
+
+    /** Whether the sound was cut off, though all that is there can be read. */
+    std::optional<Truncation> truncation() const;
+
+    /** How many of the samples read so far 32-bit floats do not hold as they are in the file. */
+    std::int64_t roundedSamples() const noexcept { return samplesRounded; }
 
     /** Reads as many frames as fit, channels interleaved, linear full scale 1.0, and returns how many those are: 0 is
         the end. Throws Failure if the file is damaged or holds less than it states. */
@@ -38,12 +52,18 @@ private:
         void operator() (SNDFILE* opened) const noexcept { sf_close (opened); }
     };
 
+    bool holdsMoreThanFloats() const noexcept;
+    sf_count_t readRounded (std::span<float> interleaved, sf_count_t frames);
+
     std::filesystem::path filePath;
     FileDescriptor descriptor;
     SF_INFO info {};
     std::unique_ptr<SNDFILE, Close> file;
     AudioShape audioShape;
+    std::optional<MissingEnd> missing;
+    std::vector<double> doubles;
     std::int64_t framesRead = 0;
+    std::int64_t samplesRounded = 0;
 };
 
 } // namespace larkspire

@@ -4,6 +4,7 @@
 #include "audio/Quantiser.h"
 #include "base/Failure.h"
 
+#include <cmath>
 #include <cstdio>
 #include <string>
 #include <utility>
@@ -132,11 +133,26 @@ void AudioOutput::writeWholeNumbers (std::span<const float> interleaved)
     for (std::size_t i = 0; i < interleaved.size(); ++i)
     {
         const auto value = quantiser.toWholeNumber (interleaved[i]);
-        writtenLevels.add (quantiser.toSample (value));
+        const auto written = quantiser.toSample (value);
+        writtenLevels.add (written);
+
+        if (written != double { interleaved[i] })
+            countLoss (interleaved[i]);
+
         wholeNumbers[i] = value << (32 - bits); // the library takes the uppermost bits
     }
 
     checkCount (sf_write_int (file.get(), wholeNumbers.data(), std::ssize (wholeNumbers)), wholeNumbers.size());
+}
+
+void AudioOutput::countLoss (float sample)
+{
+    if (std::isnan (sample))
+        ++samplesLost.notNumbers;
+    else if (std::abs (sample) > 1.0f)
+        ++samplesLost.clipped;
+    else
+        ++samplesLost.rounded;
 }
 
 void AudioOutput::checkCount (sf_count_t written, std::size_t wanted)

@@ -22,6 +22,14 @@ namespace larkspire
     known, RF64 is written, which is the same with 64-bit sizes. */
 bool needsLargeWav (const AudioShape& shape, SampleType samples, std::optional<std::int64_t> frames);
 
+/** How many samples a file does not hold as they came. */
+struct Losses
+{
+    std::int64_t clipped = 0;    // beyond full scale, held at it
+    std::int64_t rounded = 0;    // to the width of the file's samples
+    std::int64_t notNumbers = 0; // NaN, written as 0
+};
+
 /** A WAV or FLAC file that is written from front to back and gets its name at the end. */
 class AudioOutput
 {
@@ -41,6 +49,9 @@ public:
     /** What has been written so far, as it reads back: rounded, and held within full scale unless it is floats. */
     const Levels& levels() const noexcept { return writtenLevels; }
 
+    /** What that lost: nothing in a file of floats. */
+    const Losses& losses() const noexcept { return samplesLost; }
+
     /** Completes the file and gives it its name. Throws Failure if any byte did not get through; then there is none. */
     void commit();
 
@@ -51,6 +62,7 @@ private:
     };
 
     void writeFloats (std::span<const float> interleaved);
+    void countLoss (float sample);
     void writeWholeNumbers (std::span<const float> interleaved);
     void checkCount (sf_count_t written, std::size_t wanted);
 
@@ -60,6 +72,7 @@ private:
     std::unique_ptr<SNDFILE, Close> file; // below the partial file: closing still writes to it
     std::vector<int> wholeNumbers;
     Levels writtenLevels;
+    Losses samplesLost;
 };
 
 } // namespace larkspire

@@ -1,45 +1,41 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include <algorithm>
-#include <array>
+#include <filesystem>
 #include <string_view>
 
 namespace larkspire
 {
 
-/** How a kind of file that is rendered begins. */
-struct FileKind
+/** What a file holds, as far as its beginning tells. */
+enum class Content
 {
-    std::string_view beginning; // the first four bytes
-    std::string_view form;      // the bytes 8 to 11, if films or pictures have the same beginning
+    recording,  // of a kind that is rendered; whether the rest is intact shows when it is
+    otherSound, // of a kind that is not
+    film,
+    noSound
 };
 
-inline constexpr std::array<FileKind, 7> fileKinds { { { "RIFF", "WAVE" },
-                                                       { "RIFX", "WAVE" },
-                                                       { "RF64", "WAVE" },
-                                                       { "FORM", "AIFF" },
-                                                       { "FORM", "AIFC" },
-                                                       { "fLaC", "" },
-                                                       { "OggS", "" } } };
-
-/** Whether a file with these first bytes may be a recording; four of them are enough. */
-inline bool mayBeRecording (std::string_view bytes)
+/** A kind of file and what people call it. */
+struct FileKind
 {
-    return std::any_of (
-        fileKinds.begin(), fileKinds.end(), [&] (const FileKind& kind) { return bytes.starts_with (kind.beginning); });
-}
+    Content content;
+    std::string_view name;
+};
 
-/** Whether a file with these first twelve bytes is a recording and nothing else that begins alike. */
-inline bool beginsAsRecording (std::string_view bytes)
-{
-    return std::any_of (fileKinds.begin(),
-                        fileKinds.end(),
-                        [&] (const FileKind& kind)
-                        {
-                            return bytes.starts_with (kind.beginning)
-                                   && (kind.form.empty() || (bytes.size() >= 12 && bytes.substr (8, 4) == kind.form));
-                        });
-}
+/** How many bytes of a file tell its kind. */
+inline constexpr std::size_t bytesOfKind = 12;
+
+/** The kind of a file with these first bytes, bytesOfKind of them or all that there are. */
+FileKind kindOf (std::string_view bytes);
+
+/** Whether the ending of a name says that the file is a recording of sound, of whatever kind. */
+bool isNamedAsSound (const std::filesystem::path& path);
+
+/** The letters behind the last dot of a name, made small. */
+std::string extensionIn (const std::filesystem::path& path);
+
+/** What is to be said of a file that is not rendered because of its kind, without a verb. */
+std::string adviceFor (const FileKind& kind);
 
 } // namespace larkspire

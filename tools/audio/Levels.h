@@ -22,13 +22,14 @@ struct Levels
         ++count;
     }
 
-    /** The largest magnitude in dBFS; minus infinity for silence and for no samples. */
+    /** The largest magnitude in dBFS, 0 dBFS being full scale; minus infinity for silence and for no samples. */
     double peakDecibels() const { return 20.0 * std::log10 (peak); }
 
-    /** sqrt (sum / count) in dBFS, 0 dBFS being a square wave of full scale; minus infinity likewise. */
+    /** The RMS in dBFS, 0 dBFS being a sine of full scale as AES17 has it: 20 log10 (sqrt (2 sum / count)). Minus
+        infinity likewise. */
     double rmsDecibels() const
     {
-        return 10.0 * std::log10 (sumOfSquares / static_cast<double> (count > 0 ? count : 1));
+        return 10.0 * std::log10 (2.0 * sumOfSquares / static_cast<double> (count > 0 ? count : 1));
     }
 };
 

@@ -12,6 +12,10 @@ namespace larkspire
     that are not UTF-8 stay, since a path may hold any. */
 std::string printable (const std::string& text);
 
+/** Any bytes as ASCII from which they can be had back: all that are not printable ASCII, and the backslash, are \xNN.
+ */
+std::string escapedBytes (const std::string& text);
+
 /** Work that could not be done: exit status 1. what() is one line: "<path>: <reason>". */
 class Failure : public std::runtime_error
 {

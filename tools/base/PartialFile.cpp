@@ -21,14 +21,6 @@ Failure cannotWrite (const std::filesystem::path& path, int errorNumber)
     return { path, "cannot be written: " + systemError (errorNumber) };
 }
 
-/** The file behind a symbolic link, or the path itself. */
-std::filesystem::path behindLinks (const std::filesystem::path& path)
-{
-    std::error_code error;
-    auto target = std::filesystem::canonical (path, error);
-    return error ? path : target;
-}
-
 /** What forbids to put a file in this place, null if nothing does. Renaming replaces devices too if one is root. */
 const char* obstacleAt (const std::filesystem::path& target)
 {
@@ -53,13 +45,28 @@ std::filesystem::path partialNameFor (const std::filesystem::path& target, int a
 }
 } // namespace
 
+std::filesystem::path behindLinks (const std::filesystem::path& path)
+{
+    constexpr int mostLinks = 40; // as many as the system follows
+    std::error_code error;
+    auto target = path;
+
+    for (int i = 0; i < mostLinks && std::filesystem::is_symlink (target, error); ++i)
+        target = target.parent_path() / std::filesystem::read_symlink (target, error);
+
+    return target;
+}
+
 PartialFile::PartialFile (const std::filesystem::path& name)
     : shownName (name),
       finalPath (behindLinks (name)),
       descriptor (-1)
 {
-    if (const auto* obstacle = obstacleAt (finalPath))
+    if (const auto* obstacle = obstacleAt (name))
         throw Failure (shownName, std::string ("cannot be written: ") + obstacle);
+
+    if (std::error_code error; std::filesystem::is_symlink (finalPath, error))
+        throw cannotWrite (shownName, ELOOP);
 
     // The name is taken only if a process with the same number was killed here, or works here from another machine.
     constexpr int mostAttempts = 100;

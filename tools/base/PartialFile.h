@@ -9,11 +9,14 @@
 namespace larkspire
 {
 
+/** The path of the file behind a symbolic link, be it there or still to be made; any other path as it is. */
+std::filesystem::path behindLinks (const std::filesystem::path& path);
+
 /** A file that gets its name once it is whole.
 
     Until then it is a hidden file beside that name, ".<name>.partial-<process>", and is removed if commit is never
     reached. A file that had the name before is replaced in one step, so half a result is never seen. Where the name is
-    a symbolic link, the file behind it is replaced and the link stays.
+    a symbolic link, the file behind it is made or replaced and the link stays.
 
     The operations on the content report like the system's own: a count, a position or -1. The first error is kept.
 */

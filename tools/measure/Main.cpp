@@ -4,6 +4,7 @@
 #include "audio/AudioInput.h"
 #include "base/Failure.h"
 #include "base/PartialFile.h"
+#include "host/NoDisplay.h"
 #include "measure/Document.h"
 #include "measure/Measurements.h"
 
@@ -77,6 +78,7 @@ int main (int argumentCount, char** arguments)
 
     try
     {
+        larkspire::useNoDisplay();
         run (arguments[1], arguments[2], arguments[3], arguments[4]);
         return 0;
     }

@@ -12,7 +12,7 @@ struct SoundFigures
     Figure integratedLufs;
     Figure loudnessRangeLu;
     Figure truePeakDbtp;
-    Figure noiseDbfs;
+    Figure quietestTenthDbfs;
 
     bool operator== (const SoundFigures&) const = default;
 };

@@ -10,7 +10,7 @@ namespace larkspire::meter
 SoundMeter::SoundMeter (const AudioShape& shape)
     : channels (static_cast<std::size_t> (shape.channels)),
       loudnessMeter (shape),
-      noiseMeter (shape)
+      quietestTenth (shape)
 {
 }
 
@@ -28,7 +28,7 @@ void SoundMeter::add (std::span<const float> interleaved)
     }
 
     loudnessMeter.add (finiteSamples);
-    noiseMeter.add (finiteSamples);
+    quietestTenth.add (finiteSamples);
 
     for (std::size_t i = 0; i < finiteSamples.size(); i += channels)
     {
@@ -46,7 +46,7 @@ SoundFigures SoundMeter::figures (const SoundMeter& recording) const
     return { .integratedLufs = loudnessMeter.integrated(),
              .loudnessRangeLu = loudnessMeter.range(),
              .truePeakDbtp = loudnessMeter.truePeak(),
-             .noiseDbfs = noiseMeter.levelWhere (recording.noiseMeter) };
+             .quietestTenthDbfs = quietestTenth.levelWhere (recording.quietestTenth) };
 }
 
 } // namespace larkspire::meter

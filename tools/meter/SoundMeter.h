@@ -2,7 +2,7 @@
 #pragma once
 
 #include "meter/LoudnessMeter.h"
-#include "meter/NoiseMeter.h"
+#include "meter/QuietestTenth.h"
 #include "meter/SoundFigures.h"
 #include "meter/TimeCourse.h"
 
@@ -21,7 +21,7 @@ public:
         as silence, and a sound with any has no figures. */
     void add (std::span<const float> interleaved);
 
-    /** @param recording  what the sound was made of, or the sound itself; see NoiseMeter::levelWhere */
+    /** @param recording  what the sound was made of, or the sound itself; see QuietestTenth::levelWhere */
     SoundFigures figures (const SoundMeter& recording) const;
 
     /** The samples themselves, all channels in one. */
@@ -31,7 +31,7 @@ public:
 private:
     std::size_t channels;
     LoudnessMeter loudnessMeter;
-    NoiseMeter noiseMeter;
+    QuietestTenth quietestTenth;
     TimeCourse waveformCourse;
     std::vector<float> finiteSamples;
     bool allFinite = true;

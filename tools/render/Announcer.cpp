@@ -4,6 +4,7 @@
 #include "base/Failure.h"
 #include "render/ReportDocument.h"
 #include "render/ReportTable.h"
+#include "render/Warnings.h"
 
 #include <cstdio>
 #include <span>
@@ -56,7 +57,7 @@ void Announcer::end()
 
     if (plan.outputs.json)
     {
-        const auto document = reportDocument (told, plan.outputs.stats);
+        const auto document = reportDocument (told, plan);
         std::fwrite (document.data(), 1, document.size(), stdout);
     }
 }
@@ -82,14 +83,27 @@ void Announcer::announce (Rendering rendering)
     bar.reset();
 
     if (! rendering.report.has_value())
-        std::fprintf (stderr, "larkspire-render: %s\n", rendering.fault.c_str());
-    else if (plan.outputs.stats && ! plan.outputs.json)
+        say (rendering.fault);
+
+    for (const auto& warning : warningsOf (rendering, plan.settings))
+        say (warning);
+
+    if (rendering.report.has_value() && plan.outputs.stats && ! plan.outputs.json)
         printStats (rendering);
 
     told.push_back (std::move (rendering));
 
     if (told.size() % plan.modesPerInput == 0)
+    {
         printReport();
+        said.clear();
+    }
+}
+
+void Announcer::say (const std::string& line)
+{
+    if (said.insert (line).second)
+        std::fprintf (stderr, "larkspire-render: %s\n", line.c_str());
 }
 
 void Announcer::printReport()

@@ -8,6 +8,8 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <set>
+#include <string>
 #include <vector>
 
 namespace larkspire::render
@@ -16,8 +18,9 @@ namespace larkspire::render
 /** Tells on stdout and stderr what becomes of the jobs, in the order of the inputs however they run.
 
     A job has its turn when all before it are finished. Its progress is on the terminal while it has its turn and runs;
-    its line of stats, or the reason why it failed, follow when it is finished, and an input's report follows the last
-    of its jobs. Jobs are begun in their order, and each that is begun is finished. Any thread may call.
+    its line of stats and what there is to warn of, or the reason why it failed, follow when it is finished, and an
+   input's report follows the last of its jobs. Jobs are begun in their order, and each that is begun is finished. Any
+   thread may call.
 */
 class Announcer
 {
@@ -39,6 +42,9 @@ private:
 
     void showLatest();
     void announce (Rendering rendering);
+
+    /** Prints a line on stderr, once for an input, however many modes of it have the same to say. */
+    void say (const std::string& line);
     void printReport();
 
     const BatchPlan& plan;
@@ -46,6 +52,7 @@ private:
     std::map<std::size_t, Rendering> waiting; // finished, but not in turn
     std::map<std::size_t, RenderProgress> latest;
     std::vector<Rendering> told;
+    std::set<std::string> said; // of the input whose turn it is
     bool tablesBefore = false;
     std::optional<ProgressBar> bar;
 };

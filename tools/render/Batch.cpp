@@ -5,7 +5,9 @@
 #include "base/StopSignal.h"
 #include "render/Announcer.h"
 #include "render/ProgressBar.h"
+#include "render/Warnings.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <thread>
@@ -80,7 +82,13 @@ private:
 
         try
         {
+            if (rendering.job.refusal.has_value())
+                throw std::runtime_error (*rendering.job.refusal);
+
             rendering.report = render (library, rendering.job, plan.settings, progress);
+
+            if (isFault (rendering, plan.settings))
+                failed = true;
         }
         catch (const Interrupted& interruption)
         {
@@ -112,14 +120,16 @@ void printError (const std::exception& fault)
 
 BatchEnd runBatch (const PluginLibrary& library, const BatchPlan& plan)
 {
-    for (const auto& note : plan.notes)
-        std::fprintf (stderr, "larkspire-render: %s\n", note.c_str());
+    for (const auto& left : plan.leftOut)
+        std::fprintf (stderr, "larkspire-render: %s\n", lineOf (left).c_str());
 
-    for (const auto& fault : plan.faults)
-        printError (fault);
+    if (plan.withoutSound > 0)
+        std::fprintf (stderr,
+                      "larkspire-render: %zu %s without sound left out\n",
+                      plan.withoutSound,
+                      plan.withoutSound == 1 ? "file" : "files");
 
-    if (! plan.jobs.empty())
-        makeFolders (plan);
+    makeFolders (plan);
 
     Work work (library, plan);
 
@@ -133,7 +143,9 @@ BatchEnd runBatch (const PluginLibrary& library, const BatchPlan& plan)
     }
 
     const auto end = work.end();
-    return end == BatchEnd::allDone && ! plan.faults.empty() ? BatchEnd::someFailed : end;
+    const auto isFault = [] (const LeftOut& left) { return left.isFault; };
+    const auto allTaken = std::none_of (plan.leftOut.begin(), plan.leftOut.end(), isFault);
+    return end == BatchEnd::allDone && ! allTaken ? BatchEnd::someFailed : end;
 }
 
 } // namespace larkspire::render

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "render/BatchPlan.h"
 
+#include "audio/FileKind.h"
 #include "base/Failure.h"
 #include "base/FileIdentity.h"
-#include "render/FolderScan.h"
+#include "base/PartialFile.h"
 
 #include <algorithm>
 #include <array>
@@ -19,18 +20,6 @@ namespace larkspire::render
 namespace
 {
 namespace fs = std::filesystem;
-
-/** The letters behind the last dot of the name, made small. */
-std::string extensionIn (const fs::path& path)
-{
-    auto extension = path.extension().string();
-
-    for (auto& letter : extension)
-        if (letter >= 'A' && letter <= 'Z')
-            letter = static_cast<char> (letter - 'A' + 'a');
-
-    return extension.empty() ? extension : extension.substr (1);
-}
 
 bool isFolder (const std::string& path)
 {
@@ -50,9 +39,12 @@ bool meansFolder (const CommandLine& call, const std::string& name)
     return hasSeveralInputs (call) || name.ends_with ('/') || isFolder (name);
 }
 
-/** Refuses a name for the folder that something else has. */
+/** Refuses a name for the folder that something else has, or that is meant for a single result. */
 void refuseFileAsFolder (const CommandLine& call, std::string name)
 {
+    if (! name.ends_with ('/') && ! isFolder (name) && isNamedAsSound (name))
+        throw WrongCall (name + ": is one result, but every recording gets its own; name a folder");
+
     while (name.size() > 1 && name.ends_with ('/'))
         name.pop_back();
 
@@ -82,6 +74,21 @@ std::optional<Container> containerByName (const fs::path& output)
     return std::nullopt;
 }
 
+/** Refuses the sign for standard input or output, which is no name of a file here. */
+void refuseDash (const std::string& name)
+{
+    if (name == "-")
+        throw WrongCall ("-: sound is not taken from standard input nor written to standard output; name a file, "
+                         "./- for one of this name");
+}
+
+void refuseDashes (const CommandLine& call)
+{
+    std::for_each (call.inputs.begin(), call.inputs.end(), refuseDash);
+    refuseDash (call.output);
+    refuseDash (call.picture.value_or (""));
+}
+
 Container chooseContainer (const CommandLine& call, bool intoFolder)
 {
     const auto byName = intoFolder ? std::nullopt : containerByName (call.output);
@@ -92,34 +99,63 @@ Container chooseContainer (const CommandLine& call, bool intoFolder)
     return call.container.value_or (byName.value_or (Encoding {}.container));
 }
 
-/** Everything that jobs write, with words for what it comes from. */
-std::vector<std::pair<fs::path, std::string>> targetsOf (const std::vector<Job>& jobs)
+/** A file that a job writes, with the job's index. */
+struct Target
 {
-    std::vector<std::pair<fs::path, std::string>> targets;
+    fs::path path;
+    std::size_t job;
+};
 
-    for (const auto& job : jobs)
+std::vector<Target> targetsOf (const std::vector<Job>& jobs)
+{
+    std::vector<Target> targets;
+
+    for (std::size_t i = 0; i < jobs.size(); ++i)
     {
-        targets.emplace_back (job.output, job.input.string());
+        targets.push_back ({ .path = jobs[i].output, .job = i });
 
-        if (job.picture.has_value())
-            targets.emplace_back (*job.picture, "the picture of " + job.input.string());
+        if (jobs[i].picture.has_value())
+            targets.push_back ({ .path = *jobs[i].picture, .job = i });
     }
 
     return targets;
 }
 
-void refuseSharedResults (const std::vector<Job>& jobs)
+/** The path that a file will have in the end, by whatever links. */
+fs::path finalPathOf (const fs::path& target)
 {
-    std::map<fs::path, std::string> originOf;
+    std::error_code error;
+    const auto path = behindLinks (target);
+    auto canonical = fs::weakly_canonical (path, error);
+    return error ? path : canonical;
+}
 
-    for (const auto& [target, origin] : targetsOf (jobs))
+/** Refuses jobs of different inputs that would write the same file: both, as nobody can say which one is wanted.
+    Throws WrongCall if that happens among the files of one input. */
+void refuseSharedResults (BatchPlan& plan)
+{
+    std::map<fs::path, Target> targets;
+    const auto refuse = [&plan] (const Target& refused, const Target& rival)
     {
-        std::error_code error;
-        const auto canonical = fs::weakly_canonical (target, error);
-        const auto [entry, isNew] = originOf.emplace (error ? target : canonical, origin);
+        plan.jobs[refused.job].refusal =
+            printable (plan.jobs[refused.job].input.string() + ": would become " + refused.path.string()
+                       + ", and so would " + plan.jobs[rival.job].input.string());
+    };
 
-        if (! isNew)
-            throw WrongCall (entry->second + " and " + origin + ": both would become " + target.string());
+    for (const auto& target : targetsOf (plan.jobs))
+    {
+        const auto [entry, isNew] = targets.emplace (finalPathOf (target.path), target);
+        const auto& other = entry->second;
+
+        if (isNew)
+            continue;
+
+        if (target.job / plan.modesPerInput == other.job / plan.modesPerInput)
+            throw WrongCall (plan.jobs[target.job].input.string() + ": two of its files would become "
+                             + target.path.string());
+
+        refuse (target, other);
+        refuse (other, target);
     }
 }
 
@@ -131,7 +167,7 @@ void refuseReplacedInputs (const std::vector<Job>& jobs)
         if (const auto identity = identityOf (job.input))
             inputs.emplace (*identity, job.input);
 
-    for (const auto& [target, origin] : targetsOf (jobs))
+    for (const auto& [target, job] : targetsOf (jobs))
     {
         const auto identity = identityOf (target);
         const auto input = identity ? inputs.find (*identity) : inputs.end();
@@ -166,14 +202,11 @@ void addFolder (const fs::path& folder, const CommandLine& call, BatchPlan& plan
     for (const auto& recording : contents.recordings)
         sources.push_back ({ .input = folder / recording, .name = withoutEnding (recording) });
 
-    if (contents.recordings.empty() && contents.faults.empty())
-        plan.faults.emplace_back (folder, "holds no WAV, FLAC, AIFF or Ogg file");
-    else if (contents.leftOut > 0)
-        plan.notes.push_back (printable (folder.string()) + ": " + std::to_string (contents.leftOut)
-                              + (contents.leftOut == 1 ? " file that is no recording was left out"
-                                                       : " files that are no recordings were left out"));
+    plan.leftOut.insert (plan.leftOut.end(), contents.leftOut.begin(), contents.leftOut.end());
+    plan.withoutSound += contents.withoutSound;
 
-    plan.faults.insert (plan.faults.end(), contents.faults.begin(), contents.faults.end());
+    if (contents.recordings.empty())
+        plan.leftOut.push_back ({ .path = folder, .reason = "holds no WAV, FLAC, AIFF or Ogg file", .isFault = true });
 }
 
 std::vector<Source> findSources (const CommandLine& call, BatchPlan& plan)
@@ -198,20 +231,17 @@ class Place
 {
 public:
     /** @param endingInFolder  with the dot */
-    Place (const CommandLine& call, const std::string& wanted, std::string endingInFolder, BatchPlan& plan)
+    Place (const CommandLine& call, const std::string& wanted, std::string endingInFolder)
         : path (wanted),
           ending (std::move (endingInFolder)),
           isFolder (meansFolder (call, wanted)),
           modeInName (call.compare)
     {
         if (isFolder)
-        {
             refuseFileAsFolder (call, wanted);
-            plan.folders.insert (path);
-        }
     }
 
-    fs::path nameFor (const Source& source, KnobMode mode, BatchPlan& plan) const
+    fs::path nameFor (const Source& source, KnobMode mode) const
     {
         if (! isFolder && ! modeInName)
             return path;
@@ -219,11 +249,19 @@ public:
         auto name = isFolder ? path / source.name : withoutEnding (path);
         name += modeInName ? std::string ("-") + nameOf (mode) : std::string();
         name += isFolder ? ending : path.extension().string();
-
-        if (isFolder && source.name.has_parent_path())
-            plan.subfolders.insert (name.parent_path());
-
         return name;
+    }
+
+    /** Sees to it that the folder of a name that was given out is made. */
+    void makeRoomFor (const fs::path& name, BatchPlan& plan) const
+    {
+        if (! isFolder)
+            return;
+
+        plan.folders.insert (path);
+
+        if (name.parent_path() != path)
+            plan.subfolders.insert (name.parent_path());
     }
 
 private:
@@ -235,7 +273,7 @@ private:
 
 /** Where pictures go, if any are wanted. A single name for many pictures, or one that does not end in .png, is refused.
  */
-std::optional<Place> placeOfPictures (const CommandLine& call, BatchPlan& plan)
+std::optional<Place> placeOfPictures (const CommandLine& call)
 {
     if (! call.picture.has_value())
         return std::nullopt;
@@ -249,7 +287,7 @@ std::optional<Place> placeOfPictures (const CommandLine& call, BatchPlan& plan)
     if (! meansFolder (call, name) && ! isPng)
         throw WrongCall (name + ": pictures are PNG files; a folder for them ends with a slash");
 
-    return Place (call, name, ".png", plan);
+    return Place (call, name, ".png");
 }
 
 unsigned workersFor (const CommandLine& call)
@@ -260,6 +298,7 @@ unsigned workersFor (const CommandLine& call)
 
 BatchPlan planBatch (const CommandLine& call)
 {
+    refuseDashes (call);
     const auto container = chooseContainer (call, meansFolder (call, call.output));
 
     if (container == Container::flac && call.samples == SampleType::float32)
@@ -271,12 +310,13 @@ BatchPlan planBatch (const CommandLine& call)
     BatchPlan plan;
     plan.settings = { .blockSize = call.blockSize,
                       .encoding = { .container = container, .samples = call.samples },
-                      .measure = call.report || call.json };
+                      .measure = call.report || call.json,
+                      .allowTruncated = call.allowTruncated };
     plan.outputs = { .stats = call.stats, .report = call.report || call.json, .json = call.json };
     plan.workers = workersFor (call);
 
-    const Place results (call, call.output, std::string (".") + extensionOf (container), plan);
-    const auto pictures = placeOfPictures (call, plan);
+    const Place results (call, call.output, std::string (".") + extensionOf (container));
+    const auto pictures = placeOfPictures (call);
     std::vector<KnobMode> modes { call.mode.value_or (KnobMode::medium) };
 
     if (call.compare)
@@ -288,12 +328,24 @@ BatchPlan planBatch (const CommandLine& call)
         for (const auto mode : modes)
             plan.jobs.push_back (
                 { .input = source.input,
-                  .output = results.nameFor (source, mode, plan),
+                  .output = results.nameFor (source, mode),
                   .mode = mode,
-                  .picture = pictures ? std::optional (pictures->nameFor (source, mode, plan)) : std::nullopt });
+                  .picture = pictures ? std::optional (pictures->nameFor (source, mode)) : std::nullopt });
 
-    refuseSharedResults (plan.jobs);
     refuseReplacedInputs (plan.jobs);
+    refuseSharedResults (plan);
+
+    for (const auto& job : plan.jobs)
+    {
+        if (job.refusal.has_value())
+            continue;
+
+        results.makeRoomFor (job.output, plan);
+
+        if (pictures.has_value())
+            pictures->makeRoomFor (*job.picture, plan);
+    }
+
     return plan;
 }
 

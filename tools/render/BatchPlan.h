@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "base/Failure.h"
 #include "render/CommandLine.h"
+#include "render/FolderScan.h"
 #include "render/Renderer.h"
 
 #include <filesystem>
 #include <set>
-#include <string>
 #include <vector>
 
 namespace larkspire::render
@@ -31,13 +30,13 @@ struct BatchPlan
     unsigned workers = 1;
     std::set<std::filesystem::path> folders;    // to be made ahead of the jobs
     std::set<std::filesystem::path> subfolders; // below those, made if that works
-    std::vector<std::string> notes;             // one line each, what was left out
-    std::vector<Failure> faults;                // inputs that give no job
+    std::vector<LeftOut> leftOut;               // of the folders, and folders without a recording
+    std::size_t withoutSound = 0;               // files in the folders that nobody takes for a recording
 };
 
-/** Works out which file goes where. It looks into folders and writes nothing. Throws WrongCall if two results would
-    get the same name, if a result would replace one of the inputs, by whatever path or link, if a name is ambiguous
-    or if the options contradict each other. */
+/** Works out which file goes where. It looks into folders and writes nothing. Inputs whose results would get the same
+    name give jobs with a refusal. Throws WrongCall if a result would replace one of the inputs, by whatever path or
+    link, if a name is ambiguous or if the options contradict each other. */
 BatchPlan planBatch (const CommandLine& call);
 
 } // namespace larkspire::render

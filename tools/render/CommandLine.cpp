@@ -87,8 +87,8 @@ std::variant<CommandLine, std::string> parseCommandLine (int argumentCount, cons
     parser.formatter (std::make_shared<HelpFormatter>());
     parser.set_help_flag ("-h,--help", "Show this text");
     parser.set_version_flag ("--version", std::string (programName) + " " + LARKSPIRE_RELEASE, "Show the version");
-    parser.add_option ("IN", call.inputs, "Recordings, or folders of recordings")->required()->group ("");
-    parser.add_option ("-o", call.output, "The result, or the folder for the results")->required()->option_text ("OUT");
+    parser.add_option ("IN", call.inputs, "Recordings, or folders of recordings")->group ("");
+    parser.add_option ("-o", call.output, "The result, or the folder for the results")->option_text ("OUT");
     takeNames (
         parser
             .add_option ("--mode", call.mode, "Position of the knob: bypass, Gentle, Medium (the default) or Powerful")
@@ -114,6 +114,8 @@ std::variant<CommandLine, std::string> parseCommandLine (int argumentCount, cons
     parser.add_flag ("--json", call.json, "Print the report as a JSON document and nothing else");
     parser.add_option<Text, std::string> ("--plot", call.picture, "Draw waveforms, loudness and gains over time")
         ->option_text ("PNG");
+    parser.add_flag (
+        "--allow-truncated", call.allowTruncated, "Take recordings that were cut off as if they were whole");
     parser.add_flag ("--stats", call.stats, "Print path, peak, RMS, length and times faster than real time");
     parser.add_option ("-j,--jobs", call.workers, "Files to render at once, 0 for one on each core; without it 1")
         ->check (CLI::Range (0, 256))
@@ -149,6 +151,11 @@ std::variant<CommandLine, std::string> parseCommandLine (int argumentCount, cons
     {
         throw WrongCall (std::string (error.what()) + " (--help shows how to call it)");
     }
+
+    for (const auto& [isMissing, what] :
+         { std::pair { call.inputs.empty(), "a recording, IN," }, { parser.count ("-o") == 0, "the result, -o OUT," } })
+        if (isMissing)
+            throw WrongCall (std::string (what) + " is missing: " + usage + " (--help shows more)");
 
     return call;
 }

@@ -24,6 +24,7 @@ struct CommandLine
     std::optional<Container> container;
     SampleType samples = Encoding {}.samples;
     std::optional<std::string> picture;
+    bool allowTruncated = false;
     bool compare = false;
     bool stats = false;
     bool report = false;

@@ -2,6 +2,7 @@
 #include "render/FolderScan.h"
 
 #include "audio/FileKind.h"
+#include "base/Failure.h"
 #include "base/FileDescriptor.h"
 #include "base/StopSignal.h"
 
@@ -9,8 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
+#include <string>
 
 namespace larkspire::render
 {
@@ -24,35 +24,28 @@ bool isHidden (const fs::path& path)
     return path.filename().string().starts_with ('.');
 }
 
-bool isRecording (const fs::path& path)
+/** The bytes that tell a file's kind; nullopt if it cannot be read. */
+std::optional<std::string> beginningOf (const fs::path& path)
 {
     const FileDescriptor file (open (path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    std::string bytes (bytesOfKind, '\0');
+    const auto count = file.isOpen() ? pread (file.get(), bytes.data(), bytes.size(), 0) : -1;
 
-    if (! file.isOpen())
-        return errno != ENOENT && errno != ELOOP;
+    if (count < 0)
+        return std::nullopt;
 
-    std::array<char, 12> bytes {};
-    const auto count = pread (file.get(), bytes.data(), bytes.size(), 0);
-    return count < 0 || beginsAsRecording ({ bytes.data(), static_cast<std::size_t> (count) });
+    bytes.resize (static_cast<std::size_t> (count));
+    return bytes;
 }
 
-std::vector<fs::directory_entry> sortedEntriesOf (const fs::path& folder)
+std::vector<fs::directory_entry> sortedEntriesOf (const fs::path& folder, std::error_code& error)
 {
-    std::error_code error;
-    fs::directory_iterator iterator (folder, error);
-
-    if (error)
-        throw Failure (folder, "cannot be read: " + error.message());
-
     std::vector<fs::directory_entry> entries;
 
-    for (; iterator != fs::directory_iterator(); iterator.increment (error))
-    {
+    // An iterator that meets an error is at the end as well.
+    for (fs::directory_iterator iterator (folder, error); ! error && iterator != fs::directory_iterator();
+         iterator.increment (error))
         entries.push_back (*iterator);
-
-        if (error)
-            break;
-    }
 
     std::sort (entries.begin(), entries.end());
     return entries;
@@ -62,31 +55,67 @@ struct Scan
 {
     void lookInto (const fs::path& folder)
     {
-        try
-        {
-            for (const auto& entry : sortedEntriesOf (folder))
-                if (! isHidden (entry.path()) && ! stopRequested())
-                    lookAt (entry);
-        }
-        catch (const Failure& fault)
-        {
-            contents.faults.push_back (fault);
-        }
+        std::error_code error;
+        const auto entries = sortedEntriesOf (folder, error);
+
+        // What was read of it is not rendered: nobody could tell which part that was.
+        if (error)
+            return leaveOut (folder, "cannot be read: " + error.message(), true);
+
+        for (const auto& entry : entries)
+            if (! isHidden (entry.path()) && ! stopRequested())
+                lookAt (entry);
     }
 
     void lookAt (const fs::directory_entry& entry)
     {
+        const auto& path = entry.path();
+        std::error_code error;
+        const auto status = entry.status (error);
+
+        if (fs::is_directory (status))
+            lookAtFolder (entry);
+        else if (fs::is_regular_file (status))
+            lookAtFile (path);
+        else if (isNamedAsSound (path))
+            leaveOut (path, fs::exists (status) ? "is not a regular file" : "cannot be read: " + error.message(), true);
+        else
+            ++contents.withoutSound;
+    }
+
+    void lookAtFolder (const fs::directory_entry& entry)
+    {
         std::error_code error;
 
-        if (entry.is_directory (error) && ! entry.is_symlink (error))
-        {
-            if (std::find (except.begin(), except.end(), identityOf (entry.path())) == except.end())
-                lookInto (entry.path());
-        }
-        else if (entry.is_regular_file (error) && isRecording (entry.path()))
-            contents.recordings.push_back (entry.path().lexically_relative (root));
+        if (std::find (except.begin(), except.end(), identityOf (entry.path())) != except.end())
+            return;
+
+        if (entry.is_symlink (error))
+            leaveOut (entry.path(), "is a link to a folder, which is not followed", false);
         else
-            ++contents.leftOut;
+            lookInto (entry.path());
+    }
+
+    void lookAtFile (const fs::path& path)
+    {
+        const auto beginning = beginningOf (path);
+        const auto kind = kindOf (beginning.value_or (""));
+
+        if (! beginning.has_value() || kind.content == Content::recording)
+            contents.recordings.push_back (path.lexically_relative (root));
+        else if (beginning->empty() && isNamedAsSound (path))
+            leaveOut (path, "is empty", true);
+        else if (kind.content == Content::otherSound || isNamedAsSound (path))
+            leaveOut (path, "is " + adviceFor (kind), true);
+        else if (kind.content == Content::film)
+            leaveOut (path, "is " + adviceFor (kind), false);
+        else
+            ++contents.withoutSound;
+    }
+
+    void leaveOut (const fs::path& path, const std::string& reason, bool isFault)
+    {
+        contents.leftOut.push_back ({ .path = path, .reason = reason, .isFault = isFault });
     }
 
     const fs::path& root;
@@ -94,6 +123,11 @@ struct Scan
     FolderContents contents;
 };
 } // namespace
+
+std::string lineOf (const LeftOut& left)
+{
+    return printable (left.path.string() + (left.isFault ? ": " : ": left out: ") + left.reason);
+}
 
 FolderContents scanFolder (const fs::path& folder, const std::vector<std::optional<FileIdentity>>& except)
 {

@@ -1,31 +1,43 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "base/Failure.h"
 #include "base/FileIdentity.h"
 
 #include <cstddef>
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace larkspire::render
 {
 
+/** What was found and is not rendered. */
+struct LeftOut
+{
+    std::filesystem::path path;
+    std::string reason; // with a verb: "is empty"
+    bool isFault;       // whether the user may have counted on it, so that the exit status has to tell
+};
+
+/** The line that says so. */
+std::string lineOf (const LeftOut& left);
+
 /** What a folder holds for the renderer. */
 struct FolderContents
 {
     std::vector<std::filesystem::path> recordings; // relative to the folder, in the order of their bytes
-    std::size_t leftOut = 0;                       // files that are not recordings
-    std::vector<Failure> faults;                   // folders that cannot be read
+    std::vector<LeftOut> leftOut;
+    std::size_t withoutSound = 0; // files that nobody takes for a recording
 };
 
 /** Looks for recordings in a folder and all below it.
 
     A recording is a file that begins as WAV, FLAC, AIFF and Ogg files do; whether the rest is intact shows when it is
-    rendered. Files that cannot be read count as recordings, so that rendering them reports it. Hidden files and folders
-    are passed over silently. A link to a file is taken like the file; a link to a folder is not followed, as it may
-    lead round in a circle or out into the world, and is left out.
+    rendered. Files that cannot be read count as recordings, so that rendering them reports it. What sounds by its name
+    or its beginning and is no recording is left out as a fault, and so is a folder that cannot be read to its end, with
+    all that it holds. Films are left out, and a link to a folder, as it may lead round in a circle or out into the
+    world; a link to a file is taken like the file. Hidden files and folders are passed over silently.
 
     A signal that asks for an end cuts the search short.
 

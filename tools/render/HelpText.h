@@ -7,6 +7,8 @@ namespace larkspire::render
 // What --help says around the list of options. The manual page is made of it by help2man, so the usage line, the
 // headings with a colon and the two columns are in the shape that help2man looks for.
 
+inline constexpr const char* usage = "larkspire-render [OPTION]... IN... -o OUT";
+
 inline constexpr const char* helpHead =
     R"(Usage: larkspire-render [OPTION]... IN... -o OUT
 Take recordings of a voice through the plug-in Quendal Larkspire, as a host would.
@@ -19,21 +21,27 @@ inline constexpr const char* helpFoot =
     R"(Results:
   With one recording OUT is the result. With several, with a folder, or where OUT is a folder or ends with a slash, the
   results are <name of IN>.wav or .flac in the folder OUT, which is made if it is missing. A folder as IN is taken with
-  all below it, and its tree is kept in OUT. Files in it that are no recordings are left out and counted on standard
-  error; hidden files, links to folders and the folder of the results are passed over.
+  all below it, and its tree is kept in OUT. What sounds in it by its name or its beginning and cannot be read is
+  reported, films and links to folders are named, other files are counted, all on standard error; hidden files and the
+  folder of the results are passed over.
 
   A result appears when it is complete; a file that has its name is replaced in one step. Results and inputs must all
-  be different files. Whole numbers are rounded to the nearest and limited to full scale, also at 16 bits: there is no
-  dither. WAV files that would be larger than 4 GB are written as RF64.
+  be different files; of recordings that would have one result none is rendered. Whole numbers are rounded to the
+  nearest and limited to full scale, also at 16 bits: there is no dither. How many samples that clipped is said, and in
+  bypass how many were rounded. WAV files that would be larger than 4 GB are written as RF64.
+
+  A recording that was cut off, as WAV, AIFF and Ogg files tell, is rendered as far as it goes; that is said, and the
+  exit status is 1 unless --allow-truncated is given.
 
   Every file gets a plug-in of its own. Without --plugin, "Quendal Larkspire.so" is looked for beside this program, in
   ~/.vst, in the folders of VST_PATH and in /usr/lib/vst. The results and what is printed do not depend on --jobs, but
   for the speeds. One file at a time is the default, since somebody may be at work on the machine with sound running.
 
 Report:
-  Integrated loudness, loudness range and true peak are those of EBU R 128; a mono file counts as one channel. The noise
-  between words is the level that a tenth of all 50 ms windows do not exceed: RMS in dBFS, 0 dBFS being a square wave of
-  full scale. Windows in which the recording is digital silence do not count.
+  Integrated loudness, loudness range and true peak are those of EBU R 128; a mono file counts as one channel. The
+  quietest tenth is the level, RMS, that a tenth of all 50 ms windows do not exceed. Of speech in a room that is the
+  noise between words; without noise it is the tails of the words. Windows in which the recording is digital silence
+  do not count. Levels are in dBFS: 0 dBFS is a sine of full scale (AES17), and as a peak full scale itself.
 
   The gains of expander and leveller are means over time, the leveller's without its make-up; what the other stages did
   is the RMS behind the stage to the RMS in front of it. They are read in the chain that this program has inside, which
@@ -41,20 +49,25 @@ Report:
 
   A dash, or null in JSON, is a figure that there is not: of silence, or of less than 0.4 s (loudness) or 4 s (range).
 
-  The JSON document is an array with an object for each result, in the order of the inputs: input, output, mode,
-  picture (if there is one), sample_rate_hz, channels, length_s; before and after, each with integrated_lufs,
-  loudness_range_lu, true_peak_dbtp and noise_dbfs; gains, with high_pass_db, expander_mean_db, stereo_fold_db,
-  air_and_body_db, leveller_mean_db, make_up_db and soft_clip_db, or null with the reason in gains_missing; and with
-  --stats stats, with peak_dbfs, rms_dbfs and times_real_time. Where a file failed, error follows mode and is the last.
+  The JSON document is an object with version, 2; results, an object for each in the order of the inputs; left_out, what
+  the folders hold and is not rendered, each with path, reason and is_error; and files_without_sound, a count. A result
+  has input, output, mode, picture (if there is one), sample_rate_hz, channels, length_s, truncated, stated_length_s (if
+  the recording was cut off and says so), clipped_samples and warnings, as on standard error; before and after, each
+  with integrated_lufs, loudness_range_lu, true_peak_dbtp and quietest_tenth_dbfs; gains, with high_pass_db,
+  expander_mean_db, stereo_fold_db, air_and_body_db, leveller_mean_db, make_up_db and soft_clip_db, or null with the
+  reason in gains_missing; and with --stats stats, with peak_dbfs, rms_dbfs and times_real_time. Where a file failed,
+  error follows mode and is the last. A path that is no UTF-8 is there a second time, as input_bytes and the like, with
+  \xNN for all but printable ASCII and for the backslash.
 
 Pictures:
   A picture shows waveforms and loudness before and after, and the gains of expander and leveller. With one recording
   PNG is the picture; with several, with a folder, or where PNG is a folder or ends with a slash, the pictures are in
-  the folder PNG and have the names of the results. The name of one picture for several recordings is refused.
+  the folder PNG and have the names of the results. The name of one picture for several recordings is refused. A
+  picture that cannot be drawn or written leaves the result alone.
 
 Exit status:
   0      done
-  1      at least one file could not be rendered
+  1      at least one file could not be rendered, or was cut off, or lacks its picture
   2      the call makes no sense and nothing was done
   128+n  ended by signal n, as by Ctrl-C; nothing half-written stays
 

@@ -2,6 +2,7 @@
 // larkspire-render: takes recordings through the plug-in, as any host would, without one.
 #include "base/Failure.h"
 #include "base/StopSignal.h"
+#include "host/NoDisplay.h"
 #include "host/PluginSearch.h"
 #include "render/Batch.h"
 #include "render/CommandLine.h"
@@ -67,6 +68,7 @@ int main (int argumentCount, char** arguments)
 {
     try
     {
+        useNoDisplay();
         installSignalHandlers();
         const auto status = runOrExplain (argumentCount, arguments);
 

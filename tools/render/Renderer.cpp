@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "render/Renderer.h"
 
-#include "audio/AudioInput.h"
-#include "audio/AudioOutput.h"
 #include "audio/Quantiser.h"
 #include "base/Failure.h"
 #include "base/PartialFile.h"
@@ -36,12 +34,21 @@ std::vector<float> asWritten (std::span<const float> block, SampleType samples)
     return written;
 }
 
-void paint (const meter::Listening& measurement, const Job& job, PartialFile& file)
+/** Draws the picture and gives it its name, or gives the line that says why that is impossible. */
+std::optional<std::string> paint (const meter::Listening& measurement, const Job& job, PartialFile& file)
 {
-    const plot::Title title { .name = printable (job.input.filename().string()), .mode = nameOf (job.mode) };
-    const auto png = plot::paintPng (measurement, title);
-    file.write (png.data(), std::ssize (png));
-    file.throwOnError();
+    try
+    {
+        const plot::Title title { .name = printable (job.input.filename().string()), .mode = nameOf (job.mode) };
+        const auto png = plot::paintPng (measurement, title);
+        file.write (png.data(), std::ssize (png));
+        file.commit();
+        return std::nullopt;
+    }
+    catch (const std::exception& fault)
+    {
+        return fault.what();
+    }
 }
 } // namespace
 
@@ -97,16 +104,14 @@ RenderReport render (const PluginLibrary& library,
         progress (soFar);
     }
 
-    if (picture.has_value())
-        paint (*measurement, job, *picture);
-
     output.commit();
-
-    if (picture.has_value())
-        picture->commit();
-
+    const auto pictureFault = picture ? paint (*measurement, job, *picture) : std::nullopt;
     const auto seconds = double (framesDone) / rate;
     return { .levels = output.levels(),
+             .losses = output.losses(),
+             .roundedOnReading = input.roundedSamples(),
+             .truncation = input.truncation(),
+             .pictureFault = pictureFault,
              .shape = shape,
              .seconds = seconds,
              .timesRealTime = seconds / secondsSince (start),

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "audio/AudioShape.h"
-#include "audio/Encoding.h"
-#include "audio/Levels.h"
+#include "audio/AudioInput.h"
+#include "audio/AudioOutput.h"
 #include "host/HostedPlugin.h"
 #include "meter/Listening.h"
 
@@ -22,6 +21,7 @@ struct Job
     std::filesystem::path output;
     KnobMode mode;
     std::optional<std::filesystem::path> picture; // where the picture goes, if one is wanted
+    std::optional<std::string> refusal {};        // one line that says why it is not to be done
 };
 
 /** What all jobs of a call share. */
@@ -29,13 +29,18 @@ struct RenderSettings
 {
     int blockSize; // sample frames; the result does not depend on it
     Encoding encoding;
-    bool measure; // whether to listen as well, which takes longer than the plug-in does
+    bool measure;        // whether to listen as well, which takes longer than the plug-in does
+    bool allowTruncated; // whether a recording that was cut off is as good as any
 };
 
 /** What a finished job has to tell. */
 struct RenderReport
 {
     Levels levels;
+    Losses losses;                           // on writing
+    std::int64_t roundedOnReading = 0;       // samples of which 32-bit floats do not hold every digit
+    std::optional<Truncation> truncation;    // there if the input was cut off
+    std::optional<std::string> pictureFault; // one line that says why there is no picture, if one was wanted
     AudioShape shape;
     double seconds = 0.0;                    // of sound
     double timesRealTime = 0.0;              // how many seconds of sound a second of work gave; 0 if there was no sound
@@ -59,8 +64,9 @@ struct RenderProgress
 };
 
 /** Takes a file through a plug-in instance of its own. The memory does not grow with the file, but for what a picture
-    needs. The result has the input's length, sample rate and channels; it and the picture appear under their names when
-    both are whole.
+    needs. The result has the input's length, sample rate and channels, and appears under its name when it is whole; so
+    does the picture after it. A place that takes no picture is found out first; a picture that fails later leaves the
+    result alone.
 
     May be called in several threads at once.
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "render/ReportDocument.h"
 
+#include "base/Failure.h"
 #include "render/Figures.h"
+#include "render/Warnings.h"
 
 #include <nlohmann/json.hpp>
 
@@ -51,11 +53,43 @@ void addAnalysis (Json& entry, const meter::Analysis& analysis)
     }
 }
 
-Json describe (const Rendering& rendering, bool stats)
+bool isUtf8 (const std::string& text)
 {
-    Json entry { { "input", rendering.job.input.string() },
-                 { "output", rendering.job.output.string() },
-                 { "mode", nameOf (rendering.job.mode) } };
+    try
+    {
+        return ! Json (text).dump().empty();
+    }
+    catch (const Json::type_error&)
+    {
+        return false;
+    }
+}
+
+/** Adds a path under a key. JSON is UTF-8 and a path is bytes, so one that is no UTF-8 is put there a second time, in
+    escapes that give the bytes back. */
+void addPath (Json& entry, const std::string& key, const std::filesystem::path& path)
+{
+    entry[key] = path.string();
+
+    if (! isUtf8 (path.string()))
+        entry[key + "_bytes"] = escapedBytes (path.string());
+}
+
+Json describe (const LeftOut& left)
+{
+    Json entry;
+    addPath (entry, "path", left.path);
+    entry["reason"] = left.reason;
+    entry["is_error"] = left.isFault;
+    return entry;
+}
+
+Json describe (const Rendering& rendering, const BatchPlan& plan)
+{
+    Json entry;
+    addPath (entry, "input", rendering.job.input);
+    addPath (entry, "output", rendering.job.output);
+    entry["mode"] = nameOf (rendering.job.mode);
 
     if (! rendering.report.has_value())
     {
@@ -65,17 +99,24 @@ Json describe (const Rendering& rendering, bool stats)
 
     const auto& report = *rendering.report;
 
-    if (rendering.job.picture.has_value())
-        entry["picture"] = rendering.job.picture->string();
+    if (rendering.job.picture.has_value() && ! report.pictureFault.has_value())
+        addPath (entry, "picture", *rendering.job.picture);
 
     entry["sample_rate_hz"] = report.shape.sampleRate;
     entry["channels"] = report.shape.channels;
     entry["length_s"] = report.seconds;
+    entry["truncated"] = report.truncation.has_value();
+
+    if (report.truncation.has_value() && report.truncation->secondsStated.has_value())
+        entry["stated_length_s"] = *report.truncation->secondsStated;
+
+    entry["clipped_samples"] = report.losses.clipped;
+    entry["warnings"] = warningsOf (rendering, plan.settings);
 
     if (report.analysis.has_value())
         addAnalysis (entry, *report.analysis);
 
-    if (stats)
+    if (plan.outputs.stats)
         entry["stats"] = { { "peak_dbfs", number (meter::finite (report.levels.peakDecibels())) },
                            { "rms_dbfs", number (meter::finite (report.levels.rmsDecibels())) },
                            { "times_real_time", number (meter::finite (report.timesRealTime)) } };
@@ -84,12 +125,18 @@ Json describe (const Rendering& rendering, bool stats)
 }
 } // namespace
 
-std::string reportDocument (std::span<const Rendering> renderings, bool stats)
+std::string reportDocument (std::span<const Rendering> renderings, const BatchPlan& plan)
 {
-    auto document = Json::array();
+    Json document { { "version", 2 },
+                    { "results", Json::array() },
+                    { "left_out", Json::array() },
+                    { "files_without_sound", plan.withoutSound } };
 
     for (const auto& rendering : renderings)
-        document.push_back (describe (rendering, stats));
+        document["results"].push_back (describe (rendering, plan));
+
+    for (const auto& left : plan.leftOut)
+        document["left_out"].push_back (describe (left));
 
     return document.dump (2, ' ', false, Json::error_handler_t::replace) + "\n";
 }

@@ -11,23 +11,24 @@
 namespace larkspire::meter
 {
 
-/** The level of the noise between words: the 10th percentile of the RMS levels of 50 ms windows, in dBFS.
+/** The level of the quietest tenth of a sound: the 10th percentile of the RMS levels of 50 ms windows, in dBFS. Of
+   speech in a room that is the noise between words. Where there is none it is the tails of the words.
 
     The windows follow each other without a gap or an overlap, and one takes all channels together; an unfinished one at
     the end does not count. The percentile is that of the nearest rank: the lowest level that a tenth of the windows do
-    not exceed. 0 dBFS is a square wave of full scale, so a sine of full scale has -3.01 dBFS; there is no weighting.
+    not exceed. 0 dBFS is a sine of full scale, as AES17 has it; there is no weighting.
 
     50 ms lie well within the gaps between words, which take 0.1 s and more, and hold two and a half periods of 50 Hz
     hum, so that hum has one level and not a swinging one. And a tenth, because speech pauses for more than a tenth of
     its time, while the quietest single window is a matter of chance.
 */
-class NoiseMeter
+class QuietestTenth
 {
 public:
     static constexpr double windowSeconds = 0.05;
     static constexpr double share = 0.1;
 
-    explicit NoiseMeter (const AudioShape& shape);
+    explicit QuietestTenth (const AudioShape& shape);
 
     /** Takes whole frames, channels interleaved, linear full scale 1.0. */
     void add (std::span<const float> interleaved);
@@ -37,7 +38,7 @@ public:
         does not count.
 
         nullopt if no window counts, or if the percentile window is digital silence. */
-    Figure levelWhere (const NoiseMeter& recording) const;
+    Figure levelWhere (const QuietestTenth& recording) const;
 
 private:
     std::size_t samplesPerWindow;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-#include "meter/NoiseMeter.h"
+#include "meter/QuietestTenth.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,13 +7,13 @@
 namespace larkspire::meter
 {
 
-NoiseMeter::NoiseMeter (const AudioShape& shape)
+QuietestTenth::QuietestTenth (const AudioShape& shape)
     : samplesPerWindow (static_cast<std::size_t> (shape.channels)
                         * static_cast<std::size_t> (std::max (1L, std::lround (windowSeconds * shape.sampleRate))))
 {
 }
 
-void NoiseMeter::add (std::span<const float> interleaved)
+void QuietestTenth::add (std::span<const float> interleaved)
 {
     for (const auto sample : interleaved)
     {
@@ -28,7 +28,7 @@ void NoiseMeter::add (std::span<const float> interleaved)
     }
 }
 
-Figure NoiseMeter::levelWhere (const NoiseMeter& recording) const
+Figure QuietestTenth::levelWhere (const QuietestTenth& recording) const
 {
     std::vector<float> counted;
 
@@ -42,7 +42,7 @@ Figure NoiseMeter::levelWhere (const NoiseMeter& recording) const
     const auto rank = std::ceil (share * static_cast<double> (counted.size()));
     const auto place = counted.begin() + static_cast<std::ptrdiff_t> (rank) - 1;
     std::nth_element (counted.begin(), place, counted.end());
-    return powerDecibels (double { *place });
+    return powerDecibels (2.0 * double { *place });
 }
 
 } // namespace larkspire::meter

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#include "audio/FileKind.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+namespace larkspire
+{
+
+namespace
+{
+/** How a kind of file begins. */
+struct Beginning
+{
+    std::string_view start; // of the file
+    std::size_t offset;     // in bytes, of what follows
+    std::string_view form;  // what tells kinds of the same start from each other
+    FileKind kind;
+};
+
+constexpr FileKind recording { Content::recording, "WAV, FLAC, AIFF or Ogg" };
+constexpr FileKind film { Content::film, "a film" };
+constexpr FileKind mpeg4 { Content::otherSound, "MPEG-4 audio" };
+
+constexpr std::array<Beginning, 25> beginnings { {
+    { "RIFF", 8, "WAVE", recording },
+    { "RIFX", 8, "WAVE", recording },
+    { "RF64", 8, "WAVE", recording },
+    { "FORM", 8, "AIFF", recording },
+    { "FORM", 8, "AIFC", recording },
+    { "fLaC", 4, "", recording },
+    { "OggS", 4, "", recording },
+    { "", 4, "ftypM4A ", mpeg4 },
+    { "", 4, "ftypM4B ", mpeg4 },
+    { "", 4, "ftyp", film },
+    { "RIFF", 8, "AVI ", film },
+    { "\x1a\x45\xdf\xa3", 4, "", film },
+    { "ID3", 3, "", { Content::otherSound, "MPEG audio" } },
+    { "\xff\xf1", 2, "", { Content::otherSound, "AAC audio" } },
+    { "\xff\xf9", 2, "", { Content::otherSound, "AAC audio" } },
+    { "caff", 4, "", { Content::otherSound, "Core Audio" } },
+    { ".snd", 4, "", { Content::otherSound, "AU audio" } },
+    { "riff\x2e\x91\xcf\x11", 8, "", { Content::otherSound, "Wave64 audio" } },
+    { "\x30\x26\xb2\x75", 4, "", { Content::otherSound, "Windows Media audio" } },
+    { "wvpk", 4, "", { Content::otherSound, "WavPack audio" } },
+    { "MAC ", 4, "", { Content::otherSound, "Monkey's Audio" } },
+    { "TTA1", 4, "", { Content::otherSound, "True Audio" } },
+    { "#!AMR", 5, "", { Content::otherSound, "AMR audio" } },
+    { "DSD ", 4, "", { Content::otherSound, "DSD audio" } },
+    { "FRM8", 4, "", { Content::otherSound, "DSD audio" } },
+} };
+
+/** Whether bytes begin with the header of a frame of MPEG audio, layer II or III. Texts of 16 bits begin like one of
+    layer I, which nobody uses. */
+bool beginsAsMpegFrame (std::string_view bytes)
+{
+    if (bytes.size() < 3)
+        return false;
+
+    const auto byte = [bytes] (std::size_t i) { return static_cast<unsigned char> (bytes[i]); };
+    const auto layer = (byte (1) >> 1) & 3;
+    const auto version = (byte (1) >> 3) & 3;
+    return byte (0) == 0xff && byte (1) >= 0xe0 && (layer == 1 || layer == 2) && version != 1 && (byte (2) >> 4) != 15
+           && ((byte (2) >> 2) & 3) != 3;
+}
+} // namespace
+
+FileKind kindOf (std::string_view bytes)
+{
+    for (const auto& beginning : beginnings)
+        if (bytes.starts_with (beginning.start) && bytes.size() >= beginning.offset
+            && bytes.substr (beginning.offset).starts_with (beginning.form))
+            return beginning.kind;
+
+    if (beginsAsMpegFrame (bytes))
+        return { Content::otherSound, "MPEG audio" };
+
+    return { Content::noSound, "no sound" };
+}
+
+std::string extensionIn (const std::filesystem::path& path)
+{
+    auto extension = path.extension().string();
+
+    for (auto& letter : extension)
+        if (letter >= 'A' && letter <= 'Z')
+            letter = static_cast<char> (letter - 'A' + 'a');
+
+    return extension.empty() ? extension : extension.substr (1);
+}
+
+bool isNamedAsSound (const std::filesystem::path& path)
+{
+    constexpr std::array<std::string_view, 22> endings { "aac",  "aif",  "aifc", "aiff", "amr", "ape", "au",  "bwf",
+                                                         "caf",  "flac", "m4a",  "m4b",  "mp2", "mp3", "oga", "ogg",
+                                                         "opus", "snd",  "w64",  "wav",  "wma", "wv" };
+    return std::find (endings.begin(), endings.end(), extensionIn (path)) != endings.end();
+}
+
+std::string adviceFor (const FileKind& kind)
+{
+    const std::string name (kind.name);
+
+    switch (kind.content)
+    {
+    case Content::otherSound:
+        return name + ": convert it first, for example with ffmpeg";
+    case Content::film:
+        return name + ": extract its sound first, for example with ffmpeg";
+    case Content::recording:
+    case Content::noSound:
+        break;
+    }
+
+    return "not a WAV, FLAC, AIFF or Ogg file";
+}
+
+} // namespace larkspire

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+namespace larkspire
+{
+
+/** What a file lacks whose sound ends too early. */
+struct MissingEnd
+{
+    std::int64_t bytesThere = 0;             // of sound
+    std::optional<std::int64_t> bytesStated; // by the header, 0 where it was not completed; an Ogg file states none
+};
+
+/** Looks whether a WAV, AIFF or Ogg file ends before its sound does, as one that was copied from a full card or while
+   it was recorded: in the middle of what its header states, or without the page that ends an Ogg stream.
+
+    A header that states no sound in front of bytes that are no chunk was never completed.
+
+    nullopt for a file that is whole, also for one that was written into a pipe and so could not state its length, and
+    for other kinds: FLAC says itself when it cannot be read on.
+
+    @param descriptor  of a file that can be read at any place; where it stands does not matter and does not change
+*/
+std::optional<MissingEnd> findMissingEnd (int descriptor);
+
+} // namespace larkspire

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include <cstdlib>
+
+namespace larkspire
+{
+
+/** Keeps JUCE inside the plug-in from connecting to an X server, as it does when a library is loaded, without DISPLAY
+   to the server :0: a program that needs no window would end with a server that is not its own. No server can have the
+   name that DISPLAY gets.
+
+    To be called first of all in a program: the environment is nothing that threads may share. */
+inline void useNoDisplay()
+{
+    setenv ("DISPLAY", ":none", 1); // NOLINT(concurrency-mt-unsafe)
+}
+
+} // namespace larkspire

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#include "render/Warnings.h"
+
+#include "base/Failure.h"
+#include "base/Texts.h"
+
+namespace larkspire::render
+{
+
+namespace
+{
+std::string countOf (std::int64_t samples)
+{
+    return std::to_string (samples) + (samples == 1 ? " sample" : " samples");
+}
+
+std::string truncationText (const Truncation& truncation, const RenderReport& report)
+{
+    const auto there = secondsText (report.seconds) + " s";
+    return truncation.secondsStated.has_value()
+               ? "is cut off: only " + there + " of " + secondsText (*truncation.secondsStated) + " s are there"
+               : "is cut off: its end is missing after " + there;
+}
+} // namespace
+
+std::vector<std::string> warningsOf (const Rendering& rendering, const RenderSettings& settings)
+{
+    std::vector<std::string> warnings;
+
+    if (! rendering.report.has_value())
+        return warnings;
+
+    const auto& report = *rendering.report;
+    const auto say = [&warnings] (const std::filesystem::path& file, const std::string& text)
+    { warnings.push_back (printable (file.string() + ": " + text)); };
+
+    if (report.truncation.has_value())
+        say (rendering.job.input, truncationText (*report.truncation, report));
+
+    if (report.losses.clipped > 0)
+        say (rendering.job.output,
+             countOf (report.losses.clipped) + " beyond full scale clipped; --bits 32f keeps them");
+
+    if (report.losses.notNumbers > 0)
+        say (rendering.job.output,
+             countOf (report.losses.notNumbers)
+                 + (report.losses.notNumbers == 1 ? " that is no number" : " that are no numbers")
+                 + " became silence; --bits 32f keeps them");
+
+    // In a voice mode every sample is new, and rounded to the width that was asked for. In bypass none should change.
+    if (rendering.job.mode == KnobMode::bypass)
+    {
+        if (report.roundedOnReading > 0)
+            say (rendering.job.input,
+                 countOf (report.roundedOnReading) + " rounded to 32-bit floats, which the plug-in works in");
+
+        if (report.losses.rounded > 0)
+            say (rendering.job.output,
+                 countOf (report.losses.rounded) + " rounded to " + std::to_string (bitsOf (settings.encoding.samples))
+                     + " bits; --bits 32f keeps them");
+    }
+
+    if (report.pictureFault.has_value())
+        warnings.push_back (*report.pictureFault);
+
+    return warnings;
+}
+
+bool isFault (const Rendering& rendering, const RenderSettings& settings)
+{
+    const auto& report = rendering.report;
+    return ! report.has_value() || report->pictureFault.has_value()
+           || (report->truncation.has_value() && ! settings.allowTruncated);
+}
+
+} // namespace larkspire::render

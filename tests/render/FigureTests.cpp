@@ -29,7 +29,7 @@ const std::vector<Name> names {
     { "integrated loudness, LUFS", "", "integrated_lufs" },
     { "loudness range, LU", "", "loudness_range_lu" },
     { "true peak, dBTP", "", "true_peak_dbtp" },
-    { "quietest tenth, dBFS", "", "quietest_tenth_dbfs" },
+    { "quietest tenth, dBFS (AES17)", "", "quietest_tenth_dbfs" },
     { "high-pass", "gains", "high_pass_db" },
     { "expander, mean over time", "gains", "expander_mean_db" },
     { "stereo fold", "gains", "stereo_fold_db" },

@@ -22,7 +22,7 @@ inline constexpr std::array<NamedFigure<meter::SoundFigures>, 4> soundFigures { 
     { "integrated loudness, LUFS", "integrated_lufs", &meter::SoundFigures::integratedLufs },
     { "loudness range, LU", "loudness_range_lu", &meter::SoundFigures::loudnessRangeLu },
     { "true peak, dBTP", "true_peak_dbtp", &meter::SoundFigures::truePeakDbtp },
-    { "quietest tenth, dBFS", "quietest_tenth_dbfs", &meter::SoundFigures::quietestTenthDbfs },
+    { "quietest tenth, dBFS (AES17)", "quietest_tenth_dbfs", &meter::SoundFigures::quietestTenthDbfs },
 } };
 
 inline constexpr std::array<NamedFigure<meter::StageGains>, 7> stageGains { {

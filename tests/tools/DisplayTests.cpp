@@ -8,8 +8,9 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <csignal>
+#include <cstddef>
 #include <cstdlib>
-#include <cstring>
 #include <optional>
 #include <poll.h>
 
@@ -113,8 +114,10 @@ TEST_F (Display, MayEndInTheMiddleOfARendering)
                         .environment = { { "DISPLAY", std::getenv ("DISPLAY") } },
                         .folder = folder.path() });
     ASSERT_TRUE (folder.showsSoon (".long.wav.partial-"));
+    child.sendSignal (SIGSTOP);
     server.reset();
     EXPECT_FALSE (std::filesystem::exists (folder / "results/long.wav")) << "rendered before the server had ended";
+    child.sendSignal (SIGCONT);
     const auto outcome = child.wait();
     EXPECT_EQ (outcome.exitStatus, 0);
     EXPECT_EQ (outcome.errors, "");

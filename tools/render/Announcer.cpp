@@ -94,10 +94,7 @@ void Announcer::announce (Rendering rendering)
     told.push_back (std::move (rendering));
 
     if (told.size() % plan.modesPerInput == 0)
-    {
         printReport();
-        said.clear();
-    }
 }
 
 void Announcer::say (const std::string& line)

@@ -43,7 +43,7 @@ private:
     void showLatest();
     void announce (Rendering rendering);
 
-    /** Prints a line on stderr, once for an input, however many modes of it have the same to say. */
+    /** Prints a line on stderr, once, however many modes of an input have the same to say. */
     void say (const std::string& line);
     void printReport();
 
@@ -52,7 +52,7 @@ private:
     std::map<std::size_t, Rendering> waiting; // finished, but not in turn
     std::map<std::size_t, RenderProgress> latest;
     std::vector<Rendering> told;
-    std::set<std::string> said; // of the input whose turn it is
+    std::set<std::string> said;
     bool tablesBefore = false;
     std::optional<ProgressBar> bar;
 };

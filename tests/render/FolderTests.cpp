@@ -96,14 +96,19 @@ TEST_F (Folder, CountsWhatNobodyTakesForSound)
 
     // A text of 16 bits, which begins much like MPEG audio.
     writeBytes (folder / "takes/wide.txt", "\xff\xfeh\1i\1");
+
+    // Headers of MPEG audio with a version, a bit rate and a sample rate that there are not.
+    writeBytes (folder / "takes/1.bin", "\xff\xeb\x90...");
+    writeBytes (folder / "takes/2.bin", "\xff\xfb\xf0...");
+    writeBytes (folder / "takes/3.bin", "\xff\xfb\x9c...");
     ASSERT_EQ (mkfifo ((folder / "takes/pipe").c_str(), 0600), 0);
     std::filesystem::create_symlink ("nowhere", folder / "takes/dangling");
     const auto outcome = runHere ({ "--json", "takes", "-o", "results" });
     EXPECT_EQ (outcome.exitStatus, 0);
-    EXPECT_EQ (outcome.errors, "larkspire-render: 6 files without sound left out\n");
+    EXPECT_EQ (outcome.errors, "larkspire-render: 9 files without sound left out\n");
     EXPECT_EQ (below ("results"), threeResults);
     const auto document = json::parse (outcome.output);
-    EXPECT_EQ (document.at ("files_without_sound"), 6);
+    EXPECT_EQ (document.at ("files_without_sound"), 9);
     EXPECT_EQ (document.at ("left_out"), json::array());
 }
 

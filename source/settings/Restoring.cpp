@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // Takes in what Saving.cpp has written, and what other versions and other hands have made of it.
 #include "frame/AudioProcessorQuendal.h"
-#include "settings/ParserGuard.h"
+#include "settings/DocumentLimits.h"
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace juce
 {
@@ -18,7 +20,7 @@ constexpr uint32 magicNumber = 0x21324356;
 
 /** The text in the frame of a state block, empty where there is no frame. What the frame claims beyond the end of the
     block is cut off. */
-std::string textIn (const void* data, int sizeInBytes)
+std::string_view textIn (const void* data, int sizeInBytes)
 {
     if (sizeInBytes <= 8 || ByteOrder::littleEndianInt (data) != magicNumber)
         return {};
@@ -29,7 +31,8 @@ std::string textIn (const void* data, int sizeInBytes)
     if (claimed <= 0)
         return {};
 
-    return { bytes + 8, static_cast<std::size_t> (std::min (claimed, sizeInBytes - 8)) };
+    const std::string_view text (bytes + 8, static_cast<std::size_t> (std::min (claimed, sizeInBytes - 8)));
+    return text.substr (0, text.find ('\0'));
 }
 
 /** How many bytes the UTF-8 character at the start of a text takes, 0 where there is none. */
@@ -51,13 +54,15 @@ std::size_t characterLength (std::string_view text)
     return length;
 }
 
-/** The text for the parser, with a question mark for each byte that is no UTF-8: JUCE steps over the end of a
-    text whose last character is incomplete. */
-String wellFormed (std::string text)
+/** The text with a question mark for each byte that is no UTF-8: JUCE steps over the end of a text whose last
+    character is incomplete. */
+std::string wellFormed (std::string_view bytes)
 {
+    std::string text (bytes);
+
     for (std::size_t i = 0; i < text.size();)
     {
-        const auto length = characterLength (std::string_view (text).substr (i));
+        const auto length = characterLength (bytes.substr (i));
 
         if (length == 0)
             text[i] = '?';
@@ -65,27 +70,46 @@ String wellFormed (std::string text)
         i += std::max<std::size_t> (1, length);
     }
 
-    // The parser also steps over the end of a text that stops within "&#x"; a second zero stops it there.
-    text += '\0';
-    return String::fromUTF8 (text.data(), static_cast<int> (text.size()));
+    return text;
 }
 
-/** The settings document in a state block, or null if there is none. */
-std::unique_ptr<XmlElement> settingsFrom (const void* data, int sizeInBytes)
+/** The root of a text, or null if the text is not one that JUCE's parser may be given, or does not parse. */
+std::unique_ptr<XmlElement> rootOf (std::string_view bytes)
 {
-    const auto text = wellFormed (textIn (data, sizeInBytes));
-    auto element = larkspire::canBeParsed (text) ? parseXML (text) : nullptr;
-    return element != nullptr && element->hasTagName ("settings") ? std::move (element) : nullptr;
+    // A byte more than may be is enough to see that there are too many.
+    const auto text = wellFormed (bytes.substr (0, larkspire::longestDocument + 1));
+
+    if (! larkspire::isWithinLimits (text))
+        return {};
+
+    return parseXML (String (CharPointer_UTF8 (text.data()), CharPointer_UTF8 (text.data() + text.size())));
+}
+
+using Attributes = std::vector<std::pair<String, String>>;
+
+/** The attributes of the settings document in a state block, in order, or nothing if there is none. */
+std::optional<Attributes> attributesIn (const void* data, int sizeInBytes)
+{
+    const auto root = rootOf (textIn (data, sizeInBytes));
+
+    if (root == nullptr || ! root->hasTagName ("settings"))
+        return {};
+
+    Attributes attributes;
+    const int count = root->getNumAttributes();
+
+    // JUCE counts from the first attribute to each that it is asked for: here once, and not for each parameter too.
+    for (int i = 0; i < count; ++i)
+        attributes.emplace_back (root->getAttributeName (i), root->getAttributeValue (i));
+
+    return attributes;
 }
 
 /** The first attribute of exactly this name as a number; the fallback where there is none. */
-double numberFrom (const XmlElement& document, const String& name, double fallback)
+double numberFrom (const Attributes& attributes, const String& name, double fallback)
 {
-    for (int i = 0; i < document.getNumAttributes(); ++i)
-        if (document.getAttributeName (i) == name)
-            return document.getAttributeValue (i).getDoubleValue();
-
-    return fallback;
+    const auto found = std::ranges::find (attributes, name, &Attributes::value_type::first);
+    return found != attributes.end() ? found->second.getDoubleValue() : fallback;
 }
 
 /** 0 to 1, in 32-bit floats; NaN becomes 0. */
@@ -97,7 +121,7 @@ float clampToRange (double value)
 
 void AudioProcessorQuendal::setStateInformation (const void* data, int sizeInBytes)
 {
-    if (const auto document = settingsFrom (data, sizeInBytes))
+    if (const auto attributes = attributesIn (data, sizeInBytes))
     {
         for (auto* entry : getParameters())
         {
@@ -106,19 +130,14 @@ void AudioProcessorQuendal::setStateInformation (const void* data, int sizeInByt
             // The host is not told: it is the host that restores. The chain notices through the request below.
             if (parameter != nullptr)
                 parameter->setValue (clampToRange (
-                    numberFrom (*document, parameter->paramID, static_cast<double> (parameter->getValue()))));
+                    numberFrom (*attributes, parameter->paramID, static_cast<double> (parameter->getValue()))));
         }
 
         settings.clear();
 
-        for (int i = 0; i < document->getNumAttributes(); ++i)
-        {
-            const auto& name = document->getAttributeName (i);
-            const auto& value = document->getAttributeValue (i);
-
+        for (const auto& [name, value] : *attributes)
             if (name.isNotEmpty() && value.isNotEmpty())
                 setSetting (name, value);
-        }
     }
 
     // Also after data that was no document: a superfluous re-initialisation does no harm.

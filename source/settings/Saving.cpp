@@ -2,12 +2,15 @@
 // The settings document that goes into the host's project.
 #include "frame/AudioProcessorQuendal.h"
 #include "frame/TruncateToInt.h"
+#include "settings/DocumentLimits.h"
 #include "settings/HostIdentity.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
+#include <map>
 #include <sstream>
+#include <string_view>
 
 namespace juce
 {
@@ -41,6 +44,14 @@ String parameterText (float value)
     char text[30] = {};
     std::snprintf (text, sizeof (text), "%.4f", static_cast<double> (value));
     return text;
+}
+
+/** Whether a document would be taken in again: a value may have become longer by its references than the whole document
+    was that it came from. */
+bool canBeRestored (const XmlElement& xml)
+{
+    const auto text = xml.toString (XmlElement::TextFormat().singleLine());
+    return larkspire::isWithinLimits (std::string_view (text.toRawUTF8(), text.getNumBytesAsUTF8()));
 }
 } // namespace
 
@@ -76,14 +87,19 @@ String AudioProcessorQuendal::hostTail (const String& fullPath)
 
 void AudioProcessorQuendal::getStateInformation (MemoryBlock& destData)
 {
-    XmlElement xml ("settings");
+    const std::map<String, String> circumstances {
+        { "plugin", "Quendal Larkspire" },
+        { "pluginversion", String (settingsVersion) },
+        { "date_modified", utcTimestamp() },
+        { "daw", hostTail (larkspire::hostExecutablePath()) },
+        { "samplerate", String (truncateToInt (getSampleRate())) },
+        { "username", larkspire::loginName() },
+    };
 
-    setSetting ("plugin", "Quendal Larkspire");
-    setSetting ("pluginversion", String (settingsVersion));
-    setSetting ("date_modified", utcTimestamp());
-    setSetting ("daw", hostTail (larkspire::hostExecutablePath()));
-    setSetting ("samplerate", String (truncateToInt (getSampleRate())));
-    setSetting ("username", larkspire::loginName());
+    for (const auto& [key, value] : circumstances)
+        setSetting (key, value);
+
+    XmlElement parameters ("settings");
 
     for (const auto* entry : getParameters())
     {
@@ -92,14 +108,29 @@ void AudioProcessorQuendal::getStateInformation (MemoryBlock& destData)
         if (parameter == nullptr)
             continue;
 
-        xml.setAttribute (Identifier (parameter->paramID), parameterText (parameter->getValue()));
+        parameters.setAttribute (Identifier (parameter->paramID), parameterText (parameter->getValue()));
 
         // A restored document leaves the parameters' old values in the store; they must not come back below.
         settings.erase (parameter->paramID);
     }
 
-    for (const auto& [key, value] : settings)
-        xml.setAttribute (Identifier (key), value);
+    const auto documentWith = [&] (const auto& isWanted)
+    {
+        XmlElement document (parameters);
+
+        for (const auto& [key, value] : settings)
+            if (isWanted (key))
+                document.setAttribute (Identifier (key), value);
+
+        return document;
+    };
+
+    auto xml = documentWith ([] (const String&) { return true; });
+
+    // What others have left in the store stands back: a document beyond the limits would not even restore the
+    // parameters.
+    if (! canBeRestored (xml))
+        xml = documentWith ([&] (const String& key) { return circumstances.contains (key); });
 
     copyXmlToBinary (xml, destData);
 }

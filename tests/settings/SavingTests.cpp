@@ -240,6 +240,79 @@ TEST (Saving, LetsAParameterTakeTheNameOfAFixedKey)
     EXPECT_FALSE (probe.settings.contains ("plugin"));
 }
 
+/** Expects that a processor saves what it holds, or, if that is beyond what can be restored, its own attributes alone.
+ */
+void expectSaved (OpenProcessor& processor, bool withOthers)
+{
+    const auto block = save (processor);
+    const auto attributes = processor.settings.size() + 1;
+    EXPECT_EQ (namesOf (block).size(), withOthers ? attributes : freshNames().size());
+
+    OpenProcessor other;
+    restore (other, block);
+    EXPECT_EQ (other.modeParameter->get(), 0.25f);
+
+    for (const auto& key : withOthers ? namesOf (block) : freshNames())
+        EXPECT_TRUE (other.settings.contains (key)) << key;
+
+    if (withOthers)
+    {
+        EXPECT_EQ (other.settings["zoo"], processor.settings["zoo"]);
+    }
+}
+
+TEST (Saving, WritesNoMoreThanCanBeRestored)
+{
+    constexpr std::size_t longest = 1048576;
+    OpenProcessor processor;
+    processor.setMode (0.25f);
+    processor.setSetting ("zoo", "");
+    const auto free = static_cast<int> (longest - textOf (save (processor)).size());
+
+    for (const std::string character : { "v", "'", "=" })
+    {
+        SCOPED_TRACE (character);
+        processor.setSetting ("zoo", juce::String::repeatedString (juce::String (character), free));
+        EXPECT_EQ (textOf (save (processor)).size(), longest);
+        expectSaved (processor, true);
+        processor.setSetting ("zoo", processor.settings["zoo"] + "v");
+        expectSaved (processor, false);
+        EXPECT_TRUE (processor.settings.contains ("zoo")) << "the store keeps it";
+    }
+}
+
+TEST (Saving, WritesNoMoreReferencesThanCanBeRestored)
+{
+    for (const char* character : { "\"", "<", "&", "\x01", "\u00e4", "\U0001F399" })
+    {
+        SCOPED_TRACE (character);
+        OpenProcessor processor;
+        processor.setMode (0.25f);
+        const juce::String one (juce::CharPointer_UTF8 { character });
+
+        for (const int count : { 1000, 5000, 9000 })
+        {
+            processor.setSetting ("zoo", juce::String::repeatedString (one, count));
+            expectSaved (processor, count < 9000);
+        }
+    }
+}
+
+TEST (Saving, WritesNoMoreAttributesThanCanBeRestored)
+{
+    for (const int count : { 992, 993, 994, 1000 })
+    {
+        SCOPED_TRACE (count);
+        OpenProcessor processor;
+        processor.setMode (0.25f);
+
+        for (int i = 0; i < count; ++i)
+            processor.setSetting ("t" + juce::String (i), "v");
+
+        expectSaved (processor, count + 7 <= 1000);
+    }
+}
+
 TEST (Setting, ReplacesTheValueOfItsKey)
 {
     ProbeProcessor probe;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "benchmarks/Bounds.h"
 
+#include "benchmarks/DocumentShapes.h"
+
 #include <algorithm>
 #include <cstdio>
 
@@ -57,6 +59,24 @@ std::vector<Bound> promisedBounds()
                         { "frame/Medium/stereo/512" },
                         { "recursion/high-pass", "recursion/expander", "recursion/filters", "recursion/leveller" },
                         1.3 });
+
+    // Nothing may take 50 ms on a quiet machine, where plain text takes 4.
+    const std::string plain (plainShape);
+
+    for (const std::string call : { "restore/", "save/" })
+    {
+        std::vector<std::string> names;
+
+        for (const auto& shape : documentShapes())
+            names.push_back (call + shape.name);
+
+        bounds.push_back ({ call == "save/" ? "saving after a megabyte of whatever shape, of restoring plain text"
+                                            : "restoring a megabyte of whatever shape, of plain text",
+                            names,
+                            { "restore/" + plain },
+                            12.0 });
+    }
+
     return bounds;
 }
 

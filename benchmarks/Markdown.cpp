@@ -2,6 +2,7 @@
 #include "benchmarks/Markdown.h"
 
 #include "benchmarks/Bounds.h"
+#include "benchmarks/DocumentShapes.h"
 
 #include <algorithm>
 #include <ctime>
@@ -133,6 +134,23 @@ loop does.
         writeRow (out, costs, stage, { "recursion/" + stage, "run/" + stage });
 }
 
+void writeRestores (std::ostream& out, const Costs& costs)
+{
+    out << R"(
+## A large state
+
+Milliseconds for a state of a megabyte, taken in or refused, and for the save that follows. A state of the plug-in's own
+has some 300 bytes.
+
+| What is in it | restored | saved |
+|---|---|---|
+)";
+
+    for (const auto& shape : documentShapes())
+        writeRow (
+            out, costs, shape.name, { std::string ("restore/") + shape.name, std::string ("save/") + shape.name }, 1e6);
+}
+
 /** A table of one benchmark a row. */
 struct List
 {
@@ -189,6 +207,7 @@ void writeMarkdown (std::ostream& out, const Costs& costs)
     writeBounds (out, costs);
     writeFrames (out, costs);
     writeRecursions (out, costs);
+    writeRestores (out, costs);
 
     for (const auto& list : lists)
     {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "editor/LarkspireAudioProcessorEditor.h"
 
+#include "editor/HostLoop.h"
 #include "editor/WineRendering.h"
 #include "frame/LarkspireAudioProcessor.h"
 
@@ -21,6 +22,7 @@ juce::AudioProcessorEditor* LarkspireAudioProcessor::createEditor()
 {
     auto editor = std::make_unique<LarkspireAudioProcessorEditor> (this);
     larkspire::drawInSoftwareUnderWine (*editor);
+    larkspire::runOnHostLoop (*editor);
     return editor.release();
 }
 

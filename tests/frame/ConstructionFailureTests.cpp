@@ -11,13 +11,13 @@
 
 namespace
 {
-std::atomic<std::size_t> refusedSize { 0 };
+std::atomic<std::size_t> refusedSize { 0 }; // none
 std::atomic<int> allowedBeforeRefusal { 0 };
 std::atomic<long> liveAllocations { 0 };
 
 void* allocate (std::size_t size)
 {
-    if (size == refusedSize && allowedBeforeRefusal-- == 0)
+    if (size > 0 && size == refusedSize && allowedBeforeRefusal-- == 0)
         throw std::bad_alloc();
 
     if (void* memory = std::malloc (size > 0 ? size : 1))

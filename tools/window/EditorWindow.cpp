@@ -94,13 +94,18 @@ EditorWindow::~EditorWindow()
     XCloseDisplay (display);
 }
 
+void EditorWindow::turn()
+{
+    plugin.dispatch (Vst2::effEditIdle);
+}
+
 void EditorWindow::idle (std::chrono::milliseconds time)
 {
     const auto end = std::chrono::steady_clock::now() + time;
 
     do
     {
-        plugin.dispatch (Vst2::effEditIdle);
+        turn();
         std::this_thread::sleep_for (std::chrono::milliseconds (5));
     } while (std::chrono::steady_clock::now() < end);
 }

@@ -25,7 +25,7 @@ public:
     explicit EditorWindow (const PluginInstance& plugin, int x = 0, int y = 0);
 
     /** Closes the editor, then the window. */
-    ~EditorWindow();
+    virtual ~EditorWindow();
 
     EditorWindow (const EditorWindow&) = delete;
     EditorWindow& operator= (const EditorWindow&) = delete;
@@ -51,6 +51,10 @@ public:
 
     /** What the X server has refused this program since its start, in its own words, each with the request's number. */
     static std::vector<std::string> refusals();
+
+protected:
+    /** What the host does for the editor again and again: sends effEditIdle. */
+    virtual void turn();
 
 private:
     const PluginInstance& plugin;

@@ -41,7 +41,7 @@ Function glib (const char* name)
 }
 
 /** The timeout in the default GLib context that dispatches JUCE's messages while there are editors: one for all of
-    them. It lives as long as the library, because the last editor may go in the middle of a turn. */
+    them. This lives as long as the library, because the last editor may go in the middle of a turn. */
 class HostLoop
 {
 public:
@@ -102,17 +102,14 @@ private:
         glib<RemoveSource> ("g_source_remove") (source);
         source = 0;
 
-        // Another thread may be in a turn, one that does nothing, and the host may unload the library next. Within a
-        // turn of this thread the post comes when it is over.
-        if (! isInTurn)
-            for (; releasesToCome > 0; --releasesToCome)
-                while (sem_wait (&releases) != 0)
-                {
-                }
+        // Within a turn of this thread the post comes when it is over. Otherwise another thread may be in a turn, one
+        // that does nothing, and the host may unload the library next.
+        while (! isInTurn && releasesToCome > 0)
+            if (sem_wait (&releases) == 0) // and not a signal
+                --releasesToCome;
     }
 
-    /** One turn of the host's loop. The host may run its loop within a turn, and the context may be another thread's.
-     */
+    /** What GLib calls: on a thread that may be any, and within a turn too, if that runs the host's loop. */
     void takeTurn()
     {
         if (editors == 0 || ! juce::MessageManager::existsAndIsCurrentThread() || isInTurn
@@ -121,7 +118,7 @@ private:
 
         const juce::ScopedValueSetter<bool> turn (isInTurn, true);
 
-        // Each pass dispatches all that is ready. Without an editor JUCE's own thread does it again.
+        // Each pass dispatches all that is ready. Once the last editor has gone, JUCE's own thread does that again.
         for (int pass = 0; pass < mostPasses && editors > 0; ++pass)
             if (! juce::detail::dispatchNextMessageOnSystemQueue (true))
                 break;
@@ -146,8 +143,8 @@ void* holdThisLibrary()
     return dlopen (info.dli_fname, RTLD_LAZY | RTLD_NOLOAD);
 }
 
-/** An editor on the host's loop. It holds the library: a host that unloads it with the window open would otherwise
-   leave JUCE's threads without code. Its timer finds out who dispatches. Goes when the editor goes. */
+/** An editor on the host's loop. It holds the library, because a host that unloads it with the window open would leave
+    JUCE's threads without code. Its timer finds out who dispatches. Goes when the editor goes. */
 class EditorOnHostLoop : public juce::ComponentListener, private juce::Timer
 {
 public:

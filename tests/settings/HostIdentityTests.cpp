@@ -3,8 +3,8 @@
 // getpwuid_r stands before the system's and can answer in its place.
 #include "settings/HostIdentity.h"
 
-#include "settings/EnvironmentVariable.h"
 #include "settings/ProcessorState.h"
+#include "support/EnvironmentVariable.h"
 #include "support/OpenProcessor.h"
 
 #include <gtest/gtest.h>

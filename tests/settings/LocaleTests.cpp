@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // What the host's locale does to a document. Locales with a decimal comma are rarely installed where programs are
 // built, so the tests make one.
-#include "settings/EnvironmentVariable.h"
 #include "settings/ProcessorState.h"
+#include "support/EnvironmentVariable.h"
 #include "support/OpenProcessor.h"
 #include "support/TemporaryFolder.h"
 

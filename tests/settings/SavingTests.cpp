@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // What getStateInformation writes, to the byte.
-#include "settings/EnvironmentVariable.h"
 #include "settings/ProcessorState.h"
 #include "settings/RecordingParameter.h"
+#include "support/EnvironmentVariable.h"
 #include "support/OpenProcessor.h"
 #include "support/ProbeProcessor.h"
 

@@ -50,7 +50,8 @@ bool hasFewReferences (std::string_view text)
     {
         const auto end = text.find_first_of (";&<>\"' \t\r\n", start + 1);
 
-        if (++count * text.size() > mostCopiedBytes || end == npos || text[end] != ';' || end - start > longestReference)
+        if (++count * text.size() > mostCopiedBytes || end == npos || text[end] != ';'
+            || end - start > longestReference)
             return false;
     }
 

@@ -41,6 +41,7 @@ bool hasTooManyAttributes (std::string_view text)
 
     return false;
 }
+
 /** Whether each "&" begins a reference, as "&amp;" or "&#228;" is, and whether there are few. */
 bool hasFewReferences (std::string_view text)
 {

@@ -123,6 +123,9 @@ const std::vector<DocumentShape>& documentShapes()
         { "brackets", [] { return filled ("", "<"); } },
         { "bytes that are no UTF-8", [] { return filled (opening(), "\xff\xc3", "\"/>"); } },
         { "characters that are cut off", [] { return filled (opening(), "\xf0\x9f\x8e", "\"/>"); } },
+        { "brackets in three bytes", [] { return filled (content, "\xe0\x80\xbc" "a>"); } },
+        { "signs in three bytes", [] { return filled ("<settings ", "a\xe0\x80\xbd\"\" ", "/>"); } },
+        { "ampersands in three bytes", [] { return filled (opening(), "\xe0\x80\xa6lt;", "\"/>"); } },
         { "no document", [] { return filled ("", "text "); } },
         { "zeros", [] { return std::string (shapeSize, '\0'); } },
     };

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // How much a settings document may hold. JUCE's parser calls itself for each element, looks up each name among all
 // that it has seen and looks for the end of a comment in all that follows: without limits a document of a megabyte
-// takes minutes, or the host's whole stack. A document of ours has one element, some ten attributes and 300 bytes.
+// takes minutes, or the host's whole stack. A document of ours has one element, seven attributes and 300 bytes.
 #pragma once
 
 #include <cstddef>
@@ -20,13 +20,13 @@ constexpr std::size_t mostAttributes = 1000;
 constexpr std::size_t mostBrackets = 1000;
 
 /** The references in it times its bytes, as the parser copies a value once for each reference in it: 250 in the longest
-    document, any number in one of 39 kB. */
+    document, any number in one of 22 kB. */
 constexpr std::size_t mostCopiedBytes = 250 * longestDocument;
 
 /** The bytes from a "&" to its ";". */
 constexpr std::size_t longestReference = 32;
 
-/** Whether a text keeps to these limits and to what the parser reads once and from front to back: no document type, no
+/** Whether a text keeps to these limits and to what the parser reads in time proportional to it: no document type, no
     instruction but one that the text begins with, an end for each comment, each closing tag and each reference. The
     text is judged as it stands, without regard to what is a value or a comment. Takes time in proportion to the text.
 

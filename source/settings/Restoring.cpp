@@ -51,6 +51,10 @@ std::size_t characterLength (std::string_view text)
         if ((byte (i) & 0xc0u) != 0x80u)
             return 0;
 
+    // JUCE would read these as characters that take fewer bytes, a "<" that nobody has counted among them.
+    if ((lead == 0xe0 && byte (1) < 0xa0) || (lead == 0xf0 && byte (1) < 0x90))
+        return 0;
+
     return length;
 }
 

@@ -93,6 +93,8 @@ TEST_F (Folder, CountsWhatNobodyTakesForSound)
     writeBytes (folder / "takes/notes.txt", "which take is best");
     writeBytes (folder / "takes/day two/cover.png", "\x89PNG\r\n\x1a\n");
     writeBytes (folder / "takes/empty", "");
+    writeBytes (folder / "takes/photo.heic", std::string ("\0\0\0\x20", 4) + "ftypheic....");
+    writeBytes (folder / "takes/mac.txt", "MAC addresses, caffeine and ID3 tags");
 
     // A text of 16 bits, which begins much like MPEG audio.
     writeBytes (folder / "takes/wide.txt", "\xff\xfeh\1i\1");
@@ -105,10 +107,10 @@ TEST_F (Folder, CountsWhatNobodyTakesForSound)
     std::filesystem::create_symlink ("nowhere", folder / "takes/dangling");
     const auto outcome = runHere ({ "--json", "takes", "-o", "results" });
     EXPECT_EQ (outcome.exitStatus, 0);
-    EXPECT_EQ (outcome.errors, "larkspire-render: 9 files without sound left out\n");
+    EXPECT_EQ (outcome.errors, "larkspire-render: 11 files without sound left out\n");
     EXPECT_EQ (below ("results"), threeResults);
     const auto document = json::parse (outcome.output);
-    EXPECT_EQ (document.at ("files_without_sound"), 9);
+    EXPECT_EQ (document.at ("files_without_sound"), 11);
     EXPECT_EQ (document.at ("left_out"), json::array());
 }
 
@@ -123,10 +125,11 @@ TEST_F (Folder, NamesSoundThatCannotBeReadAndFails)
     };
 
     add ("1.m4a", std::string ("\0\0\0\x20", 4) + "ftypM4A isomiso2", "is MPEG-4 audio" + convert);
+    add ("1b.m4a", std::string ("\0\0\0\x20", 4) + "ftypisomisomiso2", "is MPEG-4 audio" + convert);
     add ("2.mp3", "ID3\4" + std::string (20, '\0'), "is MPEG audio" + convert);
     add ("3 without ending", "\xff\xfb\x90" + std::string (200, 'x'), "is MPEG audio" + convert);
     add ("4.aac", "\xff\xf1\x50" + std::string (200, 'x'), "is AAC audio" + convert);
-    add ("5.caf", "caff" + std::string (20, '\0'), "is Core Audio" + convert);
+    add ("5.caf", "caff" + std::string ("\0\1", 2) + std::string (20, '\0'), "is Core Audio" + convert);
     add ("6.wma", "\x30\x26\xb2\x75" + std::string (20, '\0'), "is Windows Media audio" + convert);
     add ("7.wav", "which take is best", "is not a WAV, FLAC, AIFF or Ogg file");
     add ("8.wav", "", "is empty");

@@ -167,6 +167,7 @@ TEST_F (Truncation, IsNotSeenInAFileThatCouldNotStateItsLength)
     // What ffmpeg, sox and arecord write.
     for (const std::string_view size : { std::string_view ("\xff\xff\xff\xff", 4),
                                          std::string_view ("\xd0\xff\xff\x7f", 4),
+                                         std::string_view ("\0\xf0\xff\x7f", 4),
                                          std::string_view ("\0\0\0\x80", 4) })
     {
         const auto recording = writeSecond ({ "voice.wav", wav16, 1 });

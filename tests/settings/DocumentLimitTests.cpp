@@ -322,4 +322,26 @@ TEST (DocumentLimits, LeaveNothingWithoutEndThatTheParserWouldLookForAgainAndAga
           { "a closing tag", "<settings mode=\"0.2500\"></settings" },
           { "the closing tag of many elements", "<settings mode=\"0.2500\">" + times (900, "<a>") + "</" } });
 }
+TEST (DocumentLimits, CountWhatTheParserWouldTakeForAnAsciiCharacter)
+{
+    // "<", "=" and "&" in three and in four bytes.
+    for (const std::string overlong : { "\xe0\x80\xbc", "\xf0\x80\x80\xbc", "\xe0\x80\xbd", "\xf0\x80\x80\xa6" })
+    {
+        const RestoredProcessor processor (blockWith ("a=\"" + overlong + "\" mode=\"0.2500\""));
+        EXPECT_EQ (processor.mode(), 0.25f);
+        EXPECT_EQ (processor.store().at ("a"), std::string (overlong.size(), '?'));
+    }
+
+    expectRefused ({ { "elements inside each other",
+                       "<settings>"
+                           + times (300000,
+                                    "\xe0\x80\xbc"
+                                    "a>") },
+                     { "elements",
+                       "<settings mode=\"0.2500\">"
+                           + times (100000,
+                                    "\xf0\x80\x80\xbc"
+                                    "a/>") },
+                     { "attributes", "<settings mode=\"0.2500\"" + times (100000, " a\xe0\x80\xbd\"\"") + "/>" } });
+}
 } // namespace

@@ -47,7 +47,7 @@ void checkTheKindOfFile (const std::filesystem::path& path, int descriptor)
     if (count < 0)
         throw Failure (path, "cannot be read: " + systemError (errno));
 
-    const auto kind = kindOf ({ bytes.data(), static_cast<std::size_t> (count) });
+    const auto kind = kindOf ({ bytes.data(), static_cast<std::size_t> (count) }, path);
 
     if (kind.content != Content::recording)
         throw Failure (path, "is " + adviceFor (kind));
@@ -56,7 +56,7 @@ void checkTheKindOfFile (const std::filesystem::path& path, int descriptor)
 /** Why libsndfile could not open a file. Of what it does not know in an Ogg file it says no more than that. */
 std::string reasonOf (int descriptor)
 {
-    constexpr std::size_t page = 28; // the first page's header, which says of one packet how long it is
+    constexpr std::size_t page = 28; // bytes: the header of a page with one segment
     std::array<char, page + 8> bytes {};
     const auto count = pread (descriptor, bytes.data(), bytes.size(), 0);
     const auto packet = std::string_view (bytes.data(), static_cast<std::size_t> (std::max<ssize_t> (count, page)));
@@ -103,11 +103,11 @@ AudioInput::AudioInput (const std::filesystem::path& path)
     audioShape = { .channels = info.channels, .sampleRate = info.samplerate };
     missing = findMissingEnd (descriptor.get());
 
-    if (missing.has_value() && missing->bytesStated == 0)
-        throw Failure (path, "is damaged: its header was never completed; repair it first, for example with ffmpeg");
-
     if (missing.has_value() && info.frames == 0)
-        throw Failure (path, "is damaged: it ends before its first sample");
+        throw Failure (path,
+                       missing->bytesStated == 0
+                           ? "is damaged: its header was never completed; repair it first, for example with ffmpeg"
+                           : "is damaged: it ends before its first sample");
 }
 
 std::optional<std::int64_t> AudioInput::length() const noexcept
@@ -126,7 +126,7 @@ std::optional<Truncation> AudioInput::truncation() const
     Truncation truncation;
 
     // Every kind of sample in files that state a size takes the same room throughout.
-    if (missing->bytesStated.has_value())
+    if (missing->bytesStated.value_or (0) > 0)
         truncation.secondsStated = static_cast<double> (info.frames) / audioShape.sampleRate
                                    * static_cast<double> (*missing->bytesStated)
                                    / static_cast<double> (missing->bytesThere);

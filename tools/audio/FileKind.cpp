@@ -20,10 +20,12 @@ struct Beginning
 };
 
 constexpr FileKind recording { Content::recording, "WAV, FLAC, AIFF or Ogg" };
-constexpr FileKind film { Content::film, "a film" };
+constexpr FileKind film { Content::film, "a film", "a film's sound" };
 constexpr FileKind mpeg4 { Content::otherSound, "MPEG-4 audio" };
+constexpr FileKind picture { Content::noSound, "a picture" };
+constexpr FileKind mpegAudio { Content::otherSound, "MPEG audio" };
 
-constexpr std::array<Beginning, 25> beginnings { {
+constexpr std::array<Beginning, 32> beginnings { {
     { "RIFF", 8, "WAVE", recording },
     { "RIFX", 8, "WAVE", recording },
     { "RF64", 8, "WAVE", recording },
@@ -33,18 +35,25 @@ constexpr std::array<Beginning, 25> beginnings { {
     { "OggS", 4, "", recording },
     { "", 4, "ftypM4A ", mpeg4 },
     { "", 4, "ftypM4B ", mpeg4 },
-    { "", 4, "ftyp", film },
+    { "", 4, "ftypM4P ", mpeg4 },
+    { "", 4, "ftypheic", picture },
+    { "", 4, "ftypheix", picture },
+    { "", 4, "ftypmif1", picture },
+    { "", 4, "ftypmsf1", picture },
+    { "", 4, "ftypavif", picture },
+    { "", 4, "ftyp", { Content::film, "a film", "MPEG-4 audio" } },
     { "RIFF", 8, "AVI ", film },
     { "\x1a\x45\xdf\xa3", 4, "", film },
-    { "ID3", 3, "", { Content::otherSound, "MPEG audio" } },
+    { "ID3\2", 4, "", mpegAudio },
+    { "ID3\3", 4, "", mpegAudio },
+    { "ID3\4", 4, "", mpegAudio },
     { "\xff\xf1", 2, "", { Content::otherSound, "AAC audio" } },
     { "\xff\xf9", 2, "", { Content::otherSound, "AAC audio" } },
-    { "caff", 4, "", { Content::otherSound, "Core Audio" } },
+    { "caff", 4, std::string_view ("\0\1", 2), { Content::otherSound, "Core Audio" } },
     { ".snd", 4, "", { Content::otherSound, "AU audio" } },
     { "riff\x2e\x91\xcf\x11", 8, "", { Content::otherSound, "Wave64 audio" } },
-    { "\x30\x26\xb2\x75", 4, "", { Content::otherSound, "Windows Media audio" } },
+    { "\x30\x26\xb2\x75", 4, "", { Content::film, "a film", "Windows Media audio" } },
     { "wvpk", 4, "", { Content::otherSound, "WavPack audio" } },
-    { "MAC ", 4, "", { Content::otherSound, "Monkey's Audio" } },
     { "TTA1", 4, "", { Content::otherSound, "True Audio" } },
     { "#!AMR", 5, "", { Content::otherSound, "AMR audio" } },
     { "DSD ", 4, "", { Content::otherSound, "DSD audio" } },
@@ -66,17 +75,15 @@ bool beginsAsMpegFrame (std::string_view bytes)
 }
 } // namespace
 
-FileKind kindOf (std::string_view bytes)
+FileKind kindOf (std::string_view bytes, const std::filesystem::path& path)
 {
-    for (const auto& beginning : beginnings)
-        if (bytes.starts_with (beginning.start) && bytes.size() >= beginning.offset
-            && bytes.substr (beginning.offset).starts_with (beginning.form))
-            return beginning.kind;
+    for (const auto& [start, offset, form, kind] : beginnings)
+        if (bytes.starts_with (start) && bytes.size() >= offset && bytes.substr (offset).starts_with (form))
+            return kind.content == Content::film && isNamedAsSound (path)
+                       ? FileKind { Content::otherSound, kind.nameOfSound }
+                       : kind;
 
-    if (beginsAsMpegFrame (bytes))
-        return { Content::otherSound, "MPEG audio" };
-
-    return { Content::noSound, "no sound" };
+    return beginsAsMpegFrame (bytes) ? mpegAudio : FileKind { Content::noSound, "no sound" };
 }
 
 std::string extensionIn (const std::filesystem::path& path)

@@ -21,13 +21,15 @@ struct FileKind
 {
     Content content;
     std::string_view name;
+    std::string_view nameOfSound {}; // of a film's kind, where the file's name says that it is sound alone
 };
 
 /** How many bytes of a file tell its kind. */
 inline constexpr std::size_t bytesOfKind = 12;
 
-/** The kind of a file with these first bytes, bytesOfKind of them or all that there are. */
-FileKind kindOf (std::string_view bytes);
+/** The kind of a file by its first bytes, bytesOfKind of them or all that there are. Its name tells sound from film
+   where the bytes do not. */
+FileKind kindOf (std::string_view bytes, const std::filesystem::path& path);
 
 /** Whether the ending of a name says that the file is a recording of sound, of whatever kind. */
 bool isNamedAsSound (const std::filesystem::path& path);

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -50,11 +51,13 @@ std::uint64_t numberIn (std::string_view bytes, std::size_t place, std::size_t w
     return number;
 }
 
-/** Whether a size is what programs write that do not know it: all ones, or next to the largest size of 31
-    bits, from which some subtract their header. */
+/** Whether a size is what programs write that do not know it: the largest of 32 bits or of 31, or 0x7f000000, from
+   which some subtract their header. */
 bool isUnknown (std::uint64_t size)
 {
-    return size == 0xffffffff || size == ~std::uint64_t { 0 } || (size >= 0x7f000000 && size <= 0x80010000);
+    const auto isNear = [size] (std::uint64_t largest) { return size + 0x1100 >= largest && size <= largest + 0x100; };
+    return isNear (0xffffffff) || isNear (0x80000000) || isNear (0x7f000000)
+           || size > static_cast<std::uint64_t> (std::numeric_limits<std::int64_t>::max());
 }
 
 constexpr std::int64_t chunkHeader = 8; // bytes: a name and a size

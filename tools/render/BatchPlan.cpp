@@ -205,7 +205,9 @@ void addFolder (const fs::path& folder, const CommandLine& call, BatchPlan& plan
     plan.leftOut.insert (plan.leftOut.end(), contents.leftOut.begin(), contents.leftOut.end());
     plan.withoutSound += contents.withoutSound;
 
-    if (contents.recordings.empty())
+    const auto isTheFolder = [&folder] (const LeftOut& left) { return left.path == folder; };
+
+    if (contents.recordings.empty() && std::none_of (contents.leftOut.begin(), contents.leftOut.end(), isTheFolder))
         plan.leftOut.push_back ({ .path = folder, .reason = "holds no WAV, FLAC, AIFF or Ogg file", .isFault = true });
 }
 

@@ -10,7 +10,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <string>
+#include <system_error>
 
 namespace larkspire::render
 {
@@ -24,15 +26,15 @@ bool isHidden (const fs::path& path)
     return path.filename().string().starts_with ('.');
 }
 
-/** The bytes that tell a file's kind; nullopt if it cannot be read. */
-std::optional<std::string> beginningOf (const fs::path& path)
+/** The bytes that tell a file's kind. Throws std::system_error if it cannot be read. */
+std::string beginningOf (const fs::path& path)
 {
     const FileDescriptor file (open (path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     std::string bytes (bytesOfKind, '\0');
     const auto count = file.isOpen() ? pread (file.get(), bytes.data(), bytes.size(), 0) : -1;
 
     if (count < 0)
-        return std::nullopt;
+        throw std::system_error (errno, std::generic_category());
 
     bytes.resize (static_cast<std::size_t> (count));
     return bytes;
@@ -97,13 +99,14 @@ struct Scan
     }
 
     void lookAtFile (const fs::path& path)
+    try
     {
         const auto beginning = beginningOf (path);
-        const auto kind = kindOf (beginning.value_or (""));
+        const auto kind = kindOf (beginning, path);
 
-        if (! beginning.has_value() || kind.content == Content::recording)
+        if (kind.content == Content::recording)
             contents.recordings.push_back (path.lexically_relative (root));
-        else if (beginning->empty() && isNamedAsSound (path))
+        else if (beginning.empty() && isNamedAsSound (path))
             leaveOut (path, "is empty", true);
         else if (kind.content == Content::otherSound || isNamedAsSound (path))
             leaveOut (path, "is " + adviceFor (kind), true);
@@ -111,6 +114,10 @@ struct Scan
             leaveOut (path, "is " + adviceFor (kind), false);
         else
             ++contents.withoutSound;
+    }
+    catch (const std::system_error& error)
+    {
+        leaveOut (path, "cannot be read: " + error.code().message(), isNamedAsSound (path));
     }
 
     void leaveOut (const fs::path& path, const std::string& reason, bool isFault)

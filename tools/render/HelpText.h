@@ -21,9 +21,9 @@ inline constexpr const char* helpFoot =
     R"(Results:
   With one recording OUT is the result. With several, with a folder, or where OUT is a folder or ends with a slash, the
   results are <name of IN>.wav or .flac in the folder OUT, which is made if it is missing. A folder as IN is taken with
-  all below it, and its tree is kept in OUT. What sounds in it by its name or its beginning and cannot be read is
-  reported, films and links to folders are named, other files are counted, all on standard error; hidden files and the
-  folder of the results are passed over.
+  all below it, and its tree is kept in OUT. Files that are sound by name or content but cannot be rendered are
+  reported, films and links to folders are named, other files are counted, all on standard error; hidden files and
+  the folder of the results are passed over.
 
   A result appears when it is complete; a file that has its name is replaced in one step. Results and inputs must all
   be different files; of recordings that would have one result none is rendered. Whole numbers are rounded to the
@@ -67,7 +67,8 @@ Pictures:
 
 Exit status:
   0      done
-  1      at least one file could not be rendered, or was cut off, or lacks its picture
+  1      at least one file could not be rendered, was cut off (but for --allow-truncated) or lacks its picture, or a
+         folder could not be read or holds sound that cannot be rendered
   2      the call makes no sense and nothing was done
   128+n  ended by signal n, as by Ctrl-C; nothing half-written stays
 

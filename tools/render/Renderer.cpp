@@ -104,6 +104,7 @@ RenderReport render (const PluginLibrary& library,
         progress (soFar);
     }
 
+    const auto analysis = measurement ? std::optional (measurement->analysis()) : std::nullopt;
     output.commit();
     const auto pictureFault = picture ? paint (*measurement, job, *picture) : std::nullopt;
     const auto seconds = double (framesDone) / rate;
@@ -115,7 +116,7 @@ RenderReport render (const PluginLibrary& library,
              .shape = shape,
              .seconds = seconds,
              .timesRealTime = seconds / secondsSince (start),
-             .analysis = measurement ? std::optional (measurement->analysis()) : std::nullopt };
+             .analysis = analysis };
 }
 
 } // namespace larkspire::render

@@ -10,7 +10,6 @@
 #include <ctime>
 #include <map>
 #include <sstream>
-#include <string_view>
 
 namespace juce
 {
@@ -46,12 +45,12 @@ String parameterText (float value)
     return text;
 }
 
-/** Whether a document would be taken in again: a value may have become longer by its references than the whole document
+/** Whether a state block would be taken in again: a value may have become longer by its references than the whole block
     was that it came from. */
-bool canBeRestored (const XmlElement& xml)
+bool canBeRestored (const MemoryBlock& block)
 {
-    const auto text = xml.toString (XmlElement::TextFormat().singleLine());
-    return larkspire::isWithinLimits (std::string_view (text.toRawUTF8(), text.getNumBytesAsUTF8()));
+    constexpr std::size_t ahead = 8; // bytes of the frame in front of the text; a zero is behind it
+    return larkspire::isWithinLimits ({ block.begin() + ahead, block.getSize() - ahead - 1 });
 }
 } // namespace
 
@@ -114,7 +113,7 @@ void AudioProcessorQuendal::getStateInformation (MemoryBlock& destData)
         settings.erase (parameter->paramID);
     }
 
-    const auto documentWith = [&] (const auto& isWanted)
+    const auto write = [&] (const auto& isWanted)
     {
         XmlElement document (parameters);
 
@@ -122,17 +121,15 @@ void AudioProcessorQuendal::getStateInformation (MemoryBlock& destData)
             if (isWanted (key))
                 document.setAttribute (Identifier (key), value);
 
-        return document;
+        copyXmlToBinary (document, destData);
     };
 
-    auto xml = documentWith ([] (const String&) { return true; });
+    write ([] (const String&) { return true; });
 
     // What others have left in the store stands back: a document beyond the limits would not even restore the
     // parameters.
-    if (! canBeRestored (xml))
-        xml = documentWith ([&] (const String& key) { return circumstances.contains (key); });
-
-    copyXmlToBinary (xml, destData);
+    if (! canBeRestored (destData))
+        write ([&] (const String& key) { return circumstances.contains (key); });
 }
 
 } // namespace juce

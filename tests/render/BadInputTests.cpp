@@ -20,6 +20,8 @@ TEST_F (BadInput, IsReportedWithItsReason)
     ASSERT_EQ (mkfifo ((folder / "pipe.wav").c_str(), 0600), 0);
     writeBytes (folder / "text.wav", "This is no sound.\n");
     writeBytes (folder / "short.flac", "fL");
+    writeBytes (folder / "film.riff", "RIFFand then something else entirely, at some length");
+    writeBytes (folder / "picture.iff", "FORMand then something else entirely, at some length");
     writeBytes (folder / "picture.png", "\x89PNG\r\n\x1a\n");
 
     // Two beginnings that a decoder of MPEG audio takes for its own.
@@ -55,6 +57,8 @@ TEST_F (BadInput, IsReportedWithItsReason)
            { "pipe.wav", "is not a regular file" },
            { "text.wav", noAudio },
            { "short.flac", noAudio },
+           { "film.riff", noAudio },
+           { "picture.iff", noAudio },
            { "picture.png", noAudio },
            { "sixteen-bit-text.txt", noAudio },
            { "layer-3.mp3", "is MPEG audio" + convert },
@@ -70,6 +74,10 @@ TEST_F (BadInput, IsReportedWithItsReason)
 
     EXPECT_EQ (expectFailure (1, { "folder.wav", "-o", "results" }),
                "folder.wav: holds no WAV, FLAC, AIFF or Ogg file\n");
+    writeBytes (folder / "folder.wav/text.txt", "no sound");
+    EXPECT_EQ (runHere ({ "folder.wav", "-o", "results" }).errors,
+               "larkspire-render: folder.wav: holds no WAV, FLAC, AIFF or Ogg file\n"
+               "larkspire-render: 1 file without sound left out\n");
 }
 
 TEST_F (BadInput, ThatBeginsLikeAudioAndIsNoneIsReported)

@@ -154,6 +154,8 @@ TEST_F (Report, MeasuresWhatIsInTheFiles)
     const auto at16Bits = [this] (const std::string& input)
     {
         const auto outcome = runHere ({ "--json", "--mode", "bypass", "--bits", "16", input, "-o", "result.wav" });
+        EXPECT_EQ (outcome.exitStatus, 0);
+        EXPECT_THAT (outcome.errors, testing::EndsWith ("samples rounded to 16 bits; --bits 32f keeps them\n"));
         return json::parse (outcome.output).at ("results");
     };
 

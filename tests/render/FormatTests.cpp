@@ -98,7 +98,12 @@ TEST_F (Formats, RoundsToTheNearestAndLimitsToFullScale)
                  wavFloat,
                  1,
                  { 0.4f * step, 0.6f * step, -0.6f * step, 100.4f * step, 0.99999f, 1.0f, 1.5f, -1.0f, -1.5f, 19.0f });
-    runHere ({ "--mode", "bypass", "--bits", "16", "voice.wav", "-o", "result.wav" });
+    const auto outcome = runHere ({ "--mode", "bypass", "--bits", "16", "voice.wav", "-o", "result.wav" });
+    EXPECT_EQ (outcome.exitStatus, 0);
+    EXPECT_EQ (outcome.output, "");
+    EXPECT_EQ (outcome.errors,
+               "larkspire-render: result.wav: 3 samples beyond full scale clipped; --bits 32f keeps them\n"
+               "larkspire-render: result.wav: 6 samples rounded to 16 bits; --bits 32f keeps them\n");
 
     std::vector<int> wholeNumbers;
 

@@ -71,6 +71,8 @@ TEST_F (Stats, MeasureTheResultAndNotTheInput)
     {
         const auto outcome =
             runHere ({ "--stats", "--mode", "bypass", "--bits", bits, "loud.wav", "-o", "result.wav" });
+        EXPECT_EQ (outcome.exitStatus, 0);
+        EXPECT_EQ (outcome.errors.empty(), bits == std::string ("32f")) << outcome.errors;
         EXPECT_NEAR (statsIn (outcome.output).peak, peak, 0.006);
     }
 }

@@ -177,6 +177,21 @@ TEST_F (Truncation, IsNotSeenInAFileThatCouldNotStateItsLength)
     }
 }
 
+TEST_F (Truncation, IsSeenAlsoOfFilesThatAreNearlyTooLargeForTheirHeaders)
+{
+    // Recorders that begin a new file at two gigabytes come within a hundred kilobytes of that.
+    for (const std::string_view size : { std::string_view ("\xff\xee\xff\x7e", 4),
+                                         std::string_view ("\0\0\xfe\x7f", 4),
+                                         std::string_view ("\xff\xee\xff\x7f", 4),
+                                         std::string_view ("\1\1\0\x80", 4),
+                                         std::string_view ("\0\xee\xff\xff", 4) })
+    {
+        writeSecond ({ "voice.wav", wav16, 1 });
+        stateDataSize ("voice.wav", size);
+        EXPECT_EQ (runHere ({ "voice.wav", "-o", "result.wav" }).exitStatus, 1);
+    }
+}
+
 TEST_F (Truncation, OfTheHeaderAloneIsAnError)
 {
     // A recorder that lost its power has never written the length, and libsndfile finds no sound there.

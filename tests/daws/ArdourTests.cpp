@@ -54,7 +54,7 @@ Channels startOf (const Channels& channels)
 
 /** What an export has to be, going by its start. The library's gains move in silence too, and ahead of the start Ardour
     runs the plug-in on silence: for the lead-in of an export, and for some blocks while the engine gets going. The
-   start of the sound tells how many those were; with that number every frame has to be right. */
+    start of the sound tells how many those were; with that number every frame has to be right. */
 Channels expectedFor (const Channels& exported, const Channels& input, int index)
 {
     for (std::size_t blocks = 0; blocks < 200; ++blocks)

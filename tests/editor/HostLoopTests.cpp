@@ -61,7 +61,7 @@ public:
 };
 
 /** A descriptor that is ready whenever JUCE asks, so that each pass over all that is ready makes one call. Not for
-   ever: a host that never gets its thread back would be a test that never ends. */
+    ever: a host that never gets its thread back would be a test that never ends. */
 class AlwaysReady
 {
 public:

@@ -9,7 +9,7 @@
 #include <dlfcn.h>
 
 /** GLib with its default context, loaded as hosts load it: all libraries of the process see it, and it stays. Tests
-   that have it run in a process of their own. */
+    that have it run in a process of their own. */
 class GLib
 {
 public:

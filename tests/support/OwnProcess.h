@@ -8,7 +8,7 @@
 #include <iostream>
 
 /** Does something in a process of its own, and expects that what it expects holds and that it ends by itself. The
-   process starts the test program anew and comes to this test alone. */
+    process starts the test program anew and comes to this test alone. */
 inline void expectInItsOwnProcess (const std::function<void()>& act)
 {
     const auto actAndExit = [&]

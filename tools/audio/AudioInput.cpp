@@ -56,18 +56,15 @@ void checkTheKindOfFile (const std::filesystem::path& path, int descriptor)
 /** Why libsndfile could not open a file. Of what it does not know in an Ogg file it says no more than that. */
 std::string reasonOf (int descriptor)
 {
-    constexpr std::size_t page = 28; // bytes: the header of a page with one segment
-    std::array<char, page + 8> bytes {};
+    constexpr std::size_t header = 28; // bytes of an Ogg page with one segment
+    std::array<char, header + 8> bytes {};
     const auto count = pread (descriptor, bytes.data(), bytes.size(), 0);
-    const auto packet = std::string_view (bytes.data(), static_cast<std::size_t> (std::max<ssize_t> (count, page)));
+    const std::string_view page (bytes.data(), static_cast<std::size_t> (std::max<ssize_t> (count, header)));
 
-    for (const auto& [beginning, name] : { std::pair<std::string_view, std::string> { "\x7f"
-                                                                                      "FLAC",
-                                                                                      "FLAC" },
-                                           { "Speex", "Speex" },
-                                           { "\x80theora", "a film" } })
-        if (packet.starts_with ("OggS") && packet.substr (page).starts_with (beginning))
-            return "holds " + name
+    for (const auto& [beginning, name] :
+         { std::pair { "\177FLAC", "FLAC" }, { "Speex", "Speex" }, { "\200theora", "a film" } })
+        if (page.starts_with ("OggS") && page.substr (header).starts_with (beginning))
+            return std::string ("holds ") + name
                    + " in an Ogg file, which cannot be read here: convert it first, for example with ffmpeg";
 
     return std::string ("cannot be read as audio: ") + sf_strerror (nullptr);

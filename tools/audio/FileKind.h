@@ -28,7 +28,7 @@ struct FileKind
 inline constexpr std::size_t bytesOfKind = 12;
 
 /** The kind of a file by its first bytes, bytesOfKind of them or all that there are. Its name tells sound from film
-   where the bytes do not. */
+    where the bytes do not. */
 FileKind kindOf (std::string_view bytes, const std::filesystem::path& path);
 
 /** Whether the ending of a name says that the file is a recording of sound, of whatever kind. */

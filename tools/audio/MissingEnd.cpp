@@ -52,7 +52,7 @@ std::uint64_t numberIn (std::string_view bytes, std::size_t place, std::size_t w
 }
 
 /** Whether a size is what programs write that do not know it: the largest of 32 bits or of 31, or 0x7f000000, from
-   which some subtract their header. */
+    which some subtract their header. */
 bool isUnknown (std::uint64_t size)
 {
     const auto isNear = [size] (std::uint64_t largest) { return size + 0x1100 >= largest && size <= largest + 0x100; };

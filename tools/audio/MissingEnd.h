@@ -15,8 +15,8 @@ struct MissingEnd
 };
 
 /** Looks whether a WAV, AIFF or Ogg file ends before its sound does, for instance one recorded onto a full card or
-   copied while it was being recorded: in the middle of what its header states, or without the page that ends an Ogg
-   stream. A header that states no sound in front of bytes that are no chunk was never completed.
+    copied while it was being recorded: in the middle of what its header states, or without the page that ends an Ogg
+    stream. A header that states no sound in front of bytes that are no chunk was never completed.
 
     nullopt for a file that is whole, also for one that was written into a pipe and so could not state its length, and
     for other kinds: FLAC says itself when it cannot be read on.

@@ -6,9 +6,9 @@
 namespace larkspire
 {
 
-/** Keeps JUCE inside the plug-in from connecting to an X server, as it does when a library is loaded, without DISPLAY
-   to the server :0: a program that needs no window would end with a server that is not its own. No server can have the
-   name that DISPLAY gets.
+/** Keeps JUCE inside the plug-in from connecting to an X server: to the one that DISPLAY names, and to :0 without it. A
+    program that needs no window would end with a server that is not its own. No server can have the name that DISPLAY
+    gets.
 
     To be called first of all in a program: the environment is nothing that threads may share. */
 inline void useNoDisplay()

@@ -12,7 +12,7 @@ namespace larkspire::meter
 {
 
 /** The level of the quietest tenth of a sound: the 10th percentile of the RMS levels of 50 ms windows, in dBFS. Of
-   speech in a room that is the noise between words. Where there is none it is the tails of the words.
+    speech in a room that is the noise between words. Where there is none it is the tails of the words.
 
     The windows follow each other without a gap or an overlap, and one takes all channels together; an unfinished one at
     the end does not count. The percentile is that of the nearest rank: the lowest level that a tenth of the windows do

@@ -19,8 +19,8 @@ namespace larkspire::render
 
     A job has its turn when all before it are finished. Its progress is on the terminal while it has its turn and runs;
     its line of stats and what there is to warn of, or the reason why it failed, follow when it is finished, and an
-   input's report follows the last of its jobs. Jobs are begun in their order, and each that is begun is finished. Any
-   thread may call.
+    input's report follows the last of its jobs. Jobs are begun in their order, and each that is begun is finished. Any
+    thread may call.
 */
 class Announcer
 {

@@ -35,8 +35,8 @@ setup: ## installs what the build needs from Debian's archive
 configure: setup
 	$(call configure-preset,$(PRESET))
 
-build: configure ## the library and the renderer, in dist/linux
-	@cmake --build --preset $(PRESET) --target Larkspire_VST larkspire-render
+build: configure ## the libraries and the renderer, in dist/linux
+	@cmake --build --preset $(PRESET) --target Larkspire_VST Larkspire_VST3 larkspire-render
 
 demo: build ## renders a real voice in all four modes into demo/
 	@scripts/demo
@@ -115,10 +115,12 @@ test-hosts: ## installs real DAWs and runs the library in them, without a window
 	@cmake --build --preset $(PRESET) --target larkspire-daw-tests
 	@build/$(PRESET)/tests/daws/larkspire-daw-tests
 
-windows: ## the Windows library, cross-built, in dist/windows
+# The Windows bundle is described by the Linux one, which says the same and can be asked here.
+windows: configure ## the Windows libraries, cross-built, in dist/windows
+	@cmake --build --preset $(PRESET) --target Larkspire_VST3
 	@scripts/windows/setup
 	$(call configure-preset,windows)
-	@cmake --build --preset windows --target Larkspire_VST larkspire-windows-host
+	@cmake --build --preset windows --target Larkspire_VST Larkspire_VST3 larkspire-windows-host
 
 test-windows: windows configure ## reads the Windows library's file and runs it under Wine
 	@cmake --build --preset $(PRESET) --target larkspire-windows-tests

@@ -9,6 +9,11 @@ std::string plugin()
     return LARKSPIRE_PLUGIN_PATH;
 }
 
+std::string vst3()
+{
+    return LARKSPIRE_VST3_PATH;
+}
+
 std::string latencyPlugin()
 {
     return LARKSPIRE_LATENCY_PLUGIN_PATH;

@@ -8,7 +8,8 @@
 namespace paths
 {
 
-std::string plugin(); // the built library
+std::string plugin(); // the built VST 2 library
+std::string vst3();   // the built VST 3 bundle, a folder
 std::string latencyPlugin();
 std::string standIn();      // what the renderer can be given in place of the plug-in
 std::string otherLibrary(); // a library that is no plug-in

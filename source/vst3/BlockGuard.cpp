@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#include "vst3/BlockGuard.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+using namespace Steinberg;
+
+namespace larkspire
+{
+
+namespace
+{
+constexpr int32 shortestAnnouncement = 1024;
+constexpr int32 longestAnnouncement = 65536; // beyond it a block is cut, and no host's number fills the memory
+constexpr std::size_t mostChannels = 2;
+
+bool isSane (const Vst::AudioBusBuffers& bus)
+{
+    if (bus.numChannels == 0)
+        return true;
+
+    if (bus.numChannels < 0 || bus.numChannels > static_cast<int32> (mostChannels) || bus.channelBuffers32 == nullptr)
+        return false;
+
+    return std::all_of (
+        bus.channelBuffers32, bus.channelBuffers32 + bus.numChannels, [] (const auto* c) { return c != nullptr; });
+}
+
+bool isSane (const Vst::AudioBusBuffers* buses, int32 count)
+{
+    return count == 0 || (count == 1 && buses != nullptr && isSane (*buses));
+}
+
+template <typename Sample>
+void clear (Sample** channels, int32 channelCount, int32 frames)
+{
+    for (int32 i = 0; channels != nullptr && i < channelCount; ++i)
+        if (channels[i] != nullptr)
+            std::fill_n (channels[i], frames, Sample {});
+}
+
+void clearOutputs (const Vst::ProcessData& data)
+{
+    for (int32 i = 0; data.outputs != nullptr && i < data.numOutputs; ++i)
+        if (auto& bus = data.outputs[i]; data.symbolicSampleSize == Vst::kSample64)
+            clear (bus.channelBuffers64, bus.numChannels, data.numSamples);
+        else
+            clear (bus.channelBuffers32, bus.numChannels, data.numSamples);
+}
+
+/** A piece of a bus: its channels from a frame on. */
+struct BusPiece
+{
+    void start (const Vst::AudioBusBuffers& whole, int32 frame)
+    {
+        bus = whole;
+
+        for (int32 i = 0; i < whole.numChannels; ++i)
+            channels[static_cast<std::size_t> (i)] = whole.channelBuffers32[i] + frame;
+
+        bus.channelBuffers32 = channels.data();
+    }
+
+    Vst::AudioBusBuffers bus;
+    std::array<Vst::Sample32*, mostChannels> channels {};
+};
+} // namespace
+
+tresult PLUGIN_API BlockGuard::queryInterface (const TUID id, void** object)
+{
+    return inner->queryInterface (id, object);
+}
+
+tresult PLUGIN_API BlockGuard::setBusArrangements (Vst::SpeakerArrangement* inputs,
+                                                   int32 numIns,
+                                                   Vst::SpeakerArrangement* outputs,
+                                                   int32 numOuts)
+{
+    return inner->setBusArrangements (inputs, numIns, outputs, numOuts);
+}
+
+tresult PLUGIN_API BlockGuard::getBusArrangement (Vst::BusDirection direction,
+                                                  int32 index,
+                                                  Vst::SpeakerArrangement& arrangement)
+{
+    return inner->getBusArrangement (direction, index, arrangement);
+}
+
+tresult PLUGIN_API BlockGuard::canProcessSampleSize (int32 symbolicSampleSize)
+{
+    return inner->canProcessSampleSize (symbolicSampleSize);
+}
+
+tresult PLUGIN_API BlockGuard::setupProcessing (Vst::ProcessSetup& setup)
+{
+    auto bounded = setup;
+    bounded.maxSamplesPerBlock = std::clamp (setup.maxSamplesPerBlock, shortestAnnouncement, longestAnnouncement);
+    const auto result = inner->setupProcessing (bounded);
+
+    if (result == kResultTrue)
+        longestPiece = bounded.maxSamplesPerBlock;
+
+    return result;
+}
+
+tresult PLUGIN_API BlockGuard::setProcessing (TBool state)
+{
+    return inner->setProcessing (state);
+}
+
+tresult BlockGuard::processParametersOf (const Vst::ProcessData& data)
+{
+    auto parameters = data;
+    parameters.symbolicSampleSize = Vst::kSample32;
+    parameters.numSamples = parameters.numInputs = parameters.numOutputs = 0;
+    parameters.inputs = parameters.outputs = nullptr;
+    return inner->process (parameters);
+}
+
+tresult PLUGIN_API BlockGuard::process (Vst::ProcessData& data)
+{
+    if (data.numSamples < 0)
+        return kInvalidArgument;
+
+    if (data.symbolicSampleSize != Vst::kSample32 || ! isSane (data.inputs, data.numInputs)
+        || ! isSane (data.outputs, data.numOutputs))
+    {
+        clearOutputs (data);
+        return processParametersOf (data);
+    }
+
+    if (data.numSamples <= longestPiece)
+        return inner->process (data);
+
+    auto piece = data;
+    BusPiece input;
+    BusPiece output;
+
+    for (int32 done = 0; done < data.numSamples; done += piece.numSamples)
+    {
+        piece.numSamples = std::min (longestPiece, data.numSamples - done);
+
+        if (data.numInputs == 1)
+        {
+            input.start (data.inputs[0], done);
+            piece.inputs = &input.bus;
+        }
+
+        if (data.numOutputs == 1)
+        {
+            output.start (data.outputs[0], done);
+            piece.outputs = &output.bus;
+        }
+
+        if (const auto result = inner->process (piece); result != kResultTrue)
+            return result;
+
+        piece.inputParameterChanges = nullptr;
+    }
+
+    return kResultTrue;
+}
+
+} // namespace larkspire

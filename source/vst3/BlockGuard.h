@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#pragma once
+
+#include <pluginterfaces/vst/ivstaudioprocessor.h>
+
+namespace larkspire
+{
+
+/** Stands between a host and JUCE's VST 3 wrapper, which trusts the host: its buffers are as long as the announced
+    block, and a longer one would be written past their end.
+
+    A longer block goes on in pieces, its parameter changes with the first. Of what cannot be processed, samples
+    of 64 bits, which were refused, or other channels than one or two, only the parameter changes go on: it comes out
+    silent.
+*/
+class BlockGuard : public Steinberg::Vst::IAudioProcessor
+{
+public:
+    virtual ~BlockGuard() = default;
+
+    /** The wrapper's own interface, which lives as long as hosts have this one. */
+    void guard (IAudioProcessor& wrapper) { inner = &wrapper; }
+
+    Steinberg::tresult PLUGIN_API queryInterface (const Steinberg::TUID id, void** object) override;
+    Steinberg::uint32 PLUGIN_API addRef() override { return inner->addRef(); }
+    Steinberg::uint32 PLUGIN_API release() override { return inner->release(); }
+
+    Steinberg::tresult PLUGIN_API setBusArrangements (Steinberg::Vst::SpeakerArrangement* inputs,
+                                                      Steinberg::int32 numIns,
+                                                      Steinberg::Vst::SpeakerArrangement* outputs,
+                                                      Steinberg::int32 numOuts) override;
+    Steinberg::tresult PLUGIN_API getBusArrangement (Steinberg::Vst::BusDirection direction,
+                                                     Steinberg::int32 index,
+                                                     Steinberg::Vst::SpeakerArrangement& arrangement) override;
+    Steinberg::tresult PLUGIN_API canProcessSampleSize (Steinberg::int32 symbolicSampleSize) override;
+    Steinberg::uint32 PLUGIN_API getLatencySamples() override { return inner->getLatencySamples(); }
+    Steinberg::tresult PLUGIN_API setupProcessing (Steinberg::Vst::ProcessSetup& setup) override;
+    Steinberg::tresult PLUGIN_API setProcessing (Steinberg::TBool state) override;
+    Steinberg::tresult PLUGIN_API process (Steinberg::Vst::ProcessData& data) override;
+    Steinberg::uint32 PLUGIN_API getTailSamples() override { return inner->getTailSamples(); }
+
+private:
+    /** Hands a block's parameter changes on without its sound. */
+    Steinberg::tresult processParametersOf (const Steinberg::Vst::ProcessData& data);
+
+    IAudioProcessor* inner = nullptr;
+    Steinberg::int32 longestPiece = 1024; // what the wrapper's buffers hold before a host has announced anything
+};
+
+} // namespace larkspire

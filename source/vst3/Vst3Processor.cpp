@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#include "vst3/Vst3Processor.h"
+
+#include "editor/WineRendering.h"
+#include "vst3/PositionParameter.h"
+#include "vst3/Vst3Editor.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace larkspire
+{
+
+Vst3Processor::Vst3Processor()
+{
+    // The base class leaves JUCE's default buses, which are off, and only the VST 2 wrapper turns them on by itself.
+    enableAllBuses();
+
+    auto parameter = std::make_unique<PositionParameter> (*modeParameter);
+    modeParameter = parameter.get();
+    juce::AudioProcessorParameterGroup tree;
+    tree.addChild (std::move (parameter));
+    setParameterTree (std::move (tree));
+}
+
+juce::AudioProcessorEditor* Vst3Processor::createEditor()
+{
+    auto editor = std::make_unique<Vst3Editor> (this);
+    drawInSoftwareUnderWine (*editor);
+    return editor.release();
+}
+
+void Vst3Processor::processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi)
+{
+    if (buffer.getNumChannels() < std::max (getTotalNumInputChannels(), getTotalNumOutputChannels()))
+        buffer.clear();
+    else
+        LarkspireAudioProcessor::processBlock (buffer, midi);
+}
+
+std::vector<juce::VST3ClientExtensions::InterfaceId> Vst3Processor::getCompatibleClasses() const
+{
+    return { convertVST2PluginId (JucePlugin_VSTUniqueID, JucePlugin_Name, InterfaceType::component) };
+}
+
+std::map<std::uint32_t, juce::String> Vst3Processor::getCompatibleParameterIds (const InterfaceId&) const
+{
+    return { { 0u, modeParameter->paramID } };
+}
+
+std::int32_t Vst3Processor::queryIAudioProcessor (const Steinberg::TUID id, void** object)
+{
+    // JUCE's wrapper makes itself the play head, and is the only way from here to its own interface.
+    auto* const wrapper = dynamic_cast<Steinberg::Vst::IAudioProcessor*> (getPlayHead());
+
+    if (wrapper == nullptr || ! Steinberg::FUnknownPrivate::iidEqual (id, Steinberg::Vst::IAudioProcessor_iid))
+        return Steinberg::kNoInterface;
+
+    blockGuard.guard (*wrapper);
+    blockGuard.addRef();
+    *object = static_cast<Steinberg::Vst::IAudioProcessor*> (&blockGuard);
+    return Steinberg::kResultOk;
+}
+
+} // namespace larkspire

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "Vst2.h"
+#include "host/DynamicLibrary.h"
 
 #include <filesystem>
-#include <memory>
 
 namespace larkspire
 {
@@ -32,14 +32,9 @@ public:
     const std::filesystem::path& path() const noexcept { return libraryPath; }
 
 private:
-    struct Unload
-    {
-        void operator() (void* handle) const noexcept;
-    };
-
     std::filesystem::path libraryPath;
-    std::unique_ptr<void, Unload> handle;
-    EntryPoint entry = nullptr;
+    DynamicLibrary library;
+    EntryPoint entry;
 };
 
 } // namespace larkspire

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+#include "support/PluginUnderTest.h"
+
+#include "support/Paths.h"
+#include "support/RawHost.h"
+#include "support/vst3/Vst3Instance.h"
+
+#include <stdexcept>
+
+namespace
+{
+class ByVst2 : public PluginUnderTest
+{
+public:
+    ByVst2() { host.stopLogging(); }
+
+    void setParameter (float value) override { host.setParameter (value); }
+    float getParameter() override { return host.getParameter(); }
+    void setBypass (bool isBypassed) override { host.dispatch (Vst2::effSetBypass, 0, isBypassed ? 1 : 0); }
+    bool setChannels (int channels) override { return host.setChannels (channels); }
+    void prepare (float sampleRate, int blockSize) override { host.prepare (sampleRate, blockSize); }
+    void resume() override { host.resume(); }
+    void suspend() override { host.suspend(); }
+    std::string save() override { return host.chunk(); }
+    void load (const std::string& state) override { host.setChunk (state); }
+
+    void process (float* const* inputs, float* const* outputs, std::size_t frames) override
+    {
+        host.process (inputs, outputs, frames);
+    }
+
+private:
+    RawHost host;
+};
+
+class ByVst3 : public PluginUnderTest
+{
+public:
+    void setParameter (float value) override { instance.setParameter (instance.modeId(), static_cast<double> (value)); }
+    float getParameter() override { return static_cast<float> (instance.getParameter (instance.modeId())); }
+    void setBypass (bool isBypassed) override { instance.setParameter (instance.bypassId(), isBypassed ? 1.0 : 0.0); }
+    bool setChannels (int channels) override { return instance.setChannels (channels); }
+    void resume() override { instance.activate(); }
+    void suspend() override { instance.deactivate(); }
+    std::string save() override { return instance.save(); }
+    void load (const std::string& state) override { instance.load (state); }
+
+    void prepare (float sampleRate, int blockSize) override
+    {
+        if (! instance.setUp (static_cast<double> (sampleRate), blockSize))
+            throw std::runtime_error ("the plug-in refused its set-up");
+    }
+
+    void process (float* const* inputs, float* const* outputs, std::size_t frames) override
+    {
+        instance.process (inputs, outputs, frames);
+    }
+
+private:
+    Vst3Module module { paths::vst3() };
+    Vst3Instance instance { module };
+};
+} // namespace
+
+void PluginUnderTest::start (float rate, int blockSize, bool mono)
+{
+    if (! setChannels (mono ? 1 : 2))
+        throw std::runtime_error ("the plug-in refused its layout");
+
+    prepare (rate, blockSize);
+    resume();
+}
+
+void PluginUnderTest::process (Signal& signal, std::size_t from, std::size_t frames)
+{
+    float* const channels[] = { signal.left.data() + from, signal.right.data() + from };
+    process (channels, channels, frames);
+}
+
+std::unique_ptr<PluginUnderTest> openPlugin (Format format)
+{
+    if (format == Format::vst2)
+        return std::make_unique<ByVst2>();
+
+    return std::make_unique<ByVst3>();
+}
+
+std::string libraryPath (Format format)
+{
+    return format == Format::vst2 ? paths::plugin() : Vst3Module::libraryOf (paths::vst3()).string();
+}

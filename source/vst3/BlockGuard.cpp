@@ -119,10 +119,15 @@ tresult BlockGuard::processParametersOf (const Vst::ProcessData& data)
     return inner->process (parameters);
 }
 
-tresult PLUGIN_API BlockGuard::process (Vst::ProcessData& data)
+tresult PLUGIN_API BlockGuard::process (Vst::ProcessData& fromHost)
 {
-    if (data.numSamples < 0)
+    if (fromHost.numSamples < 0)
         return kInvalidArgument;
+
+    auto data = fromHost;
+
+    if (knobChanges)
+        data.inputParameterChanges = knobChanges->take (fromHost.inputParameterChanges);
 
     if (data.symbolicSampleSize != Vst::kSample32 || ! isSane (data.inputs, data.numInputs)
         || ! isSane (data.outputs, data.numOutputs))

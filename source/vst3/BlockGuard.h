@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include "vst3/KnobChanges.h"
+
 #include <pluginterfaces/vst/ivstaudioprocessor.h>
+
+#include <optional>
 
 namespace larkspire
 {
@@ -20,6 +24,9 @@ public:
 
     /** The wrapper's own interface, which lives as long as hosts have this one. */
     void guard (IAudioProcessor& wrapper) { inner = &wrapper; }
+
+    /** The parameter whose changes are taken here and do not reach the wrapper; it must outlive this. */
+    void takeChangesOf (juce::AudioParameterFloat& knob) { knobChanges.emplace (knob); }
 
     Steinberg::tresult PLUGIN_API queryInterface (const Steinberg::TUID id, void** object) override;
     Steinberg::uint32 PLUGIN_API addRef() override { return inner->addRef(); }
@@ -44,6 +51,7 @@ private:
     Steinberg::tresult processParametersOf (const Steinberg::Vst::ProcessData& data);
 
     IAudioProcessor* inner = nullptr;
+    std::optional<KnobChanges> knobChanges;
     Steinberg::int32 longestPiece = 1024; // what the wrapper's buffers hold before a host has announced anything
 };
 

@@ -21,6 +21,7 @@ Vst3Processor::Vst3Processor()
     juce::AudioProcessorParameterGroup tree;
     tree.addChild (std::move (parameter));
     setParameterTree (std::move (tree));
+    blockGuard.takeChangesOf (*modeParameter);
 }
 
 juce::AudioProcessorEditor* Vst3Processor::createEditor()

@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // What the audio thread must not do: allocate, lock, call the system.
 #include "library/RealTimeHooks.h"
+#include "support/PluginUnderTest.h"
 #include "support/RawHost.h"
-#include "support/Signals.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <memory>
 #include <pthread.h>
 #include <semaphore.h>
 #include <sys/syscall.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace
@@ -18,26 +20,51 @@ namespace
 constexpr std::size_t locksOfJucePerBlock = 1;
 
 /** Processes a block of this many frames and expects it to be free of all that an audio thread must not do. */
-void expectRealTimeBlock (RawHost& host, Signal& signal, std::size_t from, std::size_t frames, const std::string& when)
+void expectRealTimeBlock (PluginUnderTest& plugin,
+                          Signal& signal,
+                          std::size_t from,
+                          std::size_t frames,
+                          const std::string& when,
+                          std::size_t locks = locksOfJucePerBlock)
 {
     RealTimeScope scope;
-    host.process (signal.left, signal.right, from, frames);
+    plugin.process (signal, from, frames);
     const auto counts = scope.stop();
     EXPECT_EQ (counts.allocations, 0u) << when;
-    EXPECT_EQ (counts.locks, locksOfJucePerBlock) << when;
+    EXPECT_EQ (counts.locks, locks) << when;
     EXPECT_EQ (counts.systemCalls, 0u) << when << ", system call number " << counts.firstSystemCall;
 }
 
 // The first block is JUCE's warm-up: the C library binds functions as they are first called.
-void warmUp (RawHost& host)
+void warmUp (PluginUnderTest& plugin)
 {
-    host.stopLogging(); // it locks and allocates, and is nothing of the plug-in's
     Signal signal = noise (64, -20.0, 1);
-    host.process (signal.left, signal.right, 0, 64);
+    plugin.process (signal, 0, 64);
 }
 
-class RealTime : public testing::TestWithParam<int>
+/** What a block may lock at whose start the host's bypass changes: in VST 3 that is a parameter of JUCE's wrapper, which
+    tells its listeners under a lock. */
+std::size_t locksOfABypassChange (Format format)
 {
+    return locksOfJucePerBlock + (format == Format::vst3 ? 1 : 0);
+}
+
+/** By every interface, at every position. */
+class RealTime : public testing::TestWithParam<std::tuple<Format, int>>
+{
+protected:
+    static Format format() { return std::get<0> (GetParam()); }
+    static int position() { return std::get<1> (GetParam()); }
+
+    /** An instance at the position, running, its warm-up behind it. */
+    static std::unique_ptr<PluginUnderTest> running (float rate = 48000.0f, int blockSize = 4096, bool mono = false)
+    {
+        auto plugin = openPlugin (format());
+        plugin->setParameter (knobPosition (position()));
+        plugin->start (rate, blockSize, mono);
+        warmUp (*plugin);
+        return plugin;
+    }
 };
 
 constexpr std::array rates { 1234.5678f, 8000.0f,   11025.0f,  12000.0f,  16000.0f,  22050.0f, 24000.0f,
@@ -49,8 +76,9 @@ constexpr std::array<std::size_t, 18> blockSizes { 0,   1,   2,   15,  16,   17,
 
 /** Once through every block size, the parameter, the host's bypass and the soundness of the samples changing between.
  */
-void expectRealTimeMatrix (RawHost& host, int position, float rate, bool mono)
+void expectRealTimeMatrix (PluginUnderTest& plugin, Format format, int position, float rate, bool mono)
 {
+    bool wasBypassed = false;
     constexpr std::size_t longest = blockSizes.back();
     static const auto clean = noise (longest, 0.0, 2);
     static const auto bad = withBadSamples (noise (longest, 0.0, 5));
@@ -61,15 +89,17 @@ void expectRealTimeMatrix (RawHost& host, int position, float rate, bool mono)
                 for (const int newPosition : { position, position + 1 })
                 {
                     auto signal = isBad ? bad : clean;
-                    host.setParameter (knobPosition (newPosition));
-                    host.dispatch (Vst2::effSetBypass, 0, bypassed ? 1 : 0);
-                    expectRealTimeBlock (host,
+                    plugin.setParameter (knobPosition (newPosition));
+                    plugin.setBypass (bypassed);
+                    expectRealTimeBlock (plugin,
                                          signal,
                                          0,
                                          frames,
                                          std::to_string (frames) + " frames at " + std::to_string (rate) + " Hz"
                                              + (mono ? ", mono" : ", stereo") + (isBad ? ", bad samples" : "")
-                                             + (bypassed ? ", host bypass" : ""));
+                                             + (bypassed ? ", host bypass" : ""),
+                                         bypassed == wasBypassed ? locksOfJucePerBlock : locksOfABypassChange (format));
+                    wasBypassed = bypassed;
                 }
 }
 
@@ -78,65 +108,58 @@ TEST_P (RealTime, HoldsForEveryRateBlockSizeLayoutChangeBypassAndBadSample)
     for (const float rate : rates)
         for (const bool mono : { false, true })
         {
-            RawHost host;
-            host.setParameter (knobPosition (GetParam()));
-            host.start (rate, static_cast<int> (blockSizes.back()), mono);
-            warmUp (host);
-            expectRealTimeMatrix (host, GetParam(), rate, mono);
+            const auto plugin = running (rate, static_cast<int> (blockSizes.back()), mono);
+            expectRealTimeMatrix (*plugin, format(), position(), rate, mono);
         }
 }
 
 TEST_P (RealTime, HoldsAtAChangeOfModeAndAtTheWrapOfTheRefreshCounter)
 {
-    RawHost host;
-    host.setParameter (knobPosition (GetParam()));
-    host.start (48000.0f);
-    warmUp (host);
+    const auto plugin = running();
     auto signal = noise (4096, -12.0, 3);
 
     for (int mode = 0; mode < 10; ++mode)
     {
-        host.setParameter (knobPosition (mode));
-        expectRealTimeBlock (host, signal, 0, 256, "change to " + std::to_string (mode));
+        plugin->setParameter (knobPosition (mode));
+        expectRealTimeBlock (*plugin, signal, 0, 256, "change to " + std::to_string (mode));
     }
 
     for (int block = 0; block < 33; ++block) // past 2 * 65536 frames
-        expectRealTimeBlock (host, signal, 0, 4096, "block " + std::to_string (block));
+        expectRealTimeBlock (*plugin, signal, 0, 4096, "block " + std::to_string (block));
 }
 
 TEST_P (RealTime, HoldsForBadSamplesDenormalsAndHostBypass)
 {
-    RawHost host;
-    host.setParameter (knobPosition (GetParam()));
-    host.start (48000.0f);
-    warmUp (host);
+    const auto plugin = running();
 
     for (auto& signal : testSignals (2048))
     {
-        expectRealTimeBlock (host, signal, 0, 2048, signal.name);
-        host.dispatch (Vst2::effSetBypass, 0, 1);
-        expectRealTimeBlock (host, signal, 0, 2048, signal.name + ", bypassed");
-        host.dispatch (Vst2::effSetBypass, 0, 0);
+        for (const bool bypassed : { true, false })
+        {
+            plugin->setBypass (bypassed);
+            expectRealTimeBlock (
+                *plugin, signal, 0, 2048, signal.name + ", bypass changes", locksOfABypassChange (format()));
+            expectRealTimeBlock (*plugin, signal, 0, 2048, signal.name + (bypassed ? ", bypassed" : ""));
+        }
     }
 }
 
 TEST_P (RealTime, HoldsAfterAStateWasLoadedAndAfterSuspendAndResume)
 {
-    RawHost host;
-    host.setParameter (knobPosition (GetParam()));
-    host.start (48000.0f);
-    warmUp (host);
-    host.setChunk (host.chunk());
+    const auto plugin = running();
+    plugin->load (plugin->save());
     auto signal = noise (512, -12.0, 4);
-    expectRealTimeBlock (host, signal, 0, 512, "after a load");
+    expectRealTimeBlock (*plugin, signal, 0, 512, "after a load");
 
-    host.suspend();
-    host.resume();
-    warmUp (host); // the wrapper asks its host anew whether it renders offline
-    expectRealTimeBlock (host, signal, 0, 512, "after a resume");
+    plugin->suspend();
+    plugin->resume();
+    warmUp (*plugin); // the wrapper asks its host anew whether it renders offline
+    expectRealTimeBlock (*plugin, signal, 0, 512, "after a resume");
 }
 
-INSTANTIATE_TEST_SUITE_P (InMode, RealTime, testing::Range (0, 9));
+INSTANTIATE_TEST_SUITE_P (ByInterfaceInMode,
+                          RealTime,
+                          testing::Combine (testing::ValuesIn (bothFormats), testing::Range (0, 9)));
 
 TEST (EntryPoint, GivesNoInstanceUntilThereIsMemoryForIt)
 {

@@ -81,6 +81,8 @@ Vst3Instance::Vst3Instance (const Vst3Module& module, BusesAsTheyAre)
         require (editController->getParameterInfo (i, info), "asking for a parameter");
         ((info.flags & Vst::ParameterInfo::kIsBypass) != 0 ? bypass : mode) = info.id;
     }
+
+    setPlaying (true);
 }
 
 Vst3Instance::Vst3Instance (const Vst3Module& module) : Vst3Instance (module, BusesAsTheyAre {})
@@ -163,6 +165,7 @@ tresult Vst3Instance::process (float* const* inputs, float* const* outputs, std:
     data.inputs = &input;
     data.outputs = &output;
     data.inputParameterChanges = &changes;
+    data.processContext = &context;
     const auto result = audioProcessor->process (data);
     changes.clear();
     return result;

@@ -10,6 +10,7 @@
 #include <pluginterfaces/vst/ivsteditcontroller.h>
 #include <pluginterfaces/vst/ivsthostapplication.h>
 #include <pluginterfaces/vst/ivstmessage.h>
+#include <pluginterfaces/vst/ivstprocesscontext.h>
 
 #include <cstddef>
 #include <string>
@@ -112,6 +113,9 @@ public:
     void activate();
     void deactivate();
 
+    /** Whether the host plays, which it does at first: then the processor has its parameters from the blocks alone. */
+    void setPlaying (bool isPlaying) { context.state = isPlaying ? playing : 0; }
+
     /** Processes frames on the channels that were asked for; the same buffers may be given for both sides. Allocates
         nothing. */
     Steinberg::tresult process (float* const* inputs, float* const* outputs, std::size_t frames);
@@ -125,6 +129,8 @@ public:
     EditLog log;
 
 private:
+    static constexpr Steinberg::uint32 playing = Steinberg::Vst::ProcessContext::kPlaying;
+
     HostApplication application;
     Interface<Steinberg::Vst::IComponent> pluginComponent;
     Interface<Steinberg::Vst::IAudioProcessor> audioProcessor;
@@ -132,6 +138,7 @@ private:
     Interface<Steinberg::Vst::IConnectionPoint> componentPoint;
     Interface<Steinberg::Vst::IConnectionPoint> controllerPoint;
     ParameterQueues changes;
+    Steinberg::Vst::ProcessContext context {};
     Steinberg::Vst::ParamID mode = 0;
     Steinberg::Vst::ParamID bypass = 0;
     int channelCount = 2;

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // Instances that come and go by the thousand, and the library with them.
 #include "support/Comparison.h"
-#include "support/Paths.h"
-#include "support/RawHost.h"
+#include "support/PluginUnderTest.h"
 
 #include <gtest/gtest.h>
 
@@ -39,9 +38,9 @@ std::size_t entriesOf (const char* folder)
     return static_cast<std::size_t> (std::distance (begin, std::filesystem::directory_iterator()));
 }
 
-bool isLoaded()
+bool isLoaded (Format format)
 {
-    auto* library = dlopen (paths::plugin().c_str(), RTLD_NOW | RTLD_NOLOAD);
+    auto* library = dlopen (libraryPath (format).c_str(), RTLD_NOW | RTLD_NOLOAD);
 
     if (library != nullptr)
         dlclose (library);
@@ -50,22 +49,22 @@ bool isLoaded()
 }
 
 /** An instance that has been used: a mode, a block of sound, a save. */
-std::unique_ptr<RawHost> usedInstance (std::size_t number)
+std::unique_ptr<PluginUnderTest> usedInstance (Format format, std::size_t number)
 {
-    auto host = std::make_unique<RawHost>();
-    host->setParameter (knobPosition (static_cast<int> (number % 4)));
-    host->start (48000.0f);
+    auto plugin = openPlugin (format);
+    plugin->setParameter (knobPosition (static_cast<int> (number % 4)));
+    plugin->start (48000.0f);
     auto signal = noise (16, -12.0, 1);
-    host->process (signal.left, signal.right, 0, 16);
-    host->chunk();
-    return host;
+    plugin->process (signal, 0, 16);
+    plugin->save();
+    return plugin;
 }
 
 /** Makes so many instances and drops each at some time, never more than so many at once. */
-void liveThrough (std::size_t total, std::size_t most)
+void liveThrough (Format format, std::size_t total, std::size_t most)
 {
     std::mt19937 random (seed);
-    std::vector<std::unique_ptr<RawHost>> alive;
+    std::vector<std::unique_ptr<PluginUnderTest>> alive;
 
     for (std::size_t made = 0; made < total || ! alive.empty();)
     {
@@ -73,7 +72,7 @@ void liveThrough (std::size_t total, std::size_t most)
 
         if (makes)
         {
-            alive.push_back (usedInstance (made++));
+            alive.push_back (usedInstance (format, made++));
         }
         else
         {
@@ -83,31 +82,37 @@ void liveThrough (std::size_t total, std::size_t most)
     }
 }
 
-TEST (Lives, OfTenThousandInstancesLeaveNoMemoryBehind)
+class Lives : public testing::TestWithParam<Format>
+{
+};
+
+INSTANTIATE_TEST_SUITE_P (By, Lives, testing::ValuesIn (bothFormats), testing::PrintToStringParamName());
+
+TEST_P (Lives, OfTenThousandInstancesLeaveNoMemoryBehind)
 {
     constexpr std::size_t count = 10000;
-    const RawHost anchor;  // keeps the library loaded; that has a test of its own
-    liveThrough (500, 32); // JUCE and the C library set themselves up
+    const auto anchor = openPlugin (GetParam()); // keeps the library loaded; that has a test of its own
+    liveThrough (GetParam(), 500, 32);           // JUCE and the C library set themselves up
     const auto before = memoryInUse();
-    liveThrough (count, 32);
+    liveThrough (GetParam(), count, 32);
     const auto after = memoryInUse();
     EXPECT_LT (after, before + slackFor (count)) << "of " << before;
     std::cout << "memory after ten thousand instances: " << static_cast<long> (after - before) << " bytes more\n";
 }
 
-TEST (Lives, OfFiveHundredAndTwelveAtOnceDoNotTouchEachOther)
+TEST_P (Lives, OfFiveHundredAndTwelveAtOnceDoNotTouchEachOther)
 {
     constexpr std::size_t count = 512;
     constexpr std::size_t frames = 1000;
     const auto input = noise (frames, -12.0, 1);
-    std::vector<std::unique_ptr<RawHost>> hosts;
+    std::vector<std::unique_ptr<PluginUnderTest>> hosts;
     std::vector<Signal> outputs (count, input);
     std::vector<std::size_t> turns (count);
     std::iota (turns.begin(), turns.end(), std::size_t { 0 });
 
     for (std::size_t i = 0; i < count; ++i)
     {
-        hosts.push_back (std::make_unique<RawHost>());
+        hosts.push_back (openPlugin (GetParam()));
         hosts.back()->setParameter (knobPosition (static_cast<int> (i % 8)));
         hosts.back()->start (i % 16 < 8 ? 48000.0f : 96000.0f);
     }
@@ -122,10 +127,10 @@ TEST (Lives, OfFiveHundredAndTwelveAtOnceDoNotTouchEachOther)
 
         for (const auto i : turns)
         {
-            hosts[i]->process (outputs[i].left, outputs[i].right, done, 50);
+            hosts[i]->process (outputs[i], done, 50);
 
             if (random() % 16 == 0)
-                hosts[i]->chunk();
+                hosts[i]->save();
         }
     }
 
@@ -135,10 +140,10 @@ TEST (Lives, OfFiveHundredAndTwelveAtOnceDoNotTouchEachOther)
     for (std::size_t i = 0; i < 16; ++i)
     {
         auto alone = input;
-        RawHost host;
-        host.setParameter (knobPosition (static_cast<int> (i % 8)));
-        host.start (i < 8 ? 48000.0f : 96000.0f);
-        host.process (alone.left, alone.right, 0, frames);
+        const auto host = openPlugin (GetParam());
+        host->setParameter (knobPosition (static_cast<int> (i % 8)));
+        host->start (i < 8 ? 48000.0f : 96000.0f);
+        host->process (alone, 0, frames);
         EXPECT_TRUE (compare (outputs[i], alone).sameBits) << i;
     }
 
@@ -152,12 +157,12 @@ TEST (Lives, OfFiveHundredAndTwelveAtOnceDoNotTouchEachOther)
         EXPECT_EQ (hosts[turns[k]]->getParameter(), knobPosition (static_cast<int> (turns[k] % 8)));
 }
 
-TEST (Lives, OfTheLibraryItselfLeaveNothingBehind)
+TEST_P (Lives, OfTheLibraryItselfLeaveNothingBehind)
 {
     const auto loadAndUnload = []
     {
-        usedInstance (2).reset();
-        ASSERT_FALSE (isLoaded()) << "something keeps the library in the process";
+        usedInstance (GetParam(), 2).reset();
+        ASSERT_FALSE (isLoaded (GetParam())) << "something keeps the library in the process";
     };
 
     constexpr std::size_t count = 300;

@@ -42,8 +42,8 @@ void warmUp (PluginUnderTest& plugin)
     plugin.process (signal, 0, 64);
 }
 
-/** What a block may lock at whose start the host's bypass changes: in VST 3 that is a parameter of JUCE's wrapper, which
-    tells its listeners under a lock. */
+/** What a block may lock at whose start the host's bypass changes: in VST 3 that is a parameter of JUCE's wrapper,
+   which tells its listeners under a lock. */
 std::size_t locksOfABypassChange (Format format)
 {
     return locksOfJucePerBlock + (format == Format::vst3 ? 1 : 0);

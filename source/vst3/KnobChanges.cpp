@@ -27,7 +27,8 @@ Vst::IParameterChanges* KnobChanges::take (IParameterChanges* changes)
             continue;
 
         // As the wrappers of both formats do: what is the same but for rounding is no change.
-        if (const auto position = static_cast<float> (value); ! juce::approximatelyEqual (parameter.getValue(), position))
+        if (const auto position = static_cast<float> (value);
+            ! juce::approximatelyEqual (parameter.getValue(), position))
             parameter.setValue (position);
     }
 

@@ -7,8 +7,8 @@
 namespace larkspire
 {
 
-/** Takes the knob's changes out of a block, and is what is left of them. JUCE's wrapper would tell its listeners of each
-    under a lock, which the window may hold while the host is busy with it. Audio thread only. */
+/** Takes the knob's changes out of a block, and is what is left of them. JUCE's wrapper would tell its listeners of
+   each under a lock, which the window may hold while the host is busy with it. Audio thread only. */
 class KnobChanges : public Steinberg::Vst::IParameterChanges
 {
 public:

@@ -5,6 +5,8 @@
 #include "vst3/PositionParameter.h"
 #include "vst3/Vst3Editor.h"
 
+#include <pluginterfaces/vst/ivstcomponent.h>
+
 #include <algorithm>
 #include <memory>
 
@@ -49,10 +51,16 @@ std::map<std::uint32_t, juce::String> Vst3Processor::getCompatibleParameterIds (
     return { { 0u, modeParameter->paramID } };
 }
 
+void Vst3Processor::setIHostApplication (Steinberg::FUnknown*)
+{
+    if (auto* const wrapper = wrapperAs<Steinberg::Vst::IComponent>())
+        for (const auto direction : { Steinberg::Vst::kInput, Steinberg::Vst::kOutput })
+            wrapper->activateBus (Steinberg::Vst::kAudio, direction, 0, 1);
+}
+
 std::int32_t Vst3Processor::queryIAudioProcessor (const Steinberg::TUID id, void** object)
 {
-    // JUCE's wrapper makes itself the play head, and is the only way from here to its own interface.
-    auto* const wrapper = dynamic_cast<Steinberg::Vst::IAudioProcessor*> (getPlayHead());
+    auto* const wrapper = wrapperAs<Steinberg::Vst::IAudioProcessor>();
 
     if (wrapper == nullptr || ! Steinberg::FUnknownPrivate::iidEqual (id, Steinberg::Vst::IAudioProcessor_iid))
         return Steinberg::kNoInterface;

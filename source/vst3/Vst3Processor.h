@@ -35,8 +35,19 @@ private:
     std::vector<InterfaceId> getCompatibleClasses() const override;
     std::map<std::uint32_t, juce::String> getCompatibleParameterIds (const InterfaceId& compatibleClass) const override;
 
+    /** Turns the buses on, for hosts that never do; one that wants them off says so afterwards. */
+    void setIHostApplication (Steinberg::FUnknown*) override;
+
     /** Gives hosts the guarded way to the audio. */
     std::int32_t queryIAudioProcessor (const Steinberg::TUID id, void** object) override;
+
+    /** An interface of JUCE's wrapper around this, or null. It has made itself the play head, which is the only way to
+        it from here. */
+    template <typename Interface>
+    Interface* wrapperAs() const
+    {
+        return dynamic_cast<Interface*> (getPlayHead());
+    }
 
     BlockGuard blockGuard;
 

@@ -18,6 +18,7 @@ SHORT_FUZZ_SECONDS := 30
 # How much `make torture` does; ten million operations take about five minutes.
 TORTURE_OPERATIONS ?= 10000000
 TORTURE_SEED ?=
+TORTURE_FORMATS ?= vst2 vst3
 
 # Configures the build folder of a preset, without a word unless it fails.
 define configure-preset
@@ -79,6 +80,7 @@ test-asan: fuzzer ## the tests under AddressSanitizer and UndefinedBehaviorSanit
 		larkspire-tools-tests larkspire-torture
 	@scripts/sanitize asan larkspire-unit-tests larkspire-library-tests larkspire-window-tests larkspire-tools-tests
 	@build/asan/tests/torture/larkspire-torture --seconds $(SHORT_FUZZ_SECONDS)
+	@build/asan/tests/torture/larkspire-torture --format vst3 --seconds $(SHORT_FUZZ_SECONDS)
 	@scripts/fuzz build/asan $(SHORT_FUZZ_SECONDS)
 
 # The tests with threads, on a build with ThreadSanitizer.
@@ -88,10 +90,12 @@ test-tsan: setup ## the tests with threads under ThreadSanitizer
 	@LARKSPIRE_TEST_FILTER='*Thread*:LatencyNotice.*:EditorLife.*Audio*' \
 		scripts/sanitize tsan larkspire-unit-tests larkspire-library-tests larkspire-window-tests
 
-# Whatever a host can do, in any order, beside a model of what must come of it; TORTURE_SEED repeats a sequence.
-torture: configure ## ten million calls in any order; TORTURE_SEED=n repeats a sequence
+# Whatever a host can do, in any order, beside a model of what must come of it; TORTURE_SEED repeats a sequence, and
+# TORTURE_FORMATS=vst2 or vst3 leaves the other interface out.
+torture: configure ## ten million calls in any order by each interface; TORTURE_SEED=n repeats a sequence
 	@cmake --build --preset $(PRESET) --target larkspire-torture
-	@build/$(PRESET)/tests/torture/larkspire-torture --operations $(TORTURE_OPERATIONS) $(TORTURE_SEED:%=--seed %)
+	@for format in $(TORTURE_FORMATS); do build/$(PRESET)/tests/torture/larkspire-torture --format $$format \
+		--operations $(TORTURE_OPERATIONS) $(TORTURE_SEED:%=--seed %) || exit 1; done
 
 # Sine and arc tangent at every float there is: minutes, where the tests above take a sample near zero and far out.
 exhaustive: configure ## sine and arc tangent at every float there is

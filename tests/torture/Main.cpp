@@ -4,6 +4,7 @@
 #include "support/Paths.h"
 #include "torture/Mismatch.h"
 #include "torture/Torture.h"
+#include "window/EditorWindow.h"
 #include "window/VirtualDisplay.h"
 
 #include <CLI/CLI.hpp>
@@ -12,6 +13,7 @@
 #include <csignal>
 #include <cstdio>
 #include <iostream>
+#include <map>
 #include <optional>
 #include <random>
 #include <unistd.h>
@@ -40,7 +42,8 @@ void onCrash (int signal)
 
 struct Options
 {
-    std::string library = paths::plugin();
+    Format format = Format::vst2;
+    std::string library;
     std::optional<std::uint64_t> seed;
     std::uint64_t operations = 0;
     double seconds = 0.0;
@@ -60,7 +63,7 @@ int torture (const Options& options)
     using Clock = std::chrono::steady_clock;
     const auto start = Clock::now();
     const auto elapsed = [&] { return std::chrono::duration<double> (Clock::now() - start).count(); };
-    Torture all (options.library, seed, ! options.withoutWindows);
+    Torture all (options.format, options.library, seed, ! options.withoutWindows);
     running = &all;
 
     for (const int signal : { SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT })
@@ -78,6 +81,7 @@ int torture (const Options& options)
 
         std::cerr << "torture: FAILED in the last of these: " << mismatch.what() << "\ntorture: repeat it with --seed "
                   << seed << " --operations " << all.operations() + 1
+                  << (options.format == Format::vst3 ? " --format vst3" : "")
                   << (options.withoutWindows ? " --without-windows" : "") << "\n";
         return 1;
     }
@@ -102,7 +106,10 @@ std::variant<Options, int> readOptions (int argc, char** argv)
 {
     Options options;
     CLI::App app { "Does to the built library whatever a host can do, in any order, and compares it with a model." };
-    app.add_option ("--library", options.library, "Another library");
+    app.add_option ("--format", options.format, "The interface by which it is loaded; vst2 if not given")
+        ->transform (CLI::CheckedTransformer (
+            std::map<std::string, Format> { { "vst2", Format::vst2 }, { "vst3", Format::vst3 } }));
+    app.add_option ("--library", options.library, "Another library, or another bundle");
     app.add_option ("--seed", options.seed, "Repeats a sequence; otherwise chance decides");
     auto* operations =
         app.add_option ("--operations", options.operations, "How many operations")->check (CLI::PositiveNumber);
@@ -116,6 +123,9 @@ std::variant<Options, int> readOptions (int argc, char** argv)
 
         if (options.operations == 0 && options.seconds <= 0.0)
             throw CLI::RequiredError ("--operations or --seconds");
+
+        if (options.library.empty())
+            options.library = options.format == Format::vst2 ? paths::plugin() : paths::vst3();
     }
     catch (const CLI::ParseError& error)
     {

@@ -53,51 +53,20 @@ ModelledInstance::Buffers& ModelledInstance::buffers()
 std::string ModelledInstance::announceRate (Dice& dice)
 {
     announcedRate = dice.oneOf (rates);
-    host.dispatch (Vst2::effSetSampleRate, 0, 0, nullptr, announcedRate);
+    tellRate (announcedRate);
     return "rate " + std::to_string (announcedRate);
 }
 
 std::string ModelledInstance::announceBlockSize (Dice& dice)
 {
     announcedBlockSize = dice.oneOf (blockSizes);
-    host.dispatch (Vst2::effSetBlockSize, 0, static_cast<Vst2::VstIntPtr> (announcedBlockSize));
+    tellBlockSize (announcedBlockSize);
     return "block size " + std::to_string (announcedBlockSize);
-}
-
-std::string ModelledInstance::announceLayout (Dice& dice)
-{
-    struct Arrangement
-    {
-        Vst2::VstInt32 type;
-        Vst2::VstInt32 channels;
-    };
-
-    constexpr std::array arrangements {
-        Arrangement { Vst2::kSpeakerArrMono, 1 },   Arrangement { Vst2::kSpeakerArrStereo, 2 },
-        Arrangement { Vst2::kSpeakerArrMono, 1 },   Arrangement { Vst2::kSpeakerArrStereo, 2 },
-        Arrangement { Vst2::kSpeakerArrMono, 2 },   Arrangement { Vst2::kSpeakerArrEmpty, 0 },
-        Arrangement { Vst2::kSpeakerArr30Cine, 3 }, Arrangement { Vst2::kSpeakerArr51, 6 }
-    };
-    const auto& input = dice.oneOf (arrangements);
-    const auto& output = dice.onceIn (3) ? dice.oneOf (arrangements) : input;
-    const bool accepted =
-        input.type == output.type && input.channels == output.channels
-        && ((input.type == Vst2::kSpeakerArrMono && input.channels == 1) || input.type == Vst2::kSpeakerArrStereo);
-    require (
-        "the answer to a layout", host.setLayout (input.type, input.channels, output.type, output.channels), accepted);
-
-    if (accepted)
-    {
-        isMono = input.type == Vst2::kSpeakerArrMono;
-        sound.setMono (isMono);
-    }
-
-    return "layout " + std::to_string (input.type) + " to " + std::to_string (output.type);
 }
 
 std::string ModelledInstance::suspend (Dice&)
 {
-    host.suspend();
+    tellSuspend();
     isResumed = false;
     longestBlock.reset();
     return "suspend";
@@ -114,7 +83,7 @@ void ModelledInstance::noteResume()
 
 std::string ModelledInstance::resume (Dice&)
 {
-    host.resume();
+    tellResume();
     noteResume();
     return "resume";
 }
@@ -122,27 +91,8 @@ std::string ModelledInstance::resume (Dice&)
 std::string ModelledInstance::bypass (Dice& dice)
 {
     isBypassed = dice.onceIn (2);
-    require ("the answer to bypass", host.dispatch (Vst2::effSetBypass, 0, isBypassed ? 1 : 0), 1);
+    tellBypass (isBypassed);
     return isBypassed ? "bypass" : "end of bypass";
-}
-
-std::string ModelledInstance::tellTheTime (Dice& dice)
-{
-    time.samplePos = dice.unit() * 1.0e9;
-    time.sampleRate = dice.onceIn (4) ? 0.0 : 48000.0;
-    time.tempo = dice.unit() * 300.0;
-    time.flags = static_cast<Vst2::VstInt32> (dice.below (1u << 16));
-    time.smpteFrameRate = static_cast<Vst2::VstInt32> (dice.below (20));
-    host.setTime (dice.onceIn (3) ? nullptr : &time);
-    return "another time";
-}
-
-std::string ModelledInstance::choosePrecision (Dice& dice)
-{
-    require ("the answer to a precision",
-             host.dispatch (Vst2::effSetProcessPrecision, 0, dice.onceIn (2) ? 1 : 0),
-             isResumed ? 0 : 1);
-    return "precision";
 }
 
 std::size_t ModelledInstance::someBlockLength (Dice& dice) const
@@ -195,7 +145,7 @@ std::string ModelledInstance::process (Dice& dice)
 
     auto routing = static_cast<Routing> (dice.onceIn (40) ? 2 + dice.below (2) : dice.below (2));
 
-    if (isMono && routing > outOfPlace)
+    if ((isMono || ! takesOddOutputs()) && routing > outOfPlace)
         routing = outOfPlace;
 
     if (routing > outOfPlace && ! longestBlock)
@@ -230,7 +180,7 @@ std::string ModelledInstance::process (Dice& dice)
     else if (routing == noRightOutput)
         outputs[1] = nullptr;
 
-    host.process (inputs, outputs, frames);
+    processBlock (inputs, outputs, frames);
 
     expectedBlock (b.expectedLeft, b.expectedRight);
 

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "torture/Torture.h"
 
+#include "torture/ModelledVst2.h"
+#include "torture/ModelledVst3.h"
+
 #include <algorithm>
 #include <numeric>
 
@@ -10,8 +13,9 @@ constexpr std::size_t mostInstances = 5;
 constexpr std::size_t mostWindows = 2;
 } // namespace
 
-Torture::Torture (std::string libraryPath, std::uint64_t seed, bool withWindows)
-    : path (std::move (libraryPath)),
+Torture::Torture (Format format, std::string libraryPath, std::uint64_t seed, bool withWindows)
+    : interface (format),
+      path (std::move (libraryPath)),
       dice (seed),
       windows (withWindows)
 {
@@ -75,7 +79,7 @@ bool Torture::addOrRemoveInstances()
 
     if (instances.empty() || (instances.size() < mostInstances && dice.onceIn (400)))
     {
-        instances.push_back (std::make_unique<ModelledInstance> (path));
+        instances.push_back (openInstance());
         note ("open instance " + std::to_string (instances.size() - 1));
         ++countOf["open an instance"];
         return true;
@@ -91,6 +95,14 @@ bool Torture::addOrRemoveInstances()
     }
 
     return false;
+}
+
+std::unique_ptr<ModelledInstance> Torture::openInstance() const
+{
+    if (interface == Format::vst2)
+        return std::make_unique<ModelledVst2> (path);
+
+    return std::make_unique<ModelledVst3> (path);
 }
 
 void Torture::note (const std::string& text)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include "support/PluginUnderTest.h"
 #include "torture/Dice.h"
 #include "torture/ModelledInstance.h"
 
@@ -14,8 +15,8 @@
 class Torture
 {
 public:
-    /** The library's file, and the seed that all follows from. With windows there has to be a display. */
-    Torture (std::string libraryPath, std::uint64_t seed, bool withWindows);
+    /** The library's file or bundle, and the seed that all follows from. With windows there has to be a display. */
+    Torture (Format format, std::string libraryPath, std::uint64_t seed, bool withWindows);
 
     /** One operation on one of the instances. Throws a Mismatch where the library is not what the model is. */
     void doOne();
@@ -38,10 +39,12 @@ private:
 
     const Operation& someOperation();
     bool addOrRemoveInstances();
+    std::unique_ptr<ModelledInstance> openInstance() const;
     void note (const std::string& text);
 
     static const std::vector<Operation>& allOperations();
 
+    Format interface;
     std::string path;
     Dice dice;
     bool windows;

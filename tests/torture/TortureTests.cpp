@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -26,17 +27,20 @@ std::string lineOf (const Outcome& outcome, const std::string& start)
     return {};
 }
 
-class Torture : public testing::TestWithParam<int>
+class Torture : public testing::TestWithParam<std::tuple<const char*, int>>
 {
 };
 
 TEST_P (Torture, FindsNothing)
 {
-    const auto outcome = torture ({ "--seed", std::to_string (GetParam()), "--operations", "300000" });
+    const auto [format, seed] = GetParam();
+    const auto outcome = torture ({ "--format", format, "--seed", std::to_string (seed), "--operations", "300000" });
     EXPECT_EQ (outcome.exitStatus, 0) << outcome.output << outcome.errors;
 }
 
-INSTANTIATE_TEST_SUITE_P (FromSeed, Torture, testing::Range (1, 4));
+INSTANTIATE_TEST_SUITE_P (ByInterfaceFromSeed,
+                          Torture,
+                          testing::Combine (testing::Values ("vst2", "vst3"), testing::Range (1, 4)));
 
 TEST (TortureProgram, DoesTheSameAgainFromTheSameSeed)
 {

@@ -5,6 +5,7 @@
 
 #include <pluginterfaces/vst/vstspeaker.h>
 
+#include <algorithm>
 #include <array>
 
 using namespace Steinberg;
@@ -116,15 +117,28 @@ std::string Vst3Instance::text (double value) const
     return plainText (text);
 }
 
+double Vst3Instance::valueOf (const std::string& text) const
+{
+    std::array<Vst::TChar, 128> typed {};
+    std::ranges::copy (text.substr (0, typed.size() - 1), typed.begin());
+    double value = 0.0;
+    require (editController->getParamValueByString (mode, typed.data(), value), "asking for a value");
+    return value;
+}
+
+bool Vst3Instance::setLayout (Vst::SpeakerArrangement input, Vst::SpeakerArrangement output)
+{
+    const bool isAccepted = audioProcessor->setBusArrangements (&input, 1, &output, 1) == kResultTrue;
+    Vst::SpeakerArrangement inForce = Vst::SpeakerArr::kEmpty;
+    require (audioProcessor->getBusArrangement (Vst::kOutput, 0, inForce), "asking for the layout");
+    channelCount = Vst::SpeakerArr::getChannelCount (inForce);
+    return isAccepted;
+}
+
 bool Vst3Instance::setChannels (int channels)
 {
-    auto wanted = channels == 1 ? Vst::SpeakerArr::kMono : Vst::SpeakerArr::kStereo;
-    const bool isAccepted = audioProcessor->setBusArrangements (&wanted, 1, &wanted, 1) == kResultTrue;
-
-    if (isAccepted)
-        channelCount = channels;
-
-    return isAccepted;
+    const auto wanted = channels == 1 ? Vst::SpeakerArr::kMono : Vst::SpeakerArr::kStereo;
+    return setLayout (wanted, wanted);
 }
 
 bool Vst3Instance::setUp (double sampleRate, int blockSize, int32 sampleSize) const
@@ -147,6 +161,11 @@ void Vst3Instance::deactivate()
     isActive = false;
 }
 
+tresult Vst3Instance::flush()
+{
+    return process (nullptr, nullptr, 0);
+}
+
 tresult Vst3Instance::process (float* const* inputs, float* const* outputs, std::size_t frames)
 {
     // The interface takes pointers that it might write to, and plug-ins do not.
@@ -161,11 +180,16 @@ tresult Vst3Instance::process (float* const* inputs, float* const* outputs, std:
     data.processMode = Vst::kRealtime;
     data.symbolicSampleSize = Vst::kSample32;
     data.numSamples = static_cast<int32> (frames);
-    data.numInputs = data.numOutputs = 1;
-    data.inputs = &input;
-    data.outputs = &output;
     data.inputParameterChanges = &changes;
     data.processContext = &context;
+
+    if (inputs != nullptr)
+    {
+        data.numInputs = data.numOutputs = 1;
+        data.inputs = &input;
+        data.outputs = &output;
+    }
+
     const auto result = audioProcessor->process (data);
     changes.clear();
     return result;

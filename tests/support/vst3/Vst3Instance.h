@@ -101,20 +101,33 @@ public:
     void setParameter (Steinberg::Vst::ParamID id, double value);
     double getParameter (Steinberg::Vst::ParamID id) const { return editController->getParamNormalized (id); }
 
-    /** What people read at a value of "Mode". */
+    /** What people read at a value of "Mode", and the value of what they type. */
     std::string text (double value) const;
+    double valueOf (const std::string& text) const;
+
+    /** Asks for a layout; whether the plug-in accepts it. */
+    bool setLayout (Steinberg::Vst::SpeakerArrangement input, Steinberg::Vst::SpeakerArrangement output);
 
     /** Asks for mono (1) or stereo (2) on both sides; whether the plug-in accepts it. */
     bool setChannels (int channels);
+
+    /** The channels that the layout in force has on each side. */
+    int channels() const { return channelCount; }
 
     /** Sets the sample rate in Hz and the most frames of a block; whether the plug-in accepts it. */
     bool setUp (double sampleRate, int blockSize, Steinberg::int32 sampleSize = Steinberg::Vst::kSample32) const;
 
     void activate();
     void deactivate();
+    bool isRunning() const { return isActive; }
 
     /** Whether the host plays, which it does at first: then the processor has its parameters from the blocks alone. */
     void setPlaying (bool isPlaying) { context.state = isPlaying ? playing : 0; }
+
+    void setTime (const Steinberg::Vst::ProcessContext& time) { context = time; }
+
+    /** Hands what was set to the processor, by a block without samples. */
+    Steinberg::tresult flush();
 
     /** Processes frames on the channels that were asked for; the same buffers may be given for both sides. Allocates
         nothing. */

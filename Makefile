@@ -113,8 +113,9 @@ performance: configure ## the same, and docs/performance.md anew
 	@mkdir -p docs
 	@build/$(PRESET)/benchmarks/larkspire-bench --benchmark_out=build/$(PRESET)/performance.json --markdown=docs/performance.md
 
-test-hosts: ## installs real DAWs and runs the library in them, without a window
+test-hosts: ## installs real DAWs and the VST 3 validator, and runs the libraries in them, without a window
 	@scripts/setup scripts/hosts/packages.txt
+	@scripts/hosts/build-vst3-validator linux
 	$(call configure-preset,$(PRESET))
 	@cmake --build --preset $(PRESET) --target larkspire-daw-tests
 	@build/$(PRESET)/tests/daws/larkspire-daw-tests

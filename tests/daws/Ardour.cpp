@@ -15,10 +15,32 @@ constexpr int sampleRate = 48000; // Hz
 
 /** Where the package has put what people do not call themselves. */
 const std::string programs = "/usr/lib/ardour7/";
+
+/** What Ardour calls a format's things. */
+struct FormatNames
+{
+    const char* type;
+    const char* scanner;
+    const char* searchPath; // environment variable
+};
+
+FormatNames namesOf (Format format)
+{
+    if (format == Format::vst3)
+        return { "VST3", "ardour-vst3-scanner", "VST3_PATH" };
+
+    return { "LXVST", "ardour-vst-scanner", "LXVST_PATH" };
+}
+
+const char* nameOf (PluginSwitch position)
+{
+    return position == PluginSwitch::on ? "on" : position == PluginSwitch::off ? "off" : "bypassed";
+}
 } // namespace
 
-Ardour::Ardour (std::filesystem::path installed)
-    : library (std::move (installed)),
+Ardour::Ardour (Format f, std::filesystem::path installed)
+    : format (f),
+      plugin (std::move (installed)),
       // Nothing of the caller's: neither a real display nor the caller's own settings of Ardour are touched.
       environment { { "PATH", "/usr/bin:/bin" },
                     { "LANG", "C.UTF-8" },
@@ -29,21 +51,28 @@ Ardour::Ardour (std::filesystem::path installed)
                     { "ARDOUR_DATA_PATH", "/usr/share/ardour7" },
                     { "ARDOUR_CONFIG_PATH", "/etc/ardour7" } }
 {
-    namespace fs = std::filesystem;
-    fs::create_directory (folder / "home");
+    std::filesystem::create_directory (folder / "home");
 
-    if (library.empty())
-    {
-        library = folder / "vst/Quendal Larkspire.so";
-        environment["LXVST_PATH"] = folder / "vst";
-        fs::create_directory (folder / "vst");
-        fs::copy_file (paths::plugin(), library);
-
-        // What a scan found counts only if it is newer than the library, by whole seconds.
-        fs::last_write_time (library, fs::file_time_type::clock::now() - std::chrono::hours (24));
-    }
+    if (plugin.empty())
+        plugin = installCopy();
 
     scan();
+}
+
+std::filesystem::path Ardour::installCopy()
+{
+    namespace fs = std::filesystem;
+    const fs::path built = format == Format::vst3 ? paths::vst3() : paths::plugin();
+    const fs::path plugins = folder / "plugins";
+    environment[namesOf (format).searchPath] = plugins;
+    fs::create_directory (plugins);
+    fs::copy (built, plugins / built.filename(), fs::copy_options::recursive);
+
+    // What a scan found counts only if it is newer than the library, by whole seconds.
+    for (const auto& entry : fs::recursive_directory_iterator (plugins))
+        fs::last_write_time (entry, fs::file_time_type::clock::now() - std::chrono::hours (24));
+
+    return plugins / built.filename();
 }
 
 std::string Ardour::run (const std::string& program, const std::vector<std::string>& arguments) const
@@ -57,7 +86,7 @@ std::string Ardour::run (const std::string& program, const std::vector<std::stri
 
 std::string Ardour::scan() const
 {
-    return run (programs + "ardour-vst-scanner", { "-f", "-v", library });
+    return run (programs + namesOf (format).scanner, { "-f", "-v", plugin });
 }
 
 void Ardour::makeSession (const std::string& name, const Track& track) const
@@ -68,8 +97,9 @@ void Ardour::makeSession (const std::string& name, const Track& track) const
          { paths::source ("tests/daws/make-session.lua"),
            folder / name,
            std::to_string (track.channels.size()),
+           namesOf (format).type,
            value.data(),
-           track.active ? "on" : "off",
+           nameOf (track.position),
            std::to_string (track.channels.front().size()) });
 
     for (std::size_t i = 0; i < track.channels.size(); ++i)

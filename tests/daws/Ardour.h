@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include "support/PluginUnderTest.h"
 #include "support/Recording.h"
 #include "support/TemporaryFolder.h"
 
@@ -10,16 +11,24 @@
 #include <string>
 #include <vector>
 
+/** How the plug-in is switched in Ardour. */
+enum class PluginSwitch
+{
+    on,
+    off,
+    bypassed // by its own bypass, where its format has one
+};
+
 /** The DAW Ardour without a window, in a home folder of its own. Each call runs a program of Ardour's and throws
     std::runtime_error, with what it wrote, if it fails or takes longer than a minute. */
 class Ardour
 {
 public:
-    /** Lets it scan a library that is installed where it looks for plug-ins without being told; without one, a copy of
-        the built library in that home folder. */
-    explicit Ardour (std::filesystem::path installed = {});
+    /** Lets it scan a library or bundle that is installed where it looks for plug-ins without being told; without one,
+        a copy of the built one in a folder beside its home. */
+    explicit Ardour (Format format, std::filesystem::path installed = {});
 
-    /** What a scan of the library writes. */
+    /** What a scan of the plug-in writes. */
     std::string scan() const;
 
     /** What is put on the one track of a session, at 48 kHz. */
@@ -27,7 +36,7 @@ public:
     {
         Channels channels;      // of equal length
         float parameter = 0.0f; // of the plug-in
-        bool active = true;     // the plug-in
+        PluginSwitch position = PluginSwitch::on;
     };
 
     /** Makes a session of this name with the plug-in on its track, and saves it. */
@@ -46,10 +55,12 @@ public:
     Channels exportSession (const std::string& name, const std::function<bool (const Channels&)>& isRight) const;
 
 private:
+    std::filesystem::path installCopy();
     Channels exportOnce (const std::string& name) const;
     std::string run (const std::string& program, const std::vector<std::string>& arguments) const;
 
     TemporaryFolder folder;
-    std::filesystem::path library;
+    Format format;
+    std::filesystem::path plugin;
     std::map<std::string, std::string> environment;
 };

@@ -1,18 +1,20 @@
 -- Run by ardour7-lua: makes a session of 48 kHz with one audio track that carries the plug-in, and saves it.
--- Arguments: the session's folder, channels of the track, value of the parameter, plug-in on or off, frames to play.
-local folder, channels, value, state, frames = table.unpack (arg)
+-- Arguments: the session's folder, channels of the track, type of the plug-in as Ardour names it, value of its first
+-- parameter, plug-in on, off or bypassed, frames to play.
+local folder, channels, kind, value, state, frames = table.unpack (arg)
 local rate = 48000
 
 AudioEngine:set_backend ("None (Dummy)", "", "")
 local session = assert (create_session (folder, "voice", rate), "no session")
 local tracks = session:new_audio_track (tonumber (channels), 2, nil, 1, "voice", ARDOUR.PresentationInfo.max_order,
                                         ARDOUR.TrackMode.Normal, true)
-local plugin = ARDOUR.LuaAPI.new_plugin (session, "Quendal Larkspire", ARDOUR.PluginType.LXVST, "")
+local plugin = ARDOUR.LuaAPI.new_plugin (session, "Quendal Larkspire", ARDOUR.PluginType[kind], "")
 assert (not plugin:isnil(), "Ardour knows no such plug-in")
 assert (tracks:front():to_route():add_processor_by_index (plugin, 0, nil, true) == 0, "the track refused the plug-in")
 assert (ARDOUR.LuaAPI.set_processor_param (plugin, 0, tonumber (value)), "the parameter cannot be set")
 
 if state == "off" then plugin:to_insert():deactivate() end
+if state == "bypassed" then plugin:to_insert():enable (false) end
 
 assert (session:save_state ("", false, false, false, false, false) == 0, "the session cannot be saved")
 

@@ -12,6 +12,7 @@ print ("parameters: " .. insert:plugin (0):parameter_count())
 print ("parameter: " .. insert:plugin (0):parameter_label (0))
 print (("value: %.6f"):format (value))
 print ("active: " .. tostring (plugin:active()))
+print ("enabled: " .. tostring (insert:enabled()))
 
 -- What the interpreter still holds when it ends outlives the audio engine, and its end then crashes the program.
 plugin, insert = nil, nil

@@ -97,7 +97,7 @@ TEST_F (Installation, HasARendererThatUsesTheInstalledLibraryAndNothingOfTheBuil
 
 TEST_F (Installation, IsFoundByArdourWithoutBeingToldWhere)
 {
-    const Ardour ardour (library);
+    const Ardour ardour (Format::vst2, library);
     ardour.makeSession ("installed", { .channels = { std::vector<float> (4800) }, .parameter = knobPosition (3) });
     const auto report = ardour.openSession ("installed");
     EXPECT_THAT (report, HasSubstr ("name: Quendal Larkspire\n"));

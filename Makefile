@@ -127,7 +127,8 @@ windows: configure ## the Windows libraries, cross-built, in dist/windows
 	$(call configure-preset,windows)
 	@cmake --build --preset windows --target Larkspire_VST Larkspire_VST3 larkspire-windows-host
 
-test-windows: windows configure ## reads the Windows library's file and runs it under Wine
+test-windows: windows configure ## reads the Windows libraries' files and runs them under Wine
+	@scripts/hosts/build-vst3-validator windows
 	@cmake --build --preset $(PRESET) --target larkspire-windows-tests
 	@build/$(PRESET)/tests/windows/larkspire-windows-tests
 

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "windows/WineHost.h"
 
-#include "support/Child.h"
-
 std::string WineHost::libraryPath()
 {
     return LARKSPIRE_WINDOWS_LIBRARY;
+}
+
+std::string WineHost::bundlePath()
+{
+    return LARKSPIRE_WINDOWS_BUNDLE;
 }
 
 std::string WineHost::programPath()
@@ -30,17 +33,22 @@ std::vector<std::string> WineHost::Report::all (const std::string& name) const
     return values;
 }
 
+Call WineHost::call (const std::vector<std::string>& words)
+{
+    return { .arguments = words,
+             .program = "wine",
+             .environment = { { "WINEPREFIX", LARKSPIRE_WINE_PREFIX },
+                              { "WINEARCH", "win64" },
+                              { "WINEDLLOVERRIDES", "mscoree,mshtml=" },
+                              { "WINEDEBUG", "-all" } },
+             .longestRun = 120 };
+}
+
 WineHost::Report WineHost::run (const std::string& command, const std::vector<std::string>& arguments)
 {
     std::vector<std::string> words { programPath(), command, libraryPath() };
     words.insert (words.end(), arguments.begin(), arguments.end());
-    const auto output = outputOf ({ .arguments = words,
-                                    .program = "wine",
-                                    .environment = { { "WINEPREFIX", LARKSPIRE_WINE_PREFIX },
-                                                     { "WINEARCH", "win64" },
-                                                     { "WINEDLLOVERRIDES", "mscoree,mshtml=" },
-                                                     { "WINEDEBUG", "-all" } },
-                                    .longestRun = 120 });
+    const auto output = outputOf (call (words));
     Report report;
 
     // Its lines end as they do on Windows.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include "support/Child.h"
+
 #include <map>
 #include <string>
 #include <vector>
@@ -25,6 +27,10 @@ public:
        if it fails or takes longer than two minutes. */
     static Report run (const std::string& command, const std::vector<std::string>& arguments = {});
 
+    /** How Wine is called to run a Windows program: its path, then its arguments. It has two minutes. */
+    static Call call (const std::vector<std::string>& words);
+
     static std::string libraryPath();
+    static std::string bundlePath(); // the VST 3 bundle, a folder
     static std::string programPath();
 };

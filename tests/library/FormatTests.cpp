@@ -2,6 +2,7 @@
 // The VST 3 library beside the VST 2 library: the same sound, and states that open in each other.
 #include "support/Comparison.h"
 #include "support/PluginUnderTest.h"
+#include "support/VstW.h"
 
 #include <gtest/gtest.h>
 
@@ -85,6 +86,21 @@ TEST_P (Formats, OpenTheStatesOfEachOther)
             restored->load (saving->save());
             EXPECT_NEAR (restored->getParameter(), knobPosition (GetParam()), 5e-5f) << from << " to " << to;
         }
+}
+
+TEST_P (Formats, OpenStatesOfVst2InTheWrappingsOfHosts)
+{
+    const auto saving = openPlugin (Format::vst2);
+    saving->setParameter (knobPosition (GetParam()));
+    const auto chunk = saving->save();
+
+    for (const auto& state : { wrapped::bank (chunk), wrapped::vstW (chunk, false), wrapped::vstW (chunk, true) })
+    {
+        const auto restored = openPlugin (Format::vst3);
+        restored->setParameter (knobPosition ((GetParam() + 5) % 10));
+        restored->load (state);
+        EXPECT_NEAR (restored->getParameter(), knobPosition (GetParam()), 5e-5f) << state.substr (0, 4);
+    }
 }
 
 TEST_P (Formats, SoundTheSameAfterAStateCameFromTheOther)

@@ -43,7 +43,19 @@ void Vst3Processor::processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBu
 
 std::vector<juce::VST3ClientExtensions::InterfaceId> Vst3Processor::getCompatibleClasses() const
 {
-    return { convertVST2PluginId (JucePlugin_VSTUniqueID, JucePlugin_Name, InterfaceType::component) };
+    const auto id = convertVST2PluginId (JucePlugin_VSTUniqueID, JucePlugin_Name, InterfaceType::component);
+
+#if JUCE_WINDOWS
+    // JUCE finds a class by the id's bytes as they lie in memory and tells hosts of it in the same order, where they
+    // read the order in which ids are written. On Windows those are two, and so there are two entries.
+    auto asWritten = id;
+    std::reverse (asWritten.begin(), asWritten.begin() + 4);
+    std::reverse (asWritten.begin() + 4, asWritten.begin() + 6);
+    std::reverse (asWritten.begin() + 6, asWritten.begin() + 8);
+    return { id, asWritten };
+#else
+    return { id };
+#endif
 }
 
 std::map<std::uint32_t, juce::String> Vst3Processor::getCompatibleParameterIds (const InterfaceId&) const

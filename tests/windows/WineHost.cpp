@@ -1,14 +1,31 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "windows/WineHost.h"
 
-std::string WineHost::libraryPath()
-{
-    return LARKSPIRE_WINDOWS_LIBRARY;
-}
+#include "window/VirtualDisplay.h"
 
-std::string WineHost::bundlePath()
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace
 {
-    return LARKSPIRE_WINDOWS_BUNDLE;
+/** The display of all that Wine runs: its desktop stays with the one, or with none, that the first program has. */
+class Display : public testing::Environment
+{
+public:
+    void SetUp() override { display = std::make_unique<larkspire::window::VirtualDisplay>(); }
+    void TearDown() override { display.reset(); }
+
+private:
+    std::unique_ptr<larkspire::window::VirtualDisplay> display;
+};
+
+const auto* const display = testing::AddGlobalTestEnvironment (new Display);
+} // namespace
+
+std::string WineHost::libraryPath (Format format)
+{
+    return format == Format::vst2 ? LARKSPIRE_WINDOWS_LIBRARY : LARKSPIRE_WINDOWS_BUNDLE;
 }
 
 std::string WineHost::programPath()
@@ -44,9 +61,9 @@ Call WineHost::call (const std::vector<std::string>& words)
              .longestRun = 120 };
 }
 
-WineHost::Report WineHost::run (const std::string& command, const std::vector<std::string>& arguments)
+WineHost::Report WineHost::run (const std::string& command, const std::vector<std::string>& arguments, Format format)
 {
-    std::vector<std::string> words { programPath(), command, libraryPath() };
+    std::vector<std::string> words { programPath(), command, libraryPath (format) };
     words.insert (words.end(), arguments.begin(), arguments.end());
     const auto output = outputOf (call (words));
     Report report;

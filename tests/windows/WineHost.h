@@ -2,9 +2,10 @@
 #pragma once
 
 #include "support/Child.h"
+#include "support/PluginUnderTest.h"
 
-#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 /** The tests' own Windows host, run by Wine. */
@@ -23,14 +24,14 @@ public:
         std::vector<std::pair<std::string, std::string>> lines;
     };
 
-    /** Runs a command of the host on the library that was built. Throws std::runtime_error, with what it wrote,
-       if it fails or takes longer than two minutes. */
-    static Report run (const std::string& command, const std::vector<std::string>& arguments = {});
+    /** Runs a command of the host on the library of a format that was built. Throws std::runtime_error, with what it
+       wrote, if it fails or takes longer than two minutes. */
+    static Report
+    run (const std::string& command, const std::vector<std::string>& arguments = {}, Format format = Format::vst2);
 
     /** How Wine is called to run a Windows program: its path, then its arguments. It has two minutes. */
     static Call call (const std::vector<std::string>& words);
 
-    static std::string libraryPath();
-    static std::string bundlePath(); // the VST 3 bundle, a folder
+    static std::string libraryPath (Format format = Format::vst2);
     static std::string programPath();
 };

@@ -4,7 +4,6 @@
 #include <windows.h>
 
 #include <cstdlib>
-#include <fstream>
 #include <stdexcept>
 #include <vector>
 
@@ -32,33 +31,25 @@ BOOL CALLBACK keepFirst (HWND window, LPARAM first)
 }
 } // namespace
 
-NativeWindow::NativeWindow (const larkspire::PluginInstance& hosted) : plugin (hosted)
+NativeWindow::NativeWindow (HostedPlugin& hosted) : plugin (hosted)
 {
-    Vst2::ERect* bounds = nullptr;
-    plugin.dispatch (Vst2::effEditGetRect, 0, 0, &bounds);
-
-    if (bounds == nullptr)
-        throw std::runtime_error ("there is no editor");
-
-    editorWidth = bounds->right - bounds->left;
-    editorHeight = bounds->bottom - bounds->top;
     registerClass();
-    RECT frame { 0, 0, editorWidth, editorHeight };
-    AdjustWindowRect (&frame, WS_OVERLAPPEDWINDOW, FALSE);
     auto* host = CreateWindowA (className,
                                 "host",
                                 WS_OVERLAPPEDWINDOW | WS_VISIBLE | WS_CLIPCHILDREN,
                                 20,
-                                300,
-                                frame.right - frame.left,
-                                frame.bottom - frame.top,
+                                200,
+                                100,
+                                100,
                                 nullptr,
                                 nullptr,
                                 GetModuleHandleA (nullptr),
                                 nullptr);
     window = host;
+    resize (plugin.size());
+    plugin.resized = [this] (HostedPlugin::Size wanted) { resize (wanted); };
     pump (100);
-    plugin.dispatch (Vst2::effEditOpen, 0, 0, host);
+    plugin.open (host);
     HWND first = nullptr;
     EnumChildWindows (host, keepFirst, reinterpret_cast<LPARAM> (&first));
     child = first;
@@ -69,10 +60,25 @@ NativeWindow::NativeWindow (const larkspire::PluginInstance& hosted) : plugin (h
 
 NativeWindow::~NativeWindow()
 {
-    plugin.dispatch (Vst2::effEditClose);
+    plugin.close();
+    plugin.resized = nullptr;
     pump (50);
     DestroyWindow (static_cast<HWND> (window));
     pump (50);
+}
+
+void NativeWindow::resize (HostedPlugin::Size wanted)
+{
+    editorSize = wanted;
+    RECT frame { 0, 0, wanted.width, wanted.height };
+    AdjustWindowRect (&frame, WS_OVERLAPPEDWINDOW, FALSE);
+    SetWindowPos (static_cast<HWND> (window),
+                  nullptr,
+                  0,
+                  0,
+                  frame.right - frame.left,
+                  frame.bottom - frame.top,
+                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void NativeWindow::pump (unsigned int milliseconds)
@@ -91,7 +97,7 @@ void NativeWindow::pump (unsigned int milliseconds)
         }
         else
         {
-            plugin.dispatch (Vst2::effEditIdle);
+            plugin.idle();
             Sleep (5);
         }
     }
@@ -115,28 +121,30 @@ void NativeWindow::drag (int x, int y, int distance)
     pump (30);
 }
 
-void NativeWindow::photograph (const std::string& path)
+larkspire::window::Picture NativeWindow::picture() const
 {
+    const auto [width, height] = editorSize;
     POINT corner { 0, 0 };
     ClientToScreen (static_cast<HWND> (window), &corner);
 
     auto* screen = GetDC (nullptr);
     auto* memory = CreateCompatibleDC (screen);
-    auto* bitmap = CreateCompatibleBitmap (screen, editorWidth, editorHeight);
+    auto* bitmap = CreateCompatibleBitmap (screen, width, height);
     SelectObject (memory, bitmap);
-    BitBlt (memory, 0, 0, editorWidth, editorHeight, screen, corner.x, corner.y, SRCCOPY);
+    BitBlt (memory, 0, 0, width, height, screen, corner.x, corner.y, SRCCOPY);
 
     BITMAPINFO format {};
-    format.bmiHeader = { sizeof (BITMAPINFOHEADER), editorWidth, -editorHeight, 1, 32, BI_RGB, 0, 0, 0, 0, 0 };
-    std::vector<unsigned char> pixels (static_cast<std::size_t> (editorWidth * editorHeight * 4));
-    GetDIBits (memory, bitmap, 0, static_cast<UINT> (editorHeight), pixels.data(), &format, DIB_RGB_COLORS);
+    format.bmiHeader = { sizeof (BITMAPINFOHEADER), width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0 };
+    std::vector<unsigned char> pixels (static_cast<std::size_t> (width * height * 4));
+    GetDIBits (memory, bitmap, 0, static_cast<UINT> (height), pixels.data(), &format, DIB_RGB_COLORS);
     DeleteObject (bitmap);
     DeleteDC (memory);
     ReleaseDC (nullptr, screen);
 
-    std::ofstream file (path, std::ios::binary);
-    file << "P6\n" << editorWidth << " " << editorHeight << "\n255\n";
+    larkspire::window::Picture picture { width, height, {} };
 
     for (std::size_t i = 0; i < pixels.size(); i += 4)
-        file << static_cast<char> (pixels[i + 2]) << static_cast<char> (pixels[i + 1]) << static_cast<char> (pixels[i]);
+        picture.pixels.push_back ({ pixels[i + 2], pixels[i + 1], pixels[i] });
+
+    return picture;
 }

@@ -1,22 +1,20 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "host/PluginInstance.h"
+#include "window/Picture.h"
+#include "windows/host/HostedPlugin.h"
 
-#include <string>
-
-/** A plug-in's editor in a window of this program. */
+/** A plug-in's editor in a window of this program, which takes the size that the editor asks for. */
 class NativeWindow
 {
 public:
-    explicit NativeWindow (const larkspire::PluginInstance& hosted);
+    explicit NativeWindow (HostedPlugin& hosted);
     ~NativeWindow();
 
     NativeWindow (const NativeWindow&) = delete;
     NativeWindow& operator= (const NativeWindow&) = delete;
 
-    int width() const { return editorWidth; }
-    int height() const { return editorHeight; }
+    HostedPlugin::Size size() const { return editorSize; }
 
     /** Handles messages for so long, as a host does. */
     void pump (unsigned int milliseconds);
@@ -24,13 +22,14 @@ public:
     /** Drags in the editor with the left button, from a place so far down (negative: up). */
     void drag (int x, int y, int distance);
 
-    /** Writes what the screen shows of the editor as a picture in the PPM format. */
-    void photograph (const std::string& path);
+    /** What the screen shows of the editor. */
+    larkspire::window::Picture picture() const;
 
 private:
-    const larkspire::PluginInstance& plugin;
+    void resize (HostedPlugin::Size wanted);
+
+    HostedPlugin& plugin;
     void* window = nullptr; // Windows' handles; its header stays out of this one
     void* child = nullptr;
-    int editorWidth = 0;
-    int editorHeight = 0;
+    HostedPlugin::Size editorSize;
 };

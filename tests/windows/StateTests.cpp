@@ -53,8 +53,10 @@ void expectRestored (Format format, const std::vector<Saved>& all)
     for (std::size_t i = 0; i < all.size(); ++i)
     {
         const auto again = bytesOf (files[2 * i + 1]);
-        EXPECT_NEAR (std::stof (parameters[i]), knobPosition (all[i].position), 5e-5f) << all[i].state;
-        EXPECT_EQ (attribute (again, "mode"), attribute (all[i].state, "mode")) << all[i].state;
+        EXPECT_NEAR (std::stof (parameters[i]), knobPosition (all[i].position), 5e-5f)
+            << "state " << i << " of position " << all[i].position;
+        EXPECT_EQ (attribute (again, "mode"), attribute (all[i].state, "mode"))
+            << "state " << i << " of position " << all[i].position;
     }
 }
 

@@ -120,8 +120,8 @@ void printParameters (Vst3Instance& instance)
     instance.load (instance.save());
     const auto remapping = queryFor<Vst::IRemapParamID> (controller, Vst::IRemapParamID_iid);
     Vst::ParamID mapped = 0;
-    require (remapping->getCompatibleParamID (classOfVst2().data(), 0, mapped), "mapping the parameter of VST 2");
-    std::printf ("parameter 0 of VST 2: %s\n", mapped == instance.modeId() ? "Mode" : "another");
+    const bool isMapped = remapping->getCompatibleParamID (classOfVst2().data(), 0, mapped) == kResultTrue;
+    std::printf ("parameter 0 of VST 2: %s\n", ! isMapped ? "none" : mapped == instance.modeId() ? "Mode" : "another");
 }
 
 void identifyVst3 (const std::string& path)

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "window/EditorWindow.h"
+#include "window/HostWindow.h"
 
 /** The user's hand on the mouse and the keyboard, over one editor. Places are pixels from the window's corner. The X
     server itself makes the events; after each the editor gets time to answer. */
 class Mouse
 {
 public:
-    explicit Mouse (larkspire::window::EditorWindow& editor) : window (editor) {}
+    explicit Mouse (larkspire::window::HostWindow& editor) : window (editor) {}
 
     /** Lets every key and button go that is still down. */
     ~Mouse();
@@ -39,7 +39,7 @@ private:
     void key (Key key, bool down);
     void settle();
 
-    larkspire::window::EditorWindow& window;
+    larkspire::window::HostWindow& window;
     int mouseX = 0;
     int mouseY = 0;
     bool buttonIsDown = false;

@@ -17,6 +17,14 @@ public:
     /** Ends an edit that is going on: the knob may be held while the host closes the window. */
     ~Vst3Editor() override;
 
+    /** Draws the window this many times as large. Factors are limited to a quarter and to eight; what is no positive
+        number changes nothing. */
+    void setScaleFactor (float factor) override;
+
+    /** Goes back to the one size that there is before scaling: hosts may set another in spite of what they are told,
+       and JUCE's wrapper sets one that is rounded at each change of the factor. */
+    void resized() override;
+
     void sliderValueChanged (juce::Slider* s) override;
     void sliderDragStarted (juce::Slider*) override { beginEdit(); }
     void sliderDragEnded (juce::Slider*) override { endEdit(); }

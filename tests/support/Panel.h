@@ -19,18 +19,21 @@ lightPixels (const larkspire::window::Picture& picture, int left, int top, int r
     return count;
 }
 
-/** Each of the four texts stands in its place, in whatever letters. The scale is the number of pixels in place of one.
- */
-inline void expectAllTexts (const larkspire::window::Picture& picture, int scale = 1)
+/** Each of the four texts stands in its place, in whatever letters, in a window drawn this many times as large as it
+    is. */
+inline void expectAllTexts (const larkspire::window::Picture& picture, double scale = 1.0)
 {
-    const auto light = [&] (int left, int top, int right, int bottom, int background)
+    const auto expectText =
+        [&] (const char* name, int left, int top, int right, int bottom, int background, int leastPixels)
     {
-        return lightPixels (picture, scale * left, scale * top, scale * right, scale * bottom, background)
-               / (scale * scale);
+        const auto scaled = [scale] (int place) { return static_cast<int> (scale * place); };
+        EXPECT_GT (lightPixels (picture, scaled (left), scaled (top), scaled (right), scaled (bottom), background),
+                   static_cast<int> (scale * scale * leastPixels))
+            << name;
     };
 
-    EXPECT_GT (light (0, 5, 250, 30, 0x00), 200) << "title";
-    EXPECT_GT (light (90, 50, 160, 67, 0x30), 60) << "Amount";
-    EXPECT_GT (light (90, 164, 160, 182, 0x30), 60) << "mode";
-    EXPECT_GT (light (180, 230, 246, 250, 0x30), 60) << "version";
+    expectText ("title", 0, 5, 250, 30, 0x00, 200);
+    expectText ("Amount", 90, 50, 160, 67, 0x30, 60);
+    expectText ("mode", 90, 164, 160, 182, 0x30, 60);
+    expectText ("version", 180, 230, 246, 250, 0x30, 60);
 }

@@ -3,30 +3,55 @@
 
 #include "support/Paths.h"
 #include "support/RawHost.h"
-#include "support/vst3/Vst3Instance.h"
+#include "support/vst3/Vst3Window.h"
+#include "window/EditorWindow.h"
 
 #include <stdexcept>
+#include <utility>
 
 namespace
 {
+using larkspire::window::HostWindow;
+
 class ByVst2 : public PluginUnderTest
 {
 public:
-    ByVst2() { host.stopLogging(); }
-
     void setParameter (float value) override { host.setParameter (value); }
     float getParameter() override { return host.getParameter(); }
     void setBypass (bool isBypassed) override { host.dispatch (Vst2::effSetBypass, 0, isBypassed ? 1 : 0); }
     bool setChannels (int channels) override { return host.setChannels (channels); }
     void prepare (float sampleRate, int blockSize) override { host.prepare (sampleRate, blockSize); }
-    void resume() override { host.resume(); }
     void suspend() override { host.suspend(); }
     std::string save() override { return host.chunk(); }
     void load (const std::string& state) override { host.setChunk (state); }
 
+    void resume() override
+    {
+        host.stopLogging();
+        host.resume();
+    }
+
     void process (float* const* inputs, float* const* outputs, std::size_t frames) override
     {
         host.process (inputs, outputs, frames);
+    }
+
+    std::unique_ptr<HostWindow> openEditor (int x, int y) override
+    {
+        return std::make_unique<larkspire::window::EditorWindow> (host, x, y);
+    }
+
+    std::vector<Edit> takeEdits() override
+    {
+        std::vector<Edit> edits;
+
+        for (const auto& [opcode, index, value] : host.takeCalls())
+            if (opcode == Vst2::audioMasterAutomate)
+                edits.push_back ({ Edit::change, index == 0, value });
+            else if (opcode == Vst2::audioMasterBeginEdit || opcode == Vst2::audioMasterEndEdit)
+                edits.push_back ({ opcode == Vst2::audioMasterBeginEdit ? Edit::begin : Edit::end, index == 0, 0.0f });
+
+        return edits;
     }
 
 private:
@@ -54,6 +79,22 @@ public:
     void process (float* const* inputs, float* const* outputs, std::size_t frames) override
     {
         instance.process (inputs, outputs, frames);
+    }
+
+    std::unique_ptr<HostWindow> openEditor (int x, int y) override
+    {
+        return std::make_unique<Vst3Window> (instance, Vst3Window::Host { .x = x, .y = y });
+    }
+
+    std::vector<Edit> takeEdits() override
+    {
+        std::vector<Edit> edits;
+
+        for (const auto& [kind, parameter, value] : std::exchange (instance.log.edits, {}))
+            edits.push_back (
+                { static_cast<Edit::Kind> (kind), parameter == instance.modeId(), static_cast<float> (value) });
+
+        return edits;
     }
 
 private:

@@ -3,12 +3,14 @@
 
 #include "support/KnobPosition.h"
 #include "support/Signals.h"
+#include "window/HostWindow.h"
 
 #include <array>
 #include <cstddef>
 #include <memory>
 #include <ostream>
 #include <string>
+#include <vector>
 
 /** The interfaces by which hosts load the plug-in. */
 enum class Format
@@ -61,6 +63,30 @@ public:
     /** The state as the host gets it, and back. */
     virtual std::string save() = 0;
     virtual void load (const std::string& state) = 0;
+
+    /** Opens the editor in a window at a place of the screen. The window must go before this does. */
+    virtual std::unique_ptr<larkspire::window::HostWindow> openEditor (int x = 0, int y = 0) = 0;
+
+    /** What the plug-in tells its host of the user's hand. */
+    struct Edit
+    {
+        enum Kind
+        {
+            begin,
+            change,
+            end
+        };
+
+        Kind kind;
+        bool isOfKnob;
+        float value; // of a change
+
+        bool operator== (const Edit&) const = default;
+    };
+
+    /** All that it has told since the last call of this, and before resume(): what the audio thread asks of a host is
+        not written down. */
+    virtual std::vector<Edit> takeEdits() = 0;
 
     /** Sets layout, rate in Hz and block size, and resumes. Throws std::runtime_error if the layout is refused. */
     void start (float rate, int blockSize = 4096, bool mono = false);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "support/RawHost.h"
 #include "support/Repeating.h"
 
 #include <array>
@@ -14,7 +13,10 @@
 class RunningAudio
 {
 public:
-    explicit RunningAudio (RawHost& host) : thread ([this, &host] { processBlock (host); }) {}
+    template <typename Plugin>
+    explicit RunningAudio (Plugin& plugin) : thread ([this, &plugin] { processBlock (plugin); })
+    {
+    }
 
     std::size_t blocks() const { return thread.times(); }
     bool wasAlwaysFinite() const { return finite; }
@@ -23,7 +25,8 @@ public:
     bool wasAlwaysWithinItsBounds() const { return withinBounds; }
 
 private:
-    void processBlock (RawHost& host)
+    template <typename Plugin>
+    void processBlock (Plugin& plugin)
     {
         constexpr std::array levels { 0.001f, 0.25f, 1.0f, 19.0f };
         const float level = levels.at (nextLevel++ % levels.size());
@@ -31,7 +34,8 @@ private:
         for (std::size_t i = 0; i < left.size(); ++i)
             left[i] = right[i] = level * std::sin (0.05f * static_cast<float> (i));
 
-        host.process (left, right, 0, left.size());
+        float* const channels[] = { left.data(), right.data() };
+        plugin.process (channels, channels, left.size());
 
         for (const auto* channel : { &left, &right })
             for (const float sample : *channel)

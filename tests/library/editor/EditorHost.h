@@ -3,26 +3,30 @@
 
 #include "library/editor/Mouse.h"
 #include "support/Panel.h"
-#include "support/RawHost.h"
-#include "window/EditorWindow.h"
+#include "support/PluginUnderTest.h"
 #include "window/VirtualDisplay.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
+#include <string>
+#include <vector>
 
 /** Where the knob's centre stands in the window, in pixels. */
 inline constexpr int knobX = 125;
 inline constexpr int knobY = 120;
 
-/** An instance of the built library with its editor open in a window, on a display of the test's own. */
+/** An instance of a built library with its editor open in a window, on a display of the test's own. */
 class OpenEditor
 {
 public:
     /** With the parameter at a value. The window stands low on the screen: there is room for a long way up. */
-    explicit OpenEditor (float value = knobPosition (2), int x = 0)
-        : host (beforeOpening (value)),
-          window (*host, x, 450),
+    explicit OpenEditor (Format itsFormat, float value = knobPosition (2), int x = 0)
+        : format (itsFormat),
+          host (beforeOpening (format, value)),
+          opened (host->openEditor (x, 450)),
+          window (*opened),
           mouse (window)
     {
     }
@@ -36,49 +40,65 @@ public:
     /** Gives it more time than it takes to follow the parameter. */
     void waitForTheNextTick() { window.idle (std::chrono::milliseconds (700)); }
 
-    /** The values of all automation since the last call, where nothing else but them came. */
-    std::vector<float> takeAutomation()
+    /** All that the host was told since the last call, a letter each: the position that the knob came to, or a bracket
+        where an edit begins or ends. */
+    std::string takeStory() const
     {
-        std::vector<float> values;
+        std::string story;
 
-        for (const auto& call : host->takeCalls())
+        for (const auto& [kind, isOfKnob, value] : host->takeEdits())
         {
-            EXPECT_NE (call.opcode, Vst2::audioMasterBeginEdit);
-            EXPECT_NE (call.opcode, Vst2::audioMasterEndEdit);
+            const auto position = static_cast<int> (std::lround (value * 9.0f));
+            EXPECT_TRUE (isOfKnob);
+            EXPECT_NEAR (value, knobPosition (position), 1e-6f);
 
-            if (call.opcode == Vst2::audioMasterAutomate)
-            {
-                EXPECT_EQ (call.index, 0);
-                values.push_back (call.opt);
-            }
+            if (kind == PluginUnderTest::Edit::change)
+                story += std::to_string (position);
+            else
+                story += kind == PluginUnderTest::Edit::begin ? '(' : ')';
         }
 
-        return values;
+        return story;
     }
 
-    std::unique_ptr<RawHost> host;
-    larkspire::window::EditorWindow window;
+    /** What becomes of a story by VST 3 in the format of this editor: by VST 2 there are no edits around positions. */
+    std::string asTold (std::string story) const
+    {
+        if (format == Format::vst2)
+            std::erase_if (story, [] (char letter) { return letter == '(' || letter == ')'; });
+
+        return story;
+    }
+
+    /** Closes the window; there is no picture and no mouse any more. */
+    void close() { opened.reset(); }
+
+    const Format format;
+    const std::unique_ptr<PluginUnderTest> host;
+    std::unique_ptr<larkspire::window::HostWindow> opened;
+    larkspire::window::HostWindow& window;
     Mouse mouse;
 
 private:
-    static std::unique_ptr<RawHost> beforeOpening (float value)
+    static std::unique_ptr<PluginUnderTest> beforeOpening (Format format, float value)
     {
-        auto host = std::make_unique<RawHost>();
+        auto host = openPlugin (format);
         host->setParameter (value);
-        host->takeCalls();
+        host->takeEdits();
         return host;
     }
 };
 
 /** A suite whose tests open windows: the display is there before the library is. */
-class WithDisplay : public testing::Test
+template <typename Base = testing::Test>
+class WithDisplay : public Base
 {
 protected:
     static void SetUpTestSuite() { display = std::make_unique<larkspire::window::VirtualDisplay>(); }
 
     static void TearDownTestSuite()
     {
-        EXPECT_EQ (larkspire::window::EditorWindow::refusals(), std::vector<std::string> {}) << "by the X server";
+        EXPECT_EQ (larkspire::window::HostWindow::refusals(), std::vector<std::string> {}) << "by the X server";
         display.reset();
     }
 

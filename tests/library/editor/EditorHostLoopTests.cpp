@@ -4,7 +4,9 @@
 #include "support/EnvironmentVariable.h"
 #include "support/GLib.h"
 #include "support/OwnProcess.h"
+#include "support/RawHost.h"
 #include "support/Repeating.h"
+#include "window/EditorWindow.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -72,7 +74,7 @@ TEST (EditorHostLoop, DrawsAndFollowsMouseAndAutomationWithoutIdles)
             std::optional<Picture> idled;
 
             {
-                OpenEditor editor;
+                OpenEditor editor (Format::vst2);
                 EXPECT_TRUE (editor.comesToShow (2));
                 idled = editor.window.picture();
             }
@@ -165,7 +167,7 @@ TEST (EditorHostLoop, StaysOutOfALoopOnAnotherThread)
                 EXPECT_FALSE (window.isDrawn());
             }
 
-            OpenEditor editor;
+            OpenEditor editor (Format::vst2);
             EXPECT_TRUE (editor.comesToShow (2));
         });
 }
@@ -182,7 +184,7 @@ TEST (EditorHostLoop, LeavesAHostWithoutOneAsItIs)
                 EXPECT_FALSE (window.isDrawn());
             }
 
-            OpenEditor editor;
+            OpenEditor editor (Format::vst2);
             EXPECT_TRUE (editor.comesToShow (2));
             EXPECT_FALSE (GLib::isThere());
         });
@@ -194,7 +196,7 @@ TEST (EditorHostLoop, DrawsAsBeforeInAHostThatIdlesBesidesItsLoop)
         []
         {
             const GLib loop;
-            OpenEditor editor;
+            OpenEditor editor (Format::vst2);
 
             for (const int position : { 2, 3, 1 })
             {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// The user's hand on the knob of the built library, and what the host gets to know of it.
+// The user's hand on the knob of the built libraries, and what the host gets to know of it.
 #include "library/editor/EditorHost.h"
 #include "support/KnobPosition.h"
 
@@ -7,7 +7,7 @@
 
 namespace
 {
-class EditorMouse : public WithDisplay
+class EditorMouse : public WithDisplay<testing::TestWithParam<Format>>
 {
 protected:
     static void expectPosition (OpenEditor& editor, int position)
@@ -24,10 +24,12 @@ protected:
     }
 };
 
+INSTANTIATE_TEST_SUITE_P (By, EditorMouse, testing::ValuesIn (bothFormats), testing::PrintToStringParamName());
+
 // Positions change half way between them: after 1/6, 3/6 and 5/6 of the range.
-TEST_F (EditorMouse, DragsTheFullRangeIn250Pixels)
+TEST_P (EditorMouse, DragsTheFullRangeIn250Pixels)
 {
-    OpenEditor editor (0.0f);
+    OpenEditor editor (GetParam(), 0.0f);
     takeHold (editor, 0);
     editor.mouse.moveVertically (-41);
     expectPosition (editor, 0);
@@ -43,9 +45,9 @@ TEST_F (EditorMouse, DragsTheFullRangeIn250Pixels)
     expectPosition (editor, 0);
 }
 
-TEST_F (EditorMouse, DragsTenTimesFinerWithAltAtTheStartAndKeepsThatThroughTheDrag)
+TEST_P (EditorMouse, DragsTenTimesFinerWithAltAtTheStartAndKeepsThatThroughTheDrag)
 {
-    OpenEditor editor (0.0f);
+    OpenEditor editor (GetParam(), 0.0f);
     ASSERT_TRUE (editor.comesToShow (0));
     editor.mouse.hold (Mouse::Key::alt);
     takeHold (editor, 0);
@@ -64,38 +66,40 @@ TEST_F (EditorMouse, DragsTenTimesFinerWithAltAtTheStartAndKeepsThatThroughTheDr
     expectPosition (editor, 2);
 }
 
-TEST_F (EditorMouse, ReturnsToTheDefaultOnADoubleClick)
+TEST_P (EditorMouse, ReturnsToTheDefaultOnADoubleClick)
 {
-    OpenEditor editor (0.0f);
+    OpenEditor editor (GetParam(), 0.0f);
     ASSERT_TRUE (editor.comesToShow (0));
     editor.mouse.moveTo (knobX, knobY);
     editor.mouse.click();
     expectPosition (editor, 0);
     editor.waitForTheNextTick(); // long enough for the next click to be a first one
-    editor.takeAutomation();
+    EXPECT_EQ (editor.takeStory(), editor.asTold ("()"));
     editor.mouse.doubleClick();
     expectPosition (editor, 2);
-    EXPECT_EQ (editor.takeAutomation().size(), 1u);
     EXPECT_TRUE (editor.comesToShow (2));
+    EXPECT_EQ (editor.takeStory(), editor.asTold ("()()(2)"));
 }
 
-TEST_F (EditorMouse, ReturnsToTheDefaultOnAClickWithControlAndNotWithAlt)
+TEST_P (EditorMouse, ReturnsToTheDefaultOnAClickWithControlAndNotWithAlt)
 {
-    for (const auto& [key, position, times] : { std::tuple { Mouse::Key::control, 2, 1u }, { Mouse::Key::alt, 3, 0u } })
+    for (const auto& [key, position, story] :
+         { std::tuple { Mouse::Key::control, 2, "(2)" }, { Mouse::Key::alt, 3, "()" } })
     {
-        OpenEditor editor (knobPosition (3));
+        OpenEditor editor (GetParam(), knobPosition (3));
         ASSERT_TRUE (editor.comesToShow (3));
         editor.mouse.moveTo (knobX, knobY);
         editor.mouse.hold (key);
         editor.mouse.click();
         expectPosition (editor, position);
-        EXPECT_EQ (editor.takeAutomation().size(), times);
+        editor.waitForTheNextTick();
+        EXPECT_EQ (editor.takeStory(), editor.asTold (story));
     }
 }
 
-TEST_F (EditorMouse, MovesByPositionsWithTheWheel)
+TEST_P (EditorMouse, MovesByPositionsWithTheWheel)
 {
-    OpenEditor editor (0.0f);
+    OpenEditor editor (GetParam(), 0.0f);
     ASSERT_TRUE (editor.comesToShow (0));
     editor.mouse.moveTo (knobX, knobY);
 
@@ -112,19 +116,26 @@ TEST_F (EditorMouse, MovesByPositionsWithTheWheel)
     }
 }
 
-TEST_F (EditorMouse, TellsTheHostEveryPositionAndNoGesture)
+TEST_P (EditorMouse, TellsTheHostOfADragAsOneEdit)
 {
-    OpenEditor editor (0.0f);
+    OpenEditor editor (GetParam(), 0.0f);
     takeHold (editor, 0);
-    editor.takeAutomation();
     editor.mouse.moveVertically (-250);
+    editor.mouse.moveVertically (100);
+    EXPECT_EQ (editor.takeStory(), editor.asTold ("(1232"));
     editor.mouse.release();
+    editor.waitForTheNextTick();
+    EXPECT_EQ (editor.takeStory(), editor.asTold (")"));
+}
 
-    // That no gesture came is seen to by takeAutomation.
-    const auto values = editor.takeAutomation();
-    ASSERT_EQ (values.size(), 3u);
-    EXPECT_NEAR (values[0], knobPosition (1), 1e-6f);
-    EXPECT_NEAR (values[1], knobPosition (2), 1e-6f);
-    EXPECT_NEAR (values[2], knobPosition (3), 1e-6f);
+TEST_P (EditorMouse, TellsTheHostOfEachTurnOfTheWheelAsAnEdit)
+{
+    OpenEditor editor (GetParam(), 0.0f);
+    ASSERT_TRUE (editor.comesToShow (0));
+    editor.mouse.moveTo (knobX, knobY);
+    editor.mouse.turnWheel (2);
+    editor.mouse.turnWheel (-1);
+    editor.waitForTheNextTick();
+    EXPECT_EQ (editor.takeStory(), editor.asTold ("(1)(2)(1)"));
 }
 } // namespace

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // All threads of a host at once: audio, automation, saving and loading, the window.
 #include "library/editor/EditorHost.h"
+#include "support/RawHost.h"
 #include "support/Repeating.h"
 #include "support/RunningAudio.h"
 #include "support/StateBlock.h"
+#include "window/EditorWindow.h"
 
 #include <chrono>
 #include <random>
@@ -12,7 +14,7 @@ namespace
 {
 constexpr auto patience = std::chrono::minutes (4); // less than a test is given
 
-class EditorThreads : public WithDisplay
+class EditorThreads : public WithDisplay<>
 {
 };
 

@@ -95,19 +95,39 @@ std::string ModelledVst3::askForConstants (Dice&)
     return "ask for constants";
 }
 
-std::string ModelledVst3::openEditor (Dice&)
+std::string ModelledVst3::openEditor (Dice& dice)
 {
-    return "have no window";
+    if (window != nullptr)
+        return "leave the window open";
+
+    constexpr std::array scales { 0.0f, 1.0f, 1.5f, 2.0f };
+    const auto scale = dice.oneOf (scales);
+    window = std::make_unique<Vst3Window> (
+        instance, Vst3Window::Host { .x = static_cast<int> (dice.below (700)), .scale = scale });
+    lastScale = scale > 0.0f ? scale : lastScale; // which the wrapper keeps from one window to the next
+    const auto side = static_cast<int> (250.0f * lastScale);
+    require ("the window's width", window->width(), side);
+    require ("the window's height", window->height(), side);
+    requireParameter();
+    requireSilenceTowardsTheHost();
+    return "open the window";
 }
 
-std::string ModelledVst3::idleEditor (Dice&)
+std::string ModelledVst3::idleEditor (Dice& dice)
 {
-    return "have no window";
+    if (window != nullptr)
+        window->idle (std::chrono::milliseconds (dice.below (3)));
+
+    requireParameter();
+    requireSilenceTowardsTheHost();
+    return "give the window time";
 }
 
 std::string ModelledVst3::closeEditor (Dice&)
 {
-    return "have no window";
+    window.reset();
+    requireParameter();
+    return "close the window";
 }
 
 void ModelledVst3::tellSuspend()

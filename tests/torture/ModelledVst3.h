@@ -2,8 +2,10 @@
 #pragma once
 
 #include "support/vst3/Vst3Instance.h"
+#include "support/vst3/Vst3Window.h"
 #include "torture/ModelledInstance.h"
 
+#include <memory>
 #include <string>
 
 /** An instance of the VST 3 bundle. A host keeps to some rules, and so does this:
@@ -23,7 +25,7 @@ public:
     std::string openEditor (Dice& dice) override;
     std::string idleEditor (Dice& dice) override;
     std::string closeEditor (Dice& dice) override;
-    bool hasEditor() const override { return false; }
+    bool hasEditor() const override { return window != nullptr; }
     std::string askForConstants (Dice& dice) override;
 
 protected:
@@ -50,4 +52,6 @@ protected:
 private:
     Vst3Module module;
     Vst3Instance instance;
+    std::unique_ptr<Vst3Window> window;
+    float lastScale = 1.0f;
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "vst3/PositionParameter.h"
 
+#include <algorithm>
+
 namespace larkspire
 {
 
@@ -16,10 +18,12 @@ PositionParameter::PositionParameter (const AudioParameterFloatQuendal& original
 
 juce::String PositionParameter::getText (float position, int maximumLength) const
 {
-    auto text = juce::String::fromUTF8 (valueToText (position).c_str());
+    // In this order NaN becomes 1, which has no name and sounds as NaN does.
+    const float inRange = std::min (1.0f, std::max (position, 0.0f));
+    auto text = juce::String::fromUTF8 (valueToText (inRange).c_str());
 
     if (text.isEmpty())
-        text = "unused " + juce::String (getChoiceIndex (position) + 1);
+        text = "unused " + juce::String (getChoiceIndex (inRange) + 1);
 
     return maximumLength > 0 ? text.substring (0, maximumLength) : text;
 }
@@ -33,7 +37,8 @@ float PositionParameter::getValueForText (const juce::String& text) const
         if (const auto position = static_cast<float> (i) / lastPosition; typed.equalsIgnoreCase (getText (position, 0)))
             return position;
 
-    const bool isNumber = typed.containsAnyOf ("0123456789") && typed.indexOfAnyOf ("+-.0123456789") == 0;
+    const auto digits = typed.startsWithChar ('+') || typed.startsWithChar ('-') ? typed.substring (1) : typed;
+    const bool isNumber = digits.indexOfAnyOf ("0123456789") == (digits.startsWithChar ('.') ? 1 : 0);
     return isNumber ? juce::jlimit (0.0f, 1.0f, typed.getFloatValue()) : get();
 }
 

@@ -18,11 +18,11 @@ public:
     bool isDiscrete() const override { return true; }
     int getNumSteps() const override { return getStepCount(); }
 
-    /** The position's name; of one without a name its number, counted from 1. */
+    /** The nearest position's name; of one without a name its number, counted from 1. */
     juce::String getText (float position, int maximumLength) const override;
 
-    /** The value of a typed text: a position's text in any case of letters, or a number, limited to 0 to 1. Any other
-        text leaves the value as it is. */
+    /** The value of a typed text: a position's text in any case of letters, or a number that the text begins with,
+        limited to 0 to 1. Any other text leaves the value as it is. */
     float getValueForText (const juce::String& text) const override;
 
 private:

@@ -8,6 +8,16 @@ AudioEngine:set_backend ("None (Dummy)", "", "")
 local session = assert (create_session (folder, "voice", rate), "no session")
 local tracks = session:new_audio_track (tonumber (channels), 2, nil, 1, "voice", ARDOUR.PresentationInfo.max_order,
                                         ARDOUR.TrackMode.Normal, true)
+
+-- A thread of Ardour's does this too, but now and then it misses a track, whose session would be silent.
+local output, master = tracks:front():output(), session:master_out():input()
+
+for channel = 0, 1 do
+    if not output:nth (channel):connected() then output:nth (channel):connect (master:nth (channel):name()) end
+
+    assert (output:nth (channel):connected(), "the track cannot be connected")
+end
+
 local plugin = ARDOUR.LuaAPI.new_plugin (session, "Quendal Larkspire", ARDOUR.PluginType[kind], "")
 assert (not plugin:isnil(), "Ardour knows no such plug-in")
 assert (tracks:front():to_route():add_processor_by_index (plugin, 0, nil, true) == 0, "the track refused the plug-in")
@@ -19,7 +29,7 @@ if state == "bypassed" then plugin:to_insert():enable (false) end
 assert (session:save_state ("", false, false, false, false, false) == 0, "the session cannot be saved")
 
 -- What the interpreter still holds when it ends outlives the audio engine, and its end then crashes the program.
-tracks, plugin = nil, nil
+tracks, output, master, plugin = nil, nil, nil, nil
 collectgarbage()
 close_session()
 

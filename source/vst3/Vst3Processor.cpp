@@ -5,8 +5,6 @@
 #include "vst3/PositionParameter.h"
 #include "vst3/Vst3Editor.h"
 
-#include <pluginterfaces/vst/ivstcomponent.h>
-
 #include <algorithm>
 #include <memory>
 
@@ -72,15 +70,22 @@ void Vst3Processor::setIHostApplication (Steinberg::FUnknown*)
 
 std::int32_t Vst3Processor::queryIAudioProcessor (const Steinberg::TUID id, void** object)
 {
-    auto* const wrapper = wrapperAs<Steinberg::Vst::IAudioProcessor>();
+    const auto isGiven = [&] (auto& guard, auto* wrapper, const Steinberg::TUID guarded)
+    {
+        if (wrapper == nullptr || ! Steinberg::FUnknownPrivate::iidEqual (id, guarded))
+            return false;
 
-    if (wrapper == nullptr || ! Steinberg::FUnknownPrivate::iidEqual (id, Steinberg::Vst::IAudioProcessor_iid))
-        return Steinberg::kNoInterface;
+        guard.guard (*wrapper);
+        guard.addRef();
+        *object = static_cast<decltype (wrapper)> (&guard);
+        return true;
+    };
 
-    blockGuard.guard (*wrapper);
-    blockGuard.addRef();
-    *object = static_cast<Steinberg::Vst::IAudioProcessor*> (&blockGuard);
-    return Steinberg::kResultOk;
+    using namespace Steinberg::Vst;
+    return isGiven (blockGuard, wrapperAs<IAudioProcessor>(), IAudioProcessor_iid)
+                   || isGiven (stateGuard, wrapperAs<IComponent>(), IComponent_iid)
+               ? Steinberg::kResultOk
+               : Steinberg::kNoInterface;
 }
 
 } // namespace larkspire

@@ -3,6 +3,7 @@
 
 #include "frame/LarkspireAudioProcessor.h"
 #include "vst3/BlockGuard.h"
+#include "vst3/StateGuard.h"
 
 #include <cstdint>
 #include <map>
@@ -38,7 +39,7 @@ private:
     /** Turns the buses on, for hosts that never do; one that wants them off says so afterwards. */
     void setIHostApplication (Steinberg::FUnknown*) override;
 
-    /** Gives hosts the guarded way to the audio. */
+    /** Gives hosts the guarded ways to the audio and to the state. */
     std::int32_t queryIAudioProcessor (const Steinberg::TUID id, void** object) override;
 
     /** An interface of JUCE's wrapper around this, or null. It has made itself the play head, which is the only way to
@@ -50,6 +51,7 @@ private:
     }
 
     BlockGuard blockGuard;
+    StateGuard stateGuard;
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (Vst3Processor)
 };

@@ -5,9 +5,6 @@
 
 PRESET := release
 LIBRARY := dist/linux/Quendal Larkspire.so
-VST_PATH ?= $(HOME)/.vst
-# VST_PATH may be a list; the first folder of it is installed to.
-INSTALL_FOLDER := $(firstword $(subst :, ,$(VST_PATH)))
 JOBS := $(shell nproc)
 JUCE_OPTION := $(if $(LARKSPIRE_JUCE),-DLARKSPIRE_JUCE="$(LARKSPIRE_JUCE)")
 
@@ -141,16 +138,11 @@ test-packages: package ## checks the packages; as root also installs and removes
 	@cmake --build --preset $(PRESET) --target larkspire-packages-tests
 	@scripts/packaging/test
 
-install: ## copies the library to ~/.vst, or to the first folder of VST_PATH
-	@test -f "$(LIBRARY)" || { echo "install: there is no $(LIBRARY) yet; run make first" >&2; exit 1; }
-	@mkdir -p "$(INSTALL_FOLDER)"
-	@cp "$(LIBRARY)" "$(INSTALL_FOLDER)/.Quendal Larkspire.so.new"
-	@mv "$(INSTALL_FOLDER)/.Quendal Larkspire.so.new" "$(INSTALL_FOLDER)/Quendal Larkspire.so"
-	@echo "installed $(INSTALL_FOLDER)/Quendal Larkspire.so"
+install: ## copies the plug-in to ~/.vst and ~/.vst3, or to the first folders of VST_PATH and VST3_PATH
+	@scripts/install
 
 uninstall: ## removes it again
-	@rm -f "$(INSTALL_FOLDER)/Quendal Larkspire.so"
-	@echo "removed $(INSTALL_FOLDER)/Quendal Larkspire.so"
+	@scripts/install --remove
 
 clean: ## removes all that was built
 	@rm -rf build dist demo

@@ -10,6 +10,18 @@
 #include <thread>
 #include <vector>
 
+/** What is in a folder and all below it, hidden files too, as sorted paths relative to it. */
+inline std::vector<std::string> contentsOf (const std::filesystem::path& folder)
+{
+    std::vector<std::string> names;
+
+    for (const auto& entry : std::filesystem::recursive_directory_iterator (folder))
+        names.push_back (entry.path().lexically_relative (folder).string());
+
+    std::sort (names.begin(), names.end());
+    return names;
+}
+
 /** A new empty folder of a test's own, gone with everything in it when the test ends. */
 class TemporaryFolder
 {
@@ -38,17 +50,7 @@ public:
     /** The path of something in the folder. */
     std::string operator/ (const std::string& name) const { return (folder / name).string(); }
 
-    /** What is in the folder and all below it, hidden files too, as sorted paths relative to it. */
-    std::vector<std::string> contents() const
-    {
-        std::vector<std::string> names;
-
-        for (const auto& entry : std::filesystem::recursive_directory_iterator (folder))
-            names.push_back (entry.path().lexically_relative (folder).string());
-
-        std::sort (names.begin(), names.end());
-        return names;
-    }
+    std::vector<std::string> contents() const { return contentsOf (folder); }
 
     /** Waits until a name that contains a text is in it; false if that takes more than 20 seconds. */
     bool showsSoon (const std::string& text) const

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// The built file: what it shows to others, what it needs of them, and two of it at once.
+// The built files: what they show to others, what they need of them, and two of one at once.
 #include "support/Child.h"
 #include "support/Comparison.h"
 #include "support/FirstMatch.h"
-#include "support/Paths.h"
-#include "support/RawHost.h"
+#include "support/PluginUnderTest.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -18,20 +17,27 @@
 
 namespace
 {
-/** What a program of the binutils says of the library. */
-std::string said (const std::string& program, std::vector<std::string> options)
+class LibraryFile : public testing::TestWithParam<Format>
 {
-    options.push_back (paths::plugin());
-    return outputOf (Call { .arguments = std::move (options), .program = program });
+protected:
+    /** What a program of the binutils says of the library. */
+    static std::string said (const std::string& program, std::vector<std::string> options)
+    {
+        options.push_back (libraryPath (GetParam()));
+        return outputOf (Call { .arguments = std::move (options), .program = program });
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P (Of, LibraryFile, testing::ValuesIn (bothFormats), testing::PrintToStringParamName());
+
+TEST_P (LibraryFile, ExportsItsEntriesAndNothingElse)
+{
+    const std::string entries =
+        GetParam() == Format::vst2 ? "VSTPluginMain\n" : "GetPluginFactory\nModuleEntry\nModuleExit\n";
+    EXPECT_EQ (said ("nm", { "--dynamic", "--defined-only", "--format=just-symbols" }), entries);
 }
 
-TEST (Library, ExportsItsEntryPointAndNothingElse)
-{
-    const auto symbols = said ("nm", { "--dynamic", "--defined-only", "--format=just-symbols" });
-    EXPECT_EQ (symbols, "VSTPluginMain\n");
-}
-
-TEST (Library, NeedsNothingNewerThanItsDocumentationSays)
+TEST_P (LibraryFile, NeedsNothingNewerThanItsDocumentationSays)
 {
     // The C++ runtime is inside; of the C library it asks what came with 2.35 or before.
     int newest = 0;
@@ -52,19 +58,22 @@ TEST (Library, NeedsNothingNewerThanItsDocumentationSays)
         EXPECT_TRUE (known.contains (library)) << library;
 }
 
-TEST (Library, WorksBesideACopyOfItself)
+TEST_P (LibraryFile, WorksBesideACopyOfItself)
 {
+    namespace fs = std::filesystem;
     const TemporaryFolder folder;
-    std::filesystem::copy_file (paths::plugin(), folder / "A copy.so");
+    const fs::path built = pluginPath (GetParam());
+    const auto copy = folder.path() / built.filename();
+    fs::copy (built, copy, fs::copy_options::recursive);
 
-    RawHost one;
-    RawHost other (folder / "A copy.so");
+    const auto one = openPlugin (GetParam());
+    const auto other = openPlugin (GetParam(), copy);
     auto first = noise (1000, -12.0, 1);
     auto second = first;
-    one.start (48000.0f);
-    other.start (48000.0f);
-    one.process (first.left, first.right, 0, 1000);
-    other.process (second.left, second.right, 0, 1000);
+    one->start (48000.0f);
+    other->start (48000.0f);
+    one->process (first, 0, 1000);
+    other->process (second, 0, 1000);
     EXPECT_TRUE (compare (first, second).sameBits);
 }
 } // namespace

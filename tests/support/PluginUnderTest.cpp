@@ -16,6 +16,8 @@ using larkspire::window::HostWindow;
 class ByVst2 : public PluginUnderTest
 {
 public:
+    explicit ByVst2 (const std::string& path) : host (path) {}
+
     void setParameter (float value) override { host.setParameter (value); }
     float getParameter() override { return host.getParameter(); }
     void setBypass (bool isBypassed) override { host.dispatch (Vst2::effSetBypass, 0, isBypassed ? 1 : 0); }
@@ -61,6 +63,8 @@ private:
 class ByVst3 : public PluginUnderTest
 {
 public:
+    explicit ByVst3 (const std::string& path) : module (path) {}
+
     void setParameter (float value) override { instance.setParameter (instance.modeId(), static_cast<double> (value)); }
     float getParameter() override { return static_cast<float> (instance.getParameter (instance.modeId())); }
     void setBypass (bool isBypassed) override { instance.setParameter (instance.bypassId(), isBypassed ? 1.0 : 0.0); }
@@ -98,7 +102,7 @@ public:
     }
 
 private:
-    Vst3Module module { paths::vst3() };
+    Vst3Module module;
     Vst3Instance instance { module };
 };
 } // namespace
@@ -118,12 +122,22 @@ void PluginUnderTest::process (Signal& signal, std::size_t from, std::size_t fra
     process (channels, channels, frames);
 }
 
+std::string pluginPath (Format format)
+{
+    return format == Format::vst2 ? paths::plugin() : paths::vst3();
+}
+
 std::unique_ptr<PluginUnderTest> openPlugin (Format format)
 {
-    if (format == Format::vst2)
-        return std::make_unique<ByVst2>();
+    return openPlugin (format, pluginPath (format));
+}
 
-    return std::make_unique<ByVst3>();
+std::unique_ptr<PluginUnderTest> openPlugin (Format format, const std::string& path)
+{
+    if (format == Format::vst2)
+        return std::make_unique<ByVst2> (path);
+
+    return std::make_unique<ByVst3> (path);
 }
 
 std::string libraryPath (Format format)

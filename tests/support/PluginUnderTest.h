@@ -95,8 +95,12 @@ public:
     void process (Signal& signal, std::size_t from, std::size_t frames);
 };
 
-/** Loads the built library of a format and makes an instance. */
+/** What has been built for a format: a library of VST 2, a bundle of VST 3. */
+std::string pluginPath (Format format);
+
+/** Loads the built plug-in by a format, or another one of that format, and makes an instance. */
 std::unique_ptr<PluginUnderTest> openPlugin (Format format);
+std::unique_ptr<PluginUnderTest> openPlugin (Format format, const std::string& path);
 
 /** The file that a format's host loads. */
 std::string libraryPath (Format format);

@@ -15,7 +15,7 @@ using Arguments = std::vector<std::string>;
 /** identity LIBRARY: what a host reads first. */
 void identity (const Arguments& arguments);
 
-/** properties FILE: what the system shows of the file. */
+/** properties LIBRARY: what the system shows of the file, of a bundle the one that is loaded. */
 void properties (const Arguments& arguments);
 
 /** render LIBRARY POSITION OUT IN...: files of interleaved stereo floats, each in every layout at every rate, one

@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "windows/host/Commands.h"
 
+#include "support/vst3/Vst3Module.h"
+
 #include <windows.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <stdexcept>
 
 void commands::properties (const Arguments& arguments)
 {
-    std::string resource (GetFileVersionInfoSizeA (arguments.at (0).c_str(), nullptr), '\0');
-    GetFileVersionInfoA (arguments.at (0).c_str(), 0, static_cast<DWORD> (resource.size()), resource.data());
+    const auto& library = arguments.at (0);
+    const auto file = std::filesystem::is_directory (library) ? Vst3Module::libraryOf (library).string() : library;
+    std::string resource (GetFileVersionInfoSizeA (file.c_str(), nullptr), '\0');
+    GetFileVersionInfoA (file.c_str(), 0, static_cast<DWORD> (resource.size()), resource.data());
     const auto query = [&resource] (const std::string& name)
     {
         void* value = nullptr;

@@ -21,13 +21,21 @@ function (larkspire_package component folder)
     install (FILES ${ARGN} DESTINATION "${folder}" COMPONENT ${component} EXCLUDE_FROM_ALL)
 endfunction ()
 
-# The library is no program and needs no mode of one.
+# The VST 3 bundle: its library below a folder named after the system, and its description.
+function (larkspire_package_bundle component folder system)
+    set (contents "${folder}/Quendal Larkspire.vst3/Contents")
+    larkspire_package (${component} "${contents}/${system}" "$<TARGET_FILE:Larkspire_VST3>")
+    larkspire_package (${component} "${contents}/Resources" "${LARKSPIRE_VST3_BUNDLE}/Contents/Resources/moduleinfo.json")
+endfunction ()
+
+# The libraries are no programs and need no mode of one.
 if (WIN32)
     larkspire_package (windows .
         "$<TARGET_FILE:Larkspire_VST>"
         "${documents}/INSTALL.txt"
         "${documents}/LICENSE.txt"
         "${documents}/THIRD-PARTY.txt")
+    larkspire_package_bundle (windows . x86_64-win)
     return ()
 endif ()
 
@@ -37,9 +45,11 @@ larkspire_package (portable .
     "${documents}/INSTALL.txt"
     "${documents}/THIRD-PARTY.txt"
     "${CMAKE_SOURCE_DIR}/LICENSE")
+larkspire_package_bundle (portable . x86_64-linux)
 install (TARGETS larkspire-render DESTINATION . COMPONENT portable EXCLUDE_FROM_ALL)
 
 larkspire_package (debian lib/vst "$<TARGET_FILE:Larkspire_VST>")
+larkspire_package_bundle (debian lib/vst3 x86_64-linux)
 larkspire_package (debian share/doc/quendal-larkspire "${documents}/changelog.gz" "${documents}/copyright")
 larkspire_package (debian share/man/man1 "${documents}/larkspire-render.1.gz")
 larkspire_package (debian share/metainfo "${documents}/com.quendal.larkspire.metainfo.xml")

@@ -1,6 +1,11 @@
 # What is linked into library and renderer that others wrote, and on which terms; to be included by WriteDocuments.cmake.
 # The words of the licences come from where the linked things came from: JUCE's tree and Debian's packages.
 set (juce_graphics "${LARKSPIRE_JUCE}/modules/juce_graphics")
+set (vst3_sdk "${LARKSPIRE_JUCE}/modules/juce_audio_processors/format_types/VST3_SDK")
+
+# The SDK's guidelines ask for this sentence wherever its name stands.
+set (LARKSPIRE_VST_TRADEMARK
+    "VST is a trademark of Steinberg Media Technologies GmbH, registered in Europe and other countries.")
 
 # A text as it stands, with single line ends.
 function (read_text path result)
@@ -56,6 +61,27 @@ function (read_json_licence result)
     set (${result} "${text}" PARENT_SCOPE)
 endfunction ()
 
+# The terms of the VST 3 SDK's classes, and who has the copyright. Its interfaces have to be offered under the GPL still.
+function (read_vst3_licence licence holder)
+    read_text ("${vst3_sdk}/pluginterfaces/LICENSE.txt" interfaces)
+    cut ("${interfaces}" "b) General Public License (GPL) Version 3" "\n" unused)
+    read_text ("${vst3_sdk}/base/LICENSE.txt" base)
+    read_text ("${vst3_sdk}/public.sdk/LICENSE.txt" classes)
+
+    if (NOT base STREQUAL classes)
+        message (FATAL_ERROR "  the terms of the VST 3 SDK's folders base and public.sdk are not the same any more")
+    endif ()
+
+    if (NOT base MATCHES "\\(c\\) ([0-9]+, [^\n]+)")
+        message (FATAL_ERROR "  ${vst3_sdk}/base/LICENSE.txt does not say any more who has the copyright")
+    endif ()
+
+    set (${holder} "${CMAKE_MATCH_1}" PARENT_SCOPE)
+    cut ("${base}" "// Redistribution" "//---" base)
+    string (REGEX REPLACE "(^|\n)// ?" "\\1" base "${base}")
+    set (${licence} "${base}" PARENT_SCOPE)
+endfunction ()
+
 # Each gives a heading and the text of a licence.
 function (licence_of part)
     if (part STREQUAL "framework")
@@ -66,6 +92,11 @@ function (licence_of part)
         read_text ("${juce_graphics}/unicode/sheenbidi/LICENSE" sheenbidi)
         set (heading "HarfBuzz and SheenBidi, which set the letters of the plug-in's window")
         set (text "HarfBuzz:\n\n${harfbuzz}\n\nSheenBidi, by Muhammad Tayyab Akram, with JUCE's changes to its include lines:\n\n${sheenbidi}")
+    elseif (part STREQUAL "vst3-sdk")
+        read_vst3_licence (classes holder)
+        read_text (/usr/share/common-licenses/GPL-3 gpl)
+        set (heading "VST 3 SDK, by Steinberg Media Technologies GmbH, which the VST 3 plug-in is built on: GPL-3.0 and BSD-3-Clause")
+        set (text "${LARKSPIRE_VST_TRADEMARK}\n\nIts classes:\n\n(c) ${holder}\n\n${classes}\n\nThe reader of JSON among them, json.h, is in the public domain.\n\nIts interfaces are used under the GPL, version 3, whose section 13 allows it beside the AGPL:\n\n${gpl}")
     elseif (part STREQUAL "compiler-runtime")
         read_compiler_exception (exception)
         set (heading "GCC's libstdc++ and libgcc, by the Free Software Foundation, the C++ runtime in the plug-in and the renderer: GPL-3.0 or later with this exception")
@@ -141,5 +172,7 @@ function (write_debian_copyright)
     as_field ("${exception}" exception_field)
     read_json_licence (json)
     as_field ("${json}" json_field)
+    read_vst3_licence (vst3_classes vst3_holder)
+    as_field ("${vst3_classes}" vst3_field)
     configure_file ("${CMAKE_CURRENT_FUNCTION_LIST_DIR}/debian/copyright.in" "${DOCUMENTS}/copyright" @ONLY)
 endfunction ()

@@ -19,6 +19,11 @@ using testing::HasSubstr;
 using packages::linuxFolder;
 using packages::windowsFolder;
 
+const std::string vst2Library = "/Quendal Larkspire.so";
+const std::string vst3Library = "/Quendal Larkspire.vst3/Contents/x86_64-linux/Quendal Larkspire.so";
+const std::string windowsVst3Library = "/Quendal Larkspire.vst3/Contents/x86_64-win/Quendal Larkspire.vst3";
+const std::string renderer = "/larkspire-render";
+
 /** The largest number behind a prefix such as "GLIBC_2." in what a file asks of the libraries that it loads. */
 int newest (const std::string& file, const std::string& prefix)
 {
@@ -40,22 +45,58 @@ TEST (LinuxArchive, HoldsTheseFilesAndNoOthers)
         listed.push_back (entry.mode + " " + entry.path);
     }
 
-    EXPECT_THAT (listed,
-                 ElementsAre ("drwxr-xr-x " + linuxFolder + "/",
-                              "-rw-r--r-- " + linuxFolder + "/INSTALL.txt",
-                              "-rw-r--r-- " + linuxFolder + "/LICENSE",
-                              "-rw-r--r-- " + linuxFolder + "/Quendal Larkspire.so",
-                              "-rw-r--r-- " + linuxFolder + "/THIRD-PARTY.txt",
-                              "-rwxr-xr-x " + linuxFolder + "/larkspire-render",
-                              "-rw-r--r-- " + linuxFolder + "/larkspire-render.1"));
+    EXPECT_THAT (
+        listed,
+        ElementsAre ("drwxr-xr-x " + linuxFolder + "/",
+                     "-rw-r--r-- " + linuxFolder + "/INSTALL.txt",
+                     "-rw-r--r-- " + linuxFolder + "/LICENSE",
+                     "-rw-r--r-- " + linuxFolder + "/Quendal Larkspire.so",
+                     "drwxr-xr-x " + linuxFolder + "/Quendal Larkspire.vst3/",
+                     "drwxr-xr-x " + linuxFolder + "/Quendal Larkspire.vst3/Contents/",
+                     "drwxr-xr-x " + linuxFolder + "/Quendal Larkspire.vst3/Contents/Resources/",
+                     "-rw-r--r-- " + linuxFolder + "/Quendal Larkspire.vst3/Contents/Resources/moduleinfo.json",
+                     "drwxr-xr-x " + linuxFolder + "/Quendal Larkspire.vst3/Contents/x86_64-linux/",
+                     "-rw-r--r-- " + linuxFolder + vst3Library,
+                     "-rw-r--r-- " + linuxFolder + "/THIRD-PARTY.txt",
+                     "-rwxr-xr-x " + linuxFolder + "/larkspire-render",
+                     "-rw-r--r-- " + linuxFolder + "/larkspire-render.1"));
 }
 
-TEST (LinuxArchive, HasALibraryThatExportsItsEntryAndNothingElse)
+TEST (LinuxArchive, HasLibrariesThatExportTheirEntriesAndNothingElse)
 {
     const Unpacked archive (packages::linuxArchive());
-    const auto library = archive / (linuxFolder + "/Quendal Larkspire.so");
-    EXPECT_THAT (outputOf ("nm", { "--dynamic", "--defined-only", "--format=just-symbols", library }),
-                 "VSTPluginMain\n");
+    const auto exportsOf = [&archive] (const std::string& library)
+    {
+        return outputOf ("nm",
+                         { "--dynamic", "--defined-only", "--format=just-symbols", archive / (linuxFolder + library) });
+    };
+    EXPECT_EQ (exportsOf (vst2Library), "VSTPluginMain\n");
+    EXPECT_EQ (exportsOf (vst3Library), "GetPluginFactory\nModuleEntry\nModuleExit\n");
+}
+
+TEST (LinuxArchive, IsInstalledByTheCommandsOfItsInstructions)
+{
+    const Unpacked archive (packages::linuxArchive());
+    const TemporaryFolder home;
+    std::string commands;
+
+    for (const auto& line : allFound (bytesOf (archive / (linuxFolder + "/INSTALL.txt")), "\n    ([^\n]*~/[^\n]*)"))
+        commands += line + "\n";
+
+    outputOf ({ .arguments = { "-e", "-c", commands },
+                .program = "sh",
+                .environment = { { "HOME", home.path() } },
+                .folder = archive / linuxFolder });
+    EXPECT_THAT (home.contents(),
+                 ElementsAre (".vst",
+                              ".vst/Quendal Larkspire.so",
+                              ".vst3",
+                              ".vst3/Quendal Larkspire.vst3",
+                              ".vst3/Quendal Larkspire.vst3/Contents",
+                              ".vst3/Quendal Larkspire.vst3/Contents/Resources",
+                              ".vst3/Quendal Larkspire.vst3/Contents/Resources/moduleinfo.json",
+                              ".vst3/Quendal Larkspire.vst3/Contents/x86_64-linux",
+                              ".vst3" + vst3Library));
 }
 
 TEST (LinuxArchive, AsksForNothingNewerThanItsInstructionsSay)
@@ -64,7 +105,7 @@ TEST (LinuxArchive, AsksForNothingNewerThanItsInstructionsSay)
     const auto instructions = bytesOf (archive / (linuxFolder + "/INSTALL.txt"));
     ASSERT_THAT (instructions, HasSubstr ("glibc 2.35 or newer"));
 
-    for (const std::string name : { "/Quendal Larkspire.so", "/larkspire-render" })
+    for (const auto& name : { vst2Library, vst3Library, renderer })
     {
         EXPECT_GT (newest (archive / (linuxFolder + name), "GLIBC_2\\."), 0);
         EXPECT_LE (newest (archive / (linuxFolder + name), "GLIBC_2\\."), 35);
@@ -95,15 +136,25 @@ TEST (WindowsArchive, HoldsTheseFilesAndNoOthers)
                               windowsFolder + "/INSTALL.txt",
                               windowsFolder + "/LICENSE.txt",
                               windowsFolder + "/Quendal Larkspire.dll",
+                              windowsFolder + "/Quendal Larkspire.vst3",
+                              windowsFolder + "/Quendal Larkspire.vst3/Contents",
+                              windowsFolder + "/Quendal Larkspire.vst3/Contents/Resources",
+                              windowsFolder + "/Quendal Larkspire.vst3/Contents/Resources/moduleinfo.json",
+                              windowsFolder + "/Quendal Larkspire.vst3/Contents/x86_64-win",
+                              windowsFolder + windowsVst3Library,
                               windowsFolder + "/THIRD-PARTY.txt"));
 }
 
-TEST (WindowsArchive, HasALibraryThatExportsItsEntryAndNothingElse)
+TEST (WindowsArchive, HasLibrariesThatExportTheirEntriesAndNothingElse)
 {
     const Unpacked archive (packages::windowsArchive());
-    const auto headers =
-        outputOf ("objdump", { "--private-headers", archive / (windowsFolder + "/Quendal Larkspire.dll") });
-    EXPECT_THAT (allFound (headers, "\n\t\\[ *[0-9]+\\] ([^+\n]+)"), ElementsAre ("VSTPluginMain"));
+    const auto exportsOf = [&archive] (const std::string& library)
+    {
+        const auto headers = outputOf ("objdump", { "--private-headers", archive / (windowsFolder + library) });
+        return allFound (headers, "\n\t\\[ *[0-9]+\\] ([^+\n]+)");
+    };
+    EXPECT_THAT (exportsOf ("/Quendal Larkspire.dll"), ElementsAre ("VSTPluginMain"));
+    EXPECT_THAT (exportsOf (windowsVst3Library), ElementsAre ("ExitDll", "GetPluginFactory", "InitDll"));
 }
 
 TEST (WindowsArchive, EndsEveryLineOfItsTextsAsWindowsDoes)
@@ -126,7 +177,14 @@ TEST (Archives, NameWhatOthersWrote)
     const auto onLinux = bytesOf (forLinux / (linuxFolder + "/THIRD-PARTY.txt"));
     const auto onWindows = bytesOf (forWindows / (windowsFolder + "/THIRD-PARTY.txt"));
 
-    for (const std::string text : { "JUCE", "HarfBuzz", "SheenBidi", "GCC RUNTIME LIBRARY EXCEPTION" })
+    for (const std::string text : { "JUCE",
+                                    "HarfBuzz",
+                                    "SheenBidi",
+                                    "GCC RUNTIME LIBRARY EXCEPTION",
+                                    "VST 3 SDK",
+                                    "VST is a trademark of Steinberg Media Technologies GmbH",
+                                    "Neither the name of the Steinberg Media Technologies nor the names",
+                                    "GNU GENERAL PUBLIC LICENSE" })
         EXPECT_THAT ((std::vector { onLinux, onWindows }), testing::Each (HasSubstr (text)));
 
     for (const std::string text : { "CLI11", "JSON for Modern C++" })

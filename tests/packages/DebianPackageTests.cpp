@@ -41,6 +41,13 @@ TEST (DebianPackage, HoldsTheseFilesAndNoOthers)
              { "drwxr-xr-x", "./usr/lib/" },
              { "drwxr-xr-x", "./usr/lib/vst/" },
              { "-rw-r--r--", "./usr/lib/vst/Quendal Larkspire.so" },
+             { "drwxr-xr-x", "./usr/lib/vst3/" },
+             { "drwxr-xr-x", "./usr/lib/vst3/Quendal Larkspire.vst3/" },
+             { "drwxr-xr-x", "./usr/lib/vst3/Quendal Larkspire.vst3/Contents/" },
+             { "drwxr-xr-x", "./usr/lib/vst3/Quendal Larkspire.vst3/Contents/Resources/" },
+             { "-rw-r--r--", "./usr/lib/vst3/Quendal Larkspire.vst3/Contents/Resources/moduleinfo.json" },
+             { "drwxr-xr-x", "./usr/lib/vst3/Quendal Larkspire.vst3/Contents/x86_64-linux/" },
+             { "-rw-r--r--", "./usr/lib/vst3/Quendal Larkspire.vst3/Contents/x86_64-linux/Quendal Larkspire.so" },
              { "drwxr-xr-x", "./usr/share/" },
              { "drwxr-xr-x", "./usr/share/doc/" },
              { "drwxr-xr-x", "./usr/share/doc/quendal-larkspire/" },
@@ -129,8 +136,16 @@ TEST (DebianPackage, NamesTheLicenceOfEverythingThatIsLinkedIn)
     const auto copyright = bytesOf (package / "usr/share/doc/quendal-larkspire/copyright");
     EXPECT_THAT (copyright, testing::StartsWith ("Format: "));
 
-    for (const std::string text :
-         { "JUCE", "HarfBuzz", "SheenBidi", "CLI11", "JSON for Modern C++", "GCC RUNTIME LIBRARY EXCEPTION" })
+    for (const std::string text : { "JUCE",
+                                    "HarfBuzz",
+                                    "SheenBidi",
+                                    "CLI11",
+                                    "JSON for Modern C++",
+                                    "GCC RUNTIME LIBRARY EXCEPTION",
+                                    "VST 3 SDK",
+                                    "VST is a trademark of Steinberg Media Technologies GmbH",
+                                    "Neither the name of the Steinberg Media Technologies nor the names",
+                                    "/usr/share/common-licenses/GPL-3" })
         EXPECT_THAT (copyright, HasSubstr (text));
 
     // A short name either brings its text along or has a paragraph of its own.

@@ -4,6 +4,7 @@
 #include "packages/InstalledPackage.h"
 #include "support/KnobPosition.h"
 #include "support/Paths.h"
+#include "support/PluginUnderTest.h"
 #include "support/Recording.h"
 
 #include <gmock/gmock.h>
@@ -18,6 +19,8 @@ using testing::HasSubstr;
 namespace fs = std::filesystem;
 
 const std::string library = "/usr/lib/vst/Quendal Larkspire.so";
+const std::string bundle = "/usr/lib/vst3/Quendal Larkspire.vst3";
+const std::string vst3Library = bundle + "/Contents/x86_64-linux/Quendal Larkspire.so";
 const std::string renderer = "/usr/bin/larkspire-render";
 const std::string voice = "/usr/share/sounds/alsa/Front_Center.wav";
 
@@ -48,7 +51,8 @@ TEST_F (Installation, PutsEveryFileInItsPlaceForEverybody)
 {
     EXPECT_EQ (InstalledPackage::status(), "installed");
 
-    for (const std::string path : { "/usr/share/doc/quendal-larkspire/copyright",
+    for (const std::string path : { "/usr/lib/vst3/Quendal Larkspire.vst3/Contents/Resources/moduleinfo.json",
+                                    "/usr/share/doc/quendal-larkspire/copyright",
                                     "/usr/share/man/man1/larkspire-render.1.gz",
                                     "/usr/share/metainfo/com.quendal.larkspire.metainfo.xml" })
         EXPECT_THAT (InstalledPackage::files(), testing::Contains (path));
@@ -69,7 +73,7 @@ TEST_F (Installation, PutsEveryFileInItsPlaceForEverybody)
 
 TEST_F (Installation, BringsEveryLibraryThatItsFilesAskFor)
 {
-    for (const auto& file : { library, renderer })
+    for (const auto& file : { library, vst3Library, renderer })
     {
         const auto libraries = outputOf ("ldd", { file });
         EXPECT_THAT (libraries, HasSubstr ("libc.so.6 => "));
@@ -97,12 +101,15 @@ TEST_F (Installation, HasARendererThatUsesTheInstalledLibraryAndNothingOfTheBuil
 
 TEST_F (Installation, IsFoundByArdourWithoutBeingToldWhere)
 {
-    const Ardour ardour (Format::vst2, library);
-    ardour.makeSession ("installed", { .channels = { std::vector<float> (4800) }, .parameter = knobPosition (3) });
-    const auto report = ardour.openSession ("installed");
-    EXPECT_THAT (report, HasSubstr ("name: Quendal Larkspire\n"));
-    EXPECT_THAT (report, HasSubstr ("parameter: Mode\n"));
-    EXPECT_THAT (report, HasSubstr ("value: 0.333300\n"));
+    for (const auto format : bothFormats)
+    {
+        const Ardour ardour (format, format == Format::vst2 ? library : bundle);
+        ardour.makeSession ("installed", { .channels = { std::vector<float> (4800) }, .parameter = knobPosition (3) });
+        const auto report = ardour.openSession ("installed");
+        EXPECT_THAT (report, HasSubstr ("name: Quendal Larkspire\n")) << format;
+        EXPECT_THAT (report, HasSubstr ("parameter: Mode\n")) << format;
+        EXPECT_THAT (report, HasSubstr ("value: 0.3333")) << format;
+    }
 }
 
 TEST_F (Installation, HasAManPageUnderTheProgramsName)
@@ -123,11 +130,11 @@ TEST (Removal, LeavesTheMachineAsItWas)
             if (! fs::exists (path))
                 absent.push_back (path);
 
-    EXPECT_THAT (absent, testing::Contains (fs::path (library)));
+    EXPECT_THAT (absent, testing::IsSupersetOf<fs::path> ({ library, vst3Library }));
     const auto before = outputOf ("dpkg-query", { "--list" });
 
     InstalledPackage package;
-    EXPECT_TRUE (fs::exists (library));
+    EXPECT_TRUE (fs::exists (library) && fs::exists (vst3Library));
     package.remove();
 
     for (const auto& path : absent)

@@ -23,6 +23,13 @@ std::string versionOf (const std::filesystem::path& package, const std::string& 
     return outputOf (Unpacked (package) / program, { "--version" });
 }
 
+/** The texts in a Windows library that are written as Windows' resources are. */
+std::string wideTextsOf (const std::string& library)
+{
+    const Unpacked package (packages::windowsArchive());
+    return outputOf ("strings", { "--encoding=l", package / (packages::windowsFolder + library) });
+}
+
 /** A place that states the number, and how it is found there. */
 struct Statement
 {
@@ -63,13 +70,11 @@ const std::vector<Statement> statements {
     { "InstructionsForWindows",
       [] { return textOf (packages::windowsArchive(), packages::windowsFolder + "/INSTALL.txt"); },
       "^Quendal Larkspire (.*) for Windows" },
-    { "ResourceOfTheWindowsLibrary",
-      []
-      {
-          const Unpacked package (packages::windowsArchive());
-          const auto library = package / (packages::windowsFolder + "/Quendal Larkspire.dll");
-          return outputOf ("strings", { "--encoding=l", library });
-      },
+    { "ResourceOfTheWindowsVst2Library",
+      [] { return wideTextsOf ("/Quendal Larkspire.dll"); },
+      "\nProductVersion\n(.*)\n" },
+    { "ResourceOfTheWindowsVst3Library",
+      [] { return wideTextsOf ("/Quendal Larkspire.vst3/Contents/x86_64-win/Quendal Larkspire.vst3"); },
       "\nProductVersion\n(.*)\n" },
 };
 

@@ -44,6 +44,7 @@ public:
     std::vector<Steinberg::Vst::ProcessData> data; // of each block, the pointers in it out of date
     std::vector<Steinberg::Vst::ProcessSetup> setups;
     std::vector<Activation> activations;
+    std::vector<std::string> states;        // all that a stream held
     std::vector<std::string> calls;         // of those that are only handed on
     std::deque<Steinberg::tresult> answers; // to the next calls; kResultTrue when there are none
 
@@ -120,28 +121,52 @@ public:
         return answer();
     }
 
-    Steinberg::tresult PLUGIN_API initialize (FUnknown*) override { return answer(); }
-    Steinberg::tresult PLUGIN_API terminate() override { return answer(); }
-    Steinberg::tresult PLUGIN_API getControllerClassId (Steinberg::TUID) override { return answer(); }
-    Steinberg::tresult PLUGIN_API setIoMode (Steinberg::Vst::IoMode) override { return answer(); }
-    Steinberg::int32 PLUGIN_API getBusCount (Steinberg::Vst::MediaType, Steinberg::Vst::BusDirection) override
+    Steinberg::tresult PLUGIN_API initialize (FUnknown*) override { return note ("initialize"); }
+    Steinberg::tresult PLUGIN_API terminate() override { return note ("terminate"); }
+    Steinberg::tresult PLUGIN_API getControllerClassId (Steinberg::TUID id) override
     {
-        return 1;
+        id[0] = 'C';
+        return note ("getControllerClassId");
     }
-    Steinberg::tresult PLUGIN_API getBusInfo (Steinberg::Vst::MediaType,
-                                              Steinberg::Vst::BusDirection,
-                                              Steinberg::int32,
-                                              Steinberg::Vst::BusInfo&) override
+    Steinberg::tresult PLUGIN_API setIoMode (Steinberg::Vst::IoMode mode) override
     {
+        return note ("setIoMode " + std::to_string (mode));
+    }
+    Steinberg::int32 PLUGIN_API getBusCount (Steinberg::Vst::MediaType type,
+                                             Steinberg::Vst::BusDirection direction) override
+    {
+        return note ("getBusCount " + std::to_string (type) + " " + std::to_string (direction));
+    }
+    Steinberg::tresult PLUGIN_API getBusInfo (Steinberg::Vst::MediaType type,
+                                              Steinberg::Vst::BusDirection direction,
+                                              Steinberg::int32 index,
+                                              Steinberg::Vst::BusInfo& info) override
+    {
+        info.channelCount = 13;
+        return note ("getBusInfo " + std::to_string (type) + " " + std::to_string (direction) + " "
+                     + std::to_string (index));
+    }
+    Steinberg::tresult PLUGIN_API getRoutingInfo (Steinberg::Vst::RoutingInfo& input,
+                                                  Steinberg::Vst::RoutingInfo& output) override
+    {
+        output.channel = input.channel + 1;
+        return note ("getRoutingInfo");
+    }
+    Steinberg::tresult PLUGIN_API setActive (Steinberg::TBool state) override
+    {
+        return note ("setActive " + std::to_string (state));
+    }
+    Steinberg::tresult PLUGIN_API setState (Steinberg::IBStream* stream) override
+    {
+        char byte = 0;
+        Steinberg::int32 size = 0;
+
+        for (states.emplace_back(); stream->read (&byte, 1, &size) == Steinberg::kResultTrue && size == 1;)
+            states.back() += byte;
+
         return answer();
     }
-    Steinberg::tresult PLUGIN_API getRoutingInfo (Steinberg::Vst::RoutingInfo&, Steinberg::Vst::RoutingInfo&) override
-    {
-        return answer();
-    }
-    Steinberg::tresult PLUGIN_API setActive (Steinberg::TBool) override { return answer(); }
-    Steinberg::tresult PLUGIN_API setState (Steinberg::IBStream*) override { return answer(); }
-    Steinberg::tresult PLUGIN_API getState (Steinberg::IBStream*) override { return answer(); }
+    Steinberg::tresult PLUGIN_API getState (Steinberg::IBStream*) override { return note ("getState"); }
 
     juce::Optional<PositionInfo> getPosition() const override { return {}; }
 

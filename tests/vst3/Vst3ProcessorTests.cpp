@@ -4,6 +4,7 @@
 #include "settings/ProcessorState.h"
 #include "support/Comparison.h"
 #include "support/OpenProcessor.h"
+#include "support/vst3/ByteStream.h"
 #include "support/vst3/ParameterQueue.h"
 #include "vst3/PositionParameter.h"
 #include "vst3/RecordingWrapper.h"
@@ -314,13 +315,32 @@ TEST (Vst3Processor, StandsForTheVst2PluginAndItsOneParameter)
                (std::map<std::uint32_t, juce::String> { { 0u, "mode" } }));
 }
 
-TEST (Vst3Processor, GivesHostsTheGuardedWayToTheWrapperAndNoOtherInterface)
+TEST (Vst3Processor, GivesHostsTheGuardedWayToTheStateOfTheWrapper)
+{
+    OpenVst3Processor processor;
+    RecordingWrapper wrapper;
+    processor.setPlayHead (&wrapper);
+    void* object = nullptr;
+    ASSERT_EQ (processor.extensions().queryIAudioProcessor (Vst::IComponent_iid, &object), kResultOk);
+    EXPECT_EQ (wrapper.references, 2u);
+    auto& guarded = *static_cast<Vst::IComponent*> (object);
+    EXPECT_NE (&guarded, static_cast<Vst::IComponent*> (&wrapper));
+
+    ByteStream cutOff ("CcnK");
+    EXPECT_NE (guarded.setState (&cutOff), kResultOk);
+    EXPECT_TRUE (wrapper.states.empty()) << "it came through the guard";
+
+    EXPECT_EQ (guarded.release(), 1u);
+    processor.setPlayHead (nullptr);
+}
+
+TEST (Vst3Processor, GivesHostsTheGuardedWayToTheAudioOfTheWrapperAndNoOtherInterface)
 {
     OpenVst3Processor processor;
     RecordingWrapper wrapper;
     processor.setPlayHead (&wrapper);
 
-    for (const auto* id : { &Vst::IComponent_iid, &FUnknown_iid, &IPluginBase_iid })
+    for (const auto* id : { &FUnknown_iid, &IPluginBase_iid })
     {
         void* object = nullptr;
         EXPECT_NE (processor.extensions().queryIAudioProcessor (*id, &object), kResultOk);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <functional>
 
 using namespace Steinberg;
 
@@ -30,7 +31,7 @@ bool isSane (const Vst::AudioBusBuffers& bus)
 
 bool isSane (const Vst::AudioBusBuffers* buses, int32 count)
 {
-    return count == 0 || (count == 1 && buses != nullptr && isSane (*buses));
+    return count == 0 || (count > 0 && buses != nullptr && isSane (buses[0]));
 }
 
 template <typename Sample>
@@ -48,6 +49,28 @@ void clearOutputs (const Vst::ProcessData& data)
             clear (bus.channelBuffers64, bus.numChannels, data.numSamples);
         else
             clear (bus.channelBuffers32, bus.numChannels, data.numSamples);
+}
+
+/** Whether a channel shares memory with the input. */
+bool isInput (Vst::Sample32* channel, const Vst::ProcessData& data)
+{
+    if (data.numInputs == 0)
+        return false;
+
+    const std::less<> isBefore;
+    const auto overlaps = [&] (Vst::Sample32* input)
+    { return isBefore (input, channel + data.numSamples) && isBefore (channel, input + data.numSamples); };
+    const auto& bus = data.inputs[0];
+    return std::any_of (bus.channelBuffers32, bus.channelBuffers32 + bus.numChannels, overlaps);
+}
+
+/** Silences the outputs, but for what is an input too: the wrapper writes nothing to a bus that is off. */
+void clearFreshOutputs (const Vst::ProcessData& data)
+{
+    for (int32 i = 0; i < data.numOutputs; ++i)
+        for (int32 j = 0; data.outputs[i].channelBuffers32 != nullptr && j < data.outputs[i].numChannels; ++j)
+            if (auto* channel = data.outputs[i].channelBuffers32[j]; channel != nullptr && ! isInput (channel, data))
+                std::fill_n (channel, data.numSamples, Vst::Sample32 {});
 }
 
 /** A piece of a bus: its channels from a frame on. */
@@ -78,7 +101,24 @@ tresult PLUGIN_API BlockGuard::setBusArrangements (Vst::SpeakerArrangement* inpu
                                                    Vst::SpeakerArrangement* outputs,
                                                    int32 numOuts)
 {
-    return inner->setBusArrangements (inputs, numIns, outputs, numOuts);
+    const auto isList = [] (const auto* first, int32 count) { return count == 0 || (count > 0 && first != nullptr); };
+
+    if (! isList (inputs, numIns) || ! isList (outputs, numOuts))
+        return kInvalidArgument;
+
+    const auto result = inner->setBusArrangements (inputs, numIns, outputs, numOuts);
+
+    // The wrapper now has this arrangement or one near it, and its buffers are those of the one before. When it is
+    // active it has changed nothing, and does not even take what it has.
+    Vst::SpeakerArrangement input = 0;
+    Vst::SpeakerArrangement output = 0;
+    inner->getBusArrangement (Vst::kInput, 0, input);
+    inner->getBusArrangement (Vst::kOutput, 0, output);
+
+    if (inner->setBusArrangements (&input, 1, &output, 1) == kResultTrue)
+        inner->setupProcessing (latestSetup);
+
+    return result;
 }
 
 tresult PLUGIN_API BlockGuard::getBusArrangement (Vst::BusDirection direction,
@@ -100,7 +140,7 @@ tresult PLUGIN_API BlockGuard::setupProcessing (Vst::ProcessSetup& setup)
     const auto result = inner->setupProcessing (bounded);
 
     if (result == kResultTrue)
-        longestPiece = bounded.maxSamplesPerBlock;
+        latestSetup = bounded;
 
     return result;
 }
@@ -135,6 +175,13 @@ tresult PLUGIN_API BlockGuard::process (Vst::ProcessData& fromHost)
         clearOutputs (data);
         return processParametersOf (data);
     }
+
+    clearFreshOutputs (data);
+
+    // The wrapper takes no block with more buses than the plug-in has, and some hosts always give more.
+    data.numInputs = std::min (data.numInputs, 1);
+    data.numOutputs = std::min (data.numOutputs, 1);
+    const auto longestPiece = latestSetup.maxSamplesPerBlock;
 
     if (data.numSamples <= longestPiece)
         return inner->process (data);

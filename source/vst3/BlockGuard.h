@@ -15,7 +15,8 @@ namespace larkspire
 
     A longer block goes on in pieces, its parameter changes with the first. Of what cannot be processed, samples
     of 64 bits, which were refused, or other channels than one or two, only the parameter changes go on: it comes out
-    silent.
+    silent. So does what the wrapper leaves as it is, buses that are off and buses beyond the one each way, unless the
+    host gives the same memory for input and output: then the input stays.
 */
 class BlockGuard : public Steinberg::Vst::IAudioProcessor
 {
@@ -52,7 +53,14 @@ private:
 
     IAudioProcessor* inner = nullptr;
     std::optional<KnobChanges> knobChanges;
-    Steinberg::int32 longestPiece = 1024; // what the wrapper's buffers hold before a host has announced anything
+
+    // What the wrapper's buffers are made for, and at first what it takes for announced itself.
+    Steinberg::Vst::ProcessSetup latestSetup {
+        .processMode = Steinberg::Vst::kRealtime,
+        .symbolicSampleSize = Steinberg::Vst::kSample32,
+        .maxSamplesPerBlock = 1024,
+        .sampleRate = 44100.0,
+    };
 };
 
 } // namespace larkspire

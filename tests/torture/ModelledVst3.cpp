@@ -104,7 +104,11 @@ std::string ModelledVst3::openEditor (Dice& dice)
     const auto scale = dice.oneOf (scales);
     window = std::make_unique<Vst3Window> (
         instance, Vst3Window::Host { .x = static_cast<int> (dice.below (700)), .scale = scale });
-    lastScale = scale > 0.0f ? scale : lastScale; // which the wrapper keeps from one window to the next
+
+    // The wrapper keeps the last scale for the next window, and takes a 1 for no news before that is shown.
+    if (scale > 1.0f)
+        lastScale = scale;
+
     const auto side = static_cast<int> (250.0f * lastScale);
     require ("the window's width", window->width(), side);
     require ("the window's height", window->height(), side);

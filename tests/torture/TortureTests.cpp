@@ -27,7 +27,7 @@ std::string lineOf (const Outcome& outcome, const std::string& start)
     return {};
 }
 
-class Torture : public testing::TestWithParam<std::tuple<const char*, int>>
+class Torture : public testing::TestWithParam<std::tuple<std::string, int>>
 {
 };
 
@@ -40,7 +40,7 @@ TEST_P (Torture, FindsNothing)
 
 INSTANTIATE_TEST_SUITE_P (ByInterfaceFromSeed,
                           Torture,
-                          testing::Combine (testing::Values ("vst2", "vst3"), testing::Range (1, 4)));
+                          testing::Combine (testing::Values (std::string ("vst2"), std::string ("vst3")), testing::Range (1, 4)));
 
 TEST (TortureProgram, DoesTheSameAgainFromTheSameSeed)
 {

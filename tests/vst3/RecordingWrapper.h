@@ -8,11 +8,12 @@
 
 #include <cstddef>
 #include <deque>
+#include <functional>
 #include <string>
 #include <tuple>
 #include <vector>
 
-/** Stands in for JUCE's VST 3 wrapper: writes down what comes through to it, and processes nothing. */
+/** Stands in for JUCE's VST 3 wrapper: writes down what comes through to it. */
 class RecordingWrapper : public Steinberg::Vst::IComponent,
                          public Steinberg::Vst::IAudioProcessor,
                          public juce::AudioPlayHead
@@ -46,6 +47,7 @@ public:
     std::vector<Activation> activations;
     std::vector<std::string> states;        // all that a stream held
     std::vector<std::string> calls;         // of those that are only handed on
+    std::function<void (Steinberg::Vst::ProcessData&)> onProcess = [] (Steinberg::Vst::ProcessData&) {};
     std::deque<Steinberg::tresult> answers; // to the next calls; kResultTrue when there are none
 
     Steinberg::tresult PLUGIN_API queryInterface (const Steinberg::TUID, void** object) override
@@ -79,7 +81,7 @@ public:
                                                      Steinberg::int32 index,
                                                      Steinberg::Vst::SpeakerArrangement& arrangement) override
     {
-        arrangement = 77;
+        arrangement = direction == Steinberg::Vst::kInput ? 70 : 71;
         return note ("getBusArrangement " + std::to_string (direction) + " " + std::to_string (index));
     }
 
@@ -109,6 +111,7 @@ public:
                             busesOf (block.inputs, block.numInputs),
                             busesOf (block.outputs, block.numOutputs),
                             block.inputParameterChanges });
+        onProcess (block);
         return answer();
     }
 

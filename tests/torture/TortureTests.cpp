@@ -40,7 +40,8 @@ TEST_P (Torture, FindsNothing)
 
 INSTANTIATE_TEST_SUITE_P (ByInterfaceFromSeed,
                           Torture,
-                          testing::Combine (testing::Values (std::string ("vst2"), std::string ("vst3")), testing::Range (1, 4)));
+                          testing::Combine (testing::Values (std::string ("vst2"), std::string ("vst3")),
+                                            testing::Range (1, 4)));
 
 TEST (TortureProgram, DoesTheSameAgainFromTheSameSeed)
 {

@@ -3,6 +3,7 @@
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
+#include <pluginterfaces/base/ibstream.h>
 #include <pluginterfaces/vst/ivstaudioprocessor.h>
 #include <pluginterfaces/vst/ivstcomponent.h>
 
@@ -45,8 +46,8 @@ public:
     std::vector<Steinberg::Vst::ProcessData> data; // of each block, the pointers in it out of date
     std::vector<Steinberg::Vst::ProcessSetup> setups;
     std::vector<Activation> activations;
-    std::vector<std::string> states;        // all that a stream held
-    std::vector<std::string> calls;         // of those that are only handed on
+    std::vector<std::string> states; // all that a stream held
+    std::vector<std::string> calls;  // of those that are only handed on
     std::function<void (Steinberg::Vst::ProcessData&)> onProcess = [] (Steinberg::Vst::ProcessData&) {};
     std::deque<Steinberg::tresult> answers; // to the next calls; kResultTrue when there are none
 

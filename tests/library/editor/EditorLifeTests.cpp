@@ -62,6 +62,7 @@ TEST_P (EditorLife, ClosesInTheMiddleOfADragAndEndsIt)
     mouse.moveTo (knobX - 300, knobY);
     mouse.press();
     mouse.moveVertically (-50);
+    EXPECT_TRUE (editor.comesToShow (1));
     editor.close();
     EXPECT_EQ (editor.takeStory(), editor.asTold ("(1)"));
 

@@ -122,6 +122,7 @@ TEST_P (EditorMouse, TellsTheHostOfADragAsOneEdit)
     takeHold (editor, 0);
     editor.mouse.moveVertically (-250);
     editor.mouse.moveVertically (100);
+    EXPECT_TRUE (editor.comesToShow (2));
     EXPECT_EQ (editor.takeStory(), editor.asTold ("(1232"));
     editor.mouse.release();
     editor.waitForTheNextTick();

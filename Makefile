@@ -71,13 +71,13 @@ fuzz: fuzzer ## damaged projects for an hour; FUZZ_SECONDS=60 for a minute
 	@scripts/fuzz build/asan $(FUZZ_SECONDS)
 
 # The tests of the classes, of the library, its window and the tools on that same build, some torture, and the fuzzer
-# for a moment.
+# for a moment. The system's font library stays in the process, as scripts/sanitize has it.
 test-asan: fuzzer ## the tests under AddressSanitizer and UndefinedBehaviorSanitizer
 	@cmake --build --preset asan --target larkspire-unit-tests larkspire-library-tests larkspire-window-tests \
 		larkspire-tools-tests larkspire-torture
 	@scripts/sanitize asan larkspire-unit-tests larkspire-library-tests larkspire-window-tests larkspire-tools-tests
-	@build/asan/tests/torture/larkspire-torture --seconds $(SHORT_FUZZ_SECONDS)
-	@build/asan/tests/torture/larkspire-torture --format vst3 --seconds $(SHORT_FUZZ_SECONDS)
+	@for format in $(TORTURE_FORMATS); do LD_PRELOAD=libfontconfig.so.1 build/asan/tests/torture/larkspire-torture \
+		--format $$format --seconds $(SHORT_FUZZ_SECONDS) || exit 1; done
 	@scripts/fuzz build/asan $(SHORT_FUZZ_SECONDS)
 
 # The tests with threads, on a build with ThreadSanitizer.

@@ -3,6 +3,7 @@
 #include "library/editor/EditorHost.h"
 #include "support/KnobPosition.h"
 
+#include <cmath>
 #include <tuple>
 
 namespace
@@ -10,8 +11,11 @@ namespace
 class EditorMouse : public WithDisplay<testing::TestWithParam<Format>>
 {
 protected:
+    /** The mouse may take a while on a busy machine. */
     static void expectPosition (OpenEditor& editor, int position)
     {
+        editor.window.idleUntil ([&]
+                                 { return std::abs (editor.host->getParameter() - knobPosition (position)) <= 1e-6f; });
         EXPECT_NEAR (editor.host->getParameter(), knobPosition (position), 1e-6f);
     }
 

@@ -15,16 +15,18 @@ RunLoop& RunLoop::ofTheHost()
 
 void RunLoop::turn()
 {
+    // All are asked before any is told, as loops do: one handler may read what another was to be told of.
     const auto now = watched;
+    std::vector<pollfd> entries (now.size());
 
-    for (const auto& watch : now)
-    {
-        pollfd entry { .fd = watch.descriptor, .events = POLLIN, .revents = 0 };
+    for (std::size_t i = 0; i < now.size(); ++i)
+        entries[i] = { .fd = now[i].descriptor, .events = POLLIN, .revents = 0 };
 
-        // What was told before may have ended this one.
-        if (std::ranges::find (watched, watch) != watched.end() && poll (&entry, 1, 0) > 0)
-            watch.handler->onFDIsSet (watch.descriptor);
-    }
+    poll (entries.data(), entries.size(), 0);
+
+    for (std::size_t i = 0; i < now.size(); ++i)
+        if (entries[i].revents != 0 && std::ranges::find (watched, now[i]) != watched.end())
+            now[i].handler->onFDIsSet (now[i].descriptor);
 }
 
 tresult PLUGIN_API RunLoop::registerEventHandler (Linux::IEventHandler* handler, Linux::FileDescriptor descriptor)

@@ -141,14 +141,14 @@ TEST_F (StateGuard, HandsAllElseOn)
     EXPECT_EQ (guard.getControllerClassId (id), 23);
     EXPECT_EQ (id[0], 'C');
     EXPECT_EQ (guard.setIoMode (2), 24);
-    EXPECT_EQ (guard.getBusCount (Vst::kEvent, Vst::kOutput), 25);
-    EXPECT_EQ (guard.getBusInfo (Vst::kEvent, Vst::kOutput, 3, bus), 26);
+    EXPECT_EQ (guard.getBusCount (Vst::kEvent, Vst::kInput), 25);
+    EXPECT_EQ (guard.getBusInfo (Vst::kEvent, Vst::kInput, 3, bus), 26);
     EXPECT_EQ (bus.channelCount, 13);
     EXPECT_EQ (guard.getRoutingInfo (input, output), 27);
     EXPECT_EQ (output.channel, 1);
     EXPECT_EQ (guard.setActive (1), 28);
     EXPECT_EQ (guard.getState (&stream), 29);
-    EXPECT_EQ (guard.activateBus (Vst::kEvent, Vst::kOutput, 3, 1), 30);
+    EXPECT_EQ (guard.activateBus (Vst::kEvent, Vst::kInput, 3, 1), 30);
 
     EXPECT_THAT (wrapper.calls,
                  ElementsAre ("queryInterface",
@@ -156,11 +156,11 @@ TEST_F (StateGuard, HandsAllElseOn)
                               "terminate",
                               "getControllerClassId",
                               "setIoMode 2",
-                              "getBusCount 1 1",
-                              "getBusInfo 1 1 3",
+                              "getBusCount 1 0",
+                              "getBusInfo 1 0 3",
                               "getRoutingInfo",
                               "setActive 1",
                               "getState"));
-    EXPECT_THAT (wrapper.activations, ElementsAre (RecordingWrapper::Activation (Vst::kEvent, Vst::kOutput, 3, 1)));
+    EXPECT_THAT (wrapper.activations, ElementsAre (RecordingWrapper::Activation (Vst::kEvent, Vst::kInput, 3, 1)));
 }
 } // namespace

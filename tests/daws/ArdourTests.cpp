@@ -147,7 +147,7 @@ protected:
     static const Ardour& ardour() { return ardourWith (GetParam()); }
 };
 
-INSTANTIATE_TEST_SUITE_P (With, ArdourSession, testing::ValuesIn (bothFormats), testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P (With, ArdourSession, testing::ValuesIn (vstFormats), testing::PrintToStringParamName());
 
 TEST_P (ArdourSession, FindsThePluginWithItsNameAndChannels)
 {
@@ -221,7 +221,7 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P (With,
                           ArdourSound,
-                          testing::Combine (testing::ValuesIn (bothFormats), testing::Range (0, 4)),
+                          testing::Combine (testing::ValuesIn (vstFormats), testing::Range (0, 4)),
                           [] (const auto& test)
                           {
                               return std::string (nameOf (std::get<Format> (test.param))) + "AtPosition"

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <map>
 #include <set>
 #include <string>
 #include <utility>
@@ -28,13 +29,14 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P (Of, LibraryFile, testing::ValuesIn (bothFormats), testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P (Of, LibraryFile, testing::ValuesIn (allFormats), testing::PrintToStringParamName());
 
 TEST_P (LibraryFile, ExportsItsEntriesAndNothingElse)
 {
-    const std::string entries =
-        GetParam() == Format::vst2 ? "VSTPluginMain\n" : "GetPluginFactory\nModuleEntry\nModuleExit\n";
-    EXPECT_EQ (said ("nm", { "--dynamic", "--defined-only", "--format=just-symbols" }), entries);
+    const std::map<Format, std::string> entries { { Format::vst2, "VSTPluginMain\n" },
+                                                  { Format::vst3, "GetPluginFactory\nModuleEntry\nModuleExit\n" },
+                                                  { Format::lv2, "lv2_descriptor\n" } };
+    EXPECT_EQ (said ("nm", { "--dynamic", "--defined-only", "--format=just-symbols" }), entries.at (GetParam()));
 }
 
 TEST_P (LibraryFile, NeedsNothingNewerThanItsDocumentationSays)
@@ -48,11 +50,13 @@ TEST_P (LibraryFile, NeedsNothingNewerThanItsDocumentationSays)
     EXPECT_GT (newest, 0);
     EXPECT_LE (newest, 35);
 
-    const std::set<std::string> known { "libm.so.6",          "libc.so.6",           "libz.so.1",
-                                        "libpng16.so.16",     "libjpeg.so.62",       "libfreetype.so.6",
-                                        "libfontconfig.so.1", "ld-linux-x86-64.so.2" };
+    std::set<std::string> known { "libm.so.6", "libc.so.6", "ld-linux-x86-64.so.2" };
+
+    if (GetParam() != Format::lv2) // which has no window
+        known.insert ({ "libz.so.1", "libpng16.so.16", "libjpeg.so.62", "libfreetype.so.6", "libfontconfig.so.1" });
+
     const auto needed = allFound (said ("objdump", { "-p" }), "NEEDED +(.+)");
-    EXPECT_GT (needed.size(), 3u);
+    EXPECT_FALSE (needed.empty());
 
     for (const auto& library : needed)
         EXPECT_TRUE (known.contains (library)) << library;

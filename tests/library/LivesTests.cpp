@@ -86,7 +86,7 @@ class Lives : public testing::TestWithParam<Format>
 {
 };
 
-INSTANTIATE_TEST_SUITE_P (By, Lives, testing::ValuesIn (bothFormats), testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P (By, Lives, testing::ValuesIn (allFormats), testing::PrintToStringParamName());
 
 TEST_P (Lives, OfTenThousandInstancesLeaveNoMemoryBehind)
 {

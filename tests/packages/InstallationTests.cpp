@@ -101,7 +101,7 @@ TEST_F (Installation, HasARendererThatUsesTheInstalledLibraryAndNothingOfTheBuil
 
 TEST_F (Installation, IsFoundByArdourWithoutBeingToldWhere)
 {
-    for (const auto format : bothFormats)
+    for (const auto format : vstFormats)
     {
         const Ardour ardour (format, format == Format::vst2 ? library : bundle);
         ardour.makeSession ("installed", { .channels = { std::vector<float> (4800) }, .parameter = knobPosition (3) });

@@ -14,6 +14,11 @@ std::string vst3()
     return LARKSPIRE_VST3_PATH;
 }
 
+std::string lv2()
+{
+    return LARKSPIRE_LV2_PATH;
+}
+
 std::string latencyPlugin()
 {
     return LARKSPIRE_LATENCY_PLUGIN_PATH;

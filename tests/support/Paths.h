@@ -10,6 +10,7 @@ namespace paths
 
 std::string plugin(); // the built VST 2 library
 std::string vst3();   // the built VST 3 bundle, a folder
+std::string lv2();    // the built LV2 bundle, a folder
 std::string latencyPlugin();
 std::string standIn();      // what the renderer can be given in place of the plug-in
 std::string otherLibrary(); // a library that is no plug-in

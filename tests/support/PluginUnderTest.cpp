@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "support/PluginUnderTest.h"
 
+#include "support/Lv2Instance.h"
 #include "support/Paths.h"
 #include "support/RawHost.h"
 #include "support/vst3/Vst3Window.h"
 #include "window/EditorWindow.h"
 
+#include <cmath>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -105,6 +108,48 @@ private:
     Vst3Module module;
     Vst3Instance instance { module };
 };
+
+class ByLv2 : public PluginUnderTest
+{
+public:
+    explicit ByLv2 (const std::string& path) : library (path) {}
+
+    void setParameter (float value) override { mode = std::round (value * 9.0f); }
+    float getParameter() override { return knobPosition (static_cast<int> (mode)); }
+    void setBypass (bool) override {}
+    void resume() override {}
+    void suspend() override {}
+    std::string save() override { return {}; }
+    void load (const std::string&) override {}
+    std::unique_ptr<HostWindow> openEditor (int, int) override { return nullptr; }
+    std::vector<Edit> takeEdits() override { return {}; }
+
+    bool setChannels (int channels) override
+    {
+        channelCount = static_cast<std::size_t> (channels);
+        return true;
+    }
+
+    /** A rate is for life in this format, so this is another instance. */
+    void prepare (float sampleRate, int) override
+    {
+        instance.emplace (library, static_cast<double> (sampleRate), channelCount);
+        instance->connectMode (&mode);
+    }
+
+    void process (float* const* inputs, float* const* outputs, std::size_t frames) override
+    {
+        instance->connectInputs (inputs);
+        instance->connectOutputs (outputs);
+        instance->run (frames);
+    }
+
+private:
+    Lv2Library library;
+    float mode = 2.0f;
+    std::size_t channelCount = 2;
+    std::optional<Lv2Instance> instance;
+};
 } // namespace
 
 void PluginUnderTest::start (float rate, int blockSize, bool mono)
@@ -124,7 +169,17 @@ void PluginUnderTest::process (Signal& signal, std::size_t from, std::size_t fra
 
 std::string pluginPath (Format format)
 {
-    return format == Format::vst2 ? paths::plugin() : paths::vst3();
+    switch (format)
+    {
+    case Format::vst2:
+        return paths::plugin();
+    case Format::vst3:
+        return paths::vst3();
+    case Format::lv2:
+        return paths::lv2();
+    }
+
+    return {};
 }
 
 std::unique_ptr<PluginUnderTest> openPlugin (Format format)
@@ -134,13 +189,32 @@ std::unique_ptr<PluginUnderTest> openPlugin (Format format)
 
 std::unique_ptr<PluginUnderTest> openPlugin (Format format, const std::string& path)
 {
-    if (format == Format::vst2)
+    switch (format)
+    {
+    case Format::vst2:
         return std::make_unique<ByVst2> (path);
+    case Format::vst3:
+        return std::make_unique<ByVst3> (path);
+    case Format::lv2:
+        return std::make_unique<ByLv2> (path);
+    }
 
-    return std::make_unique<ByVst3> (path);
+    return nullptr;
 }
 
 std::string libraryPath (Format format)
 {
-    return format == Format::vst2 ? paths::plugin() : Vst3Module::libraryOf (paths::vst3()).string();
+    const auto plugin = pluginPath (format);
+
+    switch (format)
+    {
+    case Format::vst2:
+        return plugin;
+    case Format::vst3:
+        return Vst3Module::libraryOf (plugin).string();
+    case Format::lv2:
+        return Lv2Library::fileOf (plugin);
+    }
+
+    return {};
 }

@@ -16,14 +16,19 @@
 enum class Format
 {
     vst2,
-    vst3
+    vst3,
+    lv2
 };
 
-inline constexpr std::array bothFormats { Format::vst2, Format::vst3 };
+inline constexpr std::array allFormats { Format::vst2, Format::vst3, Format::lv2 };
+
+/** Those in which the plug-in has a state, a bypass of the host's, a window and ten positions. LV2 has none of that and
+    the four positions that have a name. */
+inline constexpr std::array vstFormats { Format::vst2, Format::vst3 };
 
 constexpr const char* nameOf (Format format)
 {
-    return format == Format::vst2 ? "Vst2" : "Vst3";
+    return format == Format::vst2 ? "Vst2" : format == Format::vst3 ? "Vst3" : "Lv2";
 }
 
 inline std::ostream& operator<< (std::ostream& stream, Format format)
@@ -31,8 +36,8 @@ inline std::ostream& operator<< (std::ostream& stream, Format format)
     return stream << nameOf (format);
 }
 
-/** An instance of the built plug-in in a host of the tests' own, by whatever interface: what both of them have. The
-    library is loaded for it, and nothing happens by itself. */
+/** An instance of the built plug-in in a host of the tests' own, by whatever interface. What a format has not does
+    nothing. The library is loaded for it, and nothing happens by itself. */
 class PluginUnderTest
 {
 public:
@@ -95,7 +100,7 @@ public:
     void process (Signal& signal, std::size_t from, std::size_t frames);
 };
 
-/** What has been built for a format: a library of VST 2, a bundle of VST 3. */
+/** What has been built for a format: a library of VST 2, a bundle of the others. */
 std::string pluginPath (Format format);
 
 /** Loads the built plug-in by a format, or another one of that format, and makes an instance. */

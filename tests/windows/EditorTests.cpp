@@ -64,7 +64,7 @@ class WindowsEditor : public testing::TestWithParam<Format>
 {
 };
 
-INSTANTIATE_TEST_SUITE_P (Of, WindowsEditor, testing::ValuesIn (bothFormats), testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P (Of, WindowsEditor, testing::ValuesIn (vstFormats), testing::PrintToStringParamName());
 
 TEST_P (WindowsEditor, OpensIsDraggedFollowsAndClosesTenTimesInARow)
 {

@@ -29,7 +29,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P (Of, WindowsFile, testing::ValuesIn (bothFormats), testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P (Of, WindowsFile, testing::ValuesIn (vstFormats), testing::PrintToStringParamName());
 
 TEST_P (WindowsFile, ExportsItsEntriesAndNothingElse)
 {

@@ -9,7 +9,7 @@ class EditorLife : public WithDisplay<testing::TestWithParam<Format>>
 {
 };
 
-INSTANTIATE_TEST_SUITE_P (By, EditorLife, testing::ValuesIn (bothFormats), testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P (By, EditorLife, testing::ValuesIn (vstFormats), testing::PrintToStringParamName());
 
 TEST_P (EditorLife, OpensAndClosesAThousandTimesWithAudioRunning)
 {

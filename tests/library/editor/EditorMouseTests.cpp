@@ -28,7 +28,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P (By, EditorMouse, testing::ValuesIn (bothFormats), testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P (By, EditorMouse, testing::ValuesIn (vstFormats), testing::PrintToStringParamName());
 
 // Positions change half way between them: after 1/6, 3/6 and 5/6 of the range.
 TEST_P (EditorMouse, DragsTheFullRangeIn250Pixels)

@@ -48,7 +48,7 @@ TEST_P (Vst3EditorAt, LooksToThePixelAsByVst2)
 {
     std::vector<Picture> pictures;
 
-    for (const auto format : bothFormats)
+    for (const auto format : vstFormats)
     {
         OpenEditor editor (format, knobPosition (GetParam()));
         ASSERT_TRUE (editor.comesToShow (GetParam()));

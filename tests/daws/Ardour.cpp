@@ -20,16 +20,24 @@ const std::string programs = "/usr/lib/ardour7/";
 struct FormatNames
 {
     const char* type;
-    const char* scanner;
+    const char* name;       // or id, by which it finds the plug-in
+    const char* scanner;    // null where it does without a scan
     const char* searchPath; // environment variable
 };
 
 FormatNames namesOf (Format format)
 {
-    if (format == Format::vst3)
-        return { "VST3", "ardour-vst3-scanner", "VST3_PATH" };
+    switch (format)
+    {
+    case Format::vst2:
+        return { "LXVST", "Quendal Larkspire", "ardour-vst-scanner", "LXVST_PATH" };
+    case Format::vst3:
+        return { "VST3", "Quendal Larkspire", "ardour-vst3-scanner", "VST3_PATH" };
+    case Format::lv2:
+        return { "LV2", "urn:quendal:larkspire:stereo", nullptr, "LV2_PATH" };
+    }
 
-    return { "LXVST", "ardour-vst-scanner", "LXVST_PATH" };
+    return {};
 }
 
 const char* nameOf (PluginSwitch position)
@@ -56,13 +64,14 @@ Ardour::Ardour (Format f, std::filesystem::path installed)
     if (plugin.empty())
         plugin = installCopy();
 
-    scan();
+    if (namesOf (format).scanner != nullptr)
+        scan();
 }
 
 std::filesystem::path Ardour::installCopy()
 {
     namespace fs = std::filesystem;
-    const fs::path built = format == Format::vst3 ? paths::vst3() : paths::plugin();
+    const fs::path built = pluginPath (format);
     const fs::path plugins = folder / "plugins";
     environment[namesOf (format).searchPath] = plugins;
     fs::create_directory (plugins);
@@ -98,6 +107,7 @@ void Ardour::makeSession (const std::string& name, const Track& track) const
            folder / name,
            std::to_string (track.channels.size()),
            namesOf (format).type,
+           namesOf (format).name,
            value.data(),
            nameOf (track.position),
            std::to_string (track.channels.front().size()) });

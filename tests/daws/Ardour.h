@@ -28,7 +28,7 @@ public:
         a copy of the built one in a folder beside its home. */
     explicit Ardour (Format format, std::filesystem::path installed = {});
 
-    /** What a scan of the plug-in writes. */
+    /** What a scan of the plug-in writes, in a format that has scans: not LV2. */
     std::string scan() const;
 
     /** What is put on the one track of a session, at 48 kHz. */

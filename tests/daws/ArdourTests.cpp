@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// The plug-in in the DAW Ardour, as VST 2 and as VST 3: found, set, saved, opened again and exported, each in a process
-// of its own.
+// The plug-in in the DAW Ardour, as VST 2, as VST 3 and as LV2: found, set, saved, opened again and exported, each in a
+// process of its own.
 #include "daws/Ardour.h"
 #include "support/Child.h"
 #include "support/FirstMatch.h"
@@ -73,17 +73,20 @@ std::string decodedBase64 (const std::string& text)
     return outputOf ({ .arguments = { "--decode", "--ignore-garbage", folder / "text" }, .program = "base64" });
 }
 
-/** What Ardour has of a format that it has not of the other. */
+/** What Ardour has of a format that it has not of the others. */
 struct Expected
 {
-    std::map<std::string, std::string> scanned; // attributes that the scan writes
-    int parameters = 0;
-    std::string savedAs;     // how the state in a session begins
-    std::size_t stateAt = 0; // where in it the plug-in's own state is
+    std::map<std::string, std::string> scanned {}; // attributes that the scan writes
+    int parameters = 0;                            // ports, in LV2
+    std::string savedAs {};                        // how the state in a session begins
+    std::size_t stateAt = 0;                       // where in it the plug-in's own state is
 };
 
 Expected expectedOf (Format format)
 {
+    if (format == Format::lv2)
+        return { .parameters = 5 };
+
     if (format == Format::vst2)
         return { .scanned = { { "creator", "Quendal" },
                               { "id", std::to_string (0x546d7771) },
@@ -103,6 +106,12 @@ Expected expectedOf (Format format)
              .parameters = 2, // the second is the format's own bypass
              .savedAs = std::string ("VST3\1\0\0\0", 8) + "ABCDEF019182FAEB5175656E546D7771",
              .stateAt = 48 };
+}
+
+/** What the parameter is set to for a position: LV2 counts them, the others have the knob's way. */
+float parameterAt (Format format, int position)
+{
+    return format == Format::lv2 ? static_cast<float> (position) : knobPosition (position);
 }
 
 class ArdourHost : public testing::Test
@@ -147,9 +156,16 @@ protected:
     static const Ardour& ardour() { return ardourWith (GetParam()); }
 };
 
-INSTANTIATE_TEST_SUITE_P (With, ArdourSession, testing::ValuesIn (vstFormats), testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P (With, ArdourSession, testing::ValuesIn (allFormats), testing::PrintToStringParamName());
 
-TEST_P (ArdourSession, FindsThePluginWithItsNameAndChannels)
+/** Those with a scan and a state. */
+class ArdourVstSession : public ArdourSession
+{
+};
+
+INSTANTIATE_TEST_SUITE_P (With, ArdourVstSession, testing::ValuesIn (vstFormats), testing::PrintToStringParamName());
+
+TEST_P (ArdourVstSession, FindsThePluginWithItsNameAndChannels)
 {
     const auto report = ardour().scan();
     EXPECT_EQ (found (report, " name=\"([^\"]*)\""), "Quendal Larkspire");
@@ -163,7 +179,7 @@ TEST_P (ArdourSession, FindsThePluginWithItsNameAndChannels)
         EXPECT_EQ (found (report, " " + attribute + "=\"([^\"]*)\""), value) << attribute;
 }
 
-TEST_P (ArdourSession, StoresTheParameterAndTheState)
+TEST_P (ArdourVstSession, StoresTheParameterAndTheState)
 {
     ardour().makeSession ("stored", { .channels = stereoVoice (length), .parameter = knobPosition (3) });
     const auto session = bytesOf (ardour().sessionPath ("stored"));
@@ -180,14 +196,25 @@ TEST_P (ArdourSession, StoresTheParameterAndTheState)
     EXPECT_EQ (found (state, " samplerate=\"([^\"]*)\""), "48000");
 }
 
+TEST_F (ArdourHost, StoresTheModeOfLv2AndNothingElse)
+{
+    const auto& ardour = ardourWith (Format::lv2);
+    ardour.makeSession ("stored", { .channels = stereoVoice (length), .parameter = 3.0f });
+    const auto session = bytesOf (ardour.sessionPath ("stored"));
+    EXPECT_EQ (allFound (session, "<Port (symbol=\"[^>]*)/>"),
+               std::vector<std::string> { "symbol=\"mode\" value=\"3\"" });
+    EXPECT_THAT (session, testing::Not (HasSubstr ("state-dir")));
+}
+
 TEST_P (ArdourSession, OpensWithThePluginAsItWasSet)
 {
-    ardour().makeSession ("set", { .channels = stereoVoice (length), .parameter = knobPosition (1) });
+    ardour().makeSession ("set", { .channels = stereoVoice (length), .parameter = parameterAt (GetParam(), 1) });
     const auto report = ardour().openSession ("set");
     EXPECT_THAT (report, HasSubstr ("name: Quendal Larkspire\n"));
     EXPECT_THAT (report, HasSubstr ("parameters: " + std::to_string (expectedOf (GetParam()).parameters) + "\n"));
     EXPECT_THAT (report, HasSubstr ("parameter: Mode\n"));
-    EXPECT_THAT (report, HasSubstr ("value: 0.111100\n")) << "the state has four decimals";
+    EXPECT_THAT (report, HasSubstr (GetParam() == Format::lv2 ? "value: 1.000000\n" : "value: 0.111100\n"))
+        << "the state has four decimals";
     EXPECT_THAT (report, HasSubstr ("active: true\n"));
     EXPECT_THAT (report, HasSubstr ("enabled: true\n"));
 }
@@ -197,8 +224,8 @@ TEST_P (ArdourSession, PassesTheInputWhileThePluginIsDeactivated)
     const auto input = stereoVoice (length);
     ASSERT_NE (processed (input, 3), input);
 
-    ardour().makeSession ("deactivated",
-                          { .channels = input, .parameter = knobPosition (3), .position = PluginSwitch::off });
+    ardour().makeSession (
+        "deactivated", { .channels = input, .parameter = parameterAt (GetParam(), 3), .position = PluginSwitch::off });
     EXPECT_THAT (ardour().openSession ("deactivated"), HasSubstr ("active: false\n"));
     expectInput (ardour(), "deactivated", input);
 }
@@ -208,6 +235,7 @@ class ArdourSound : public ArdourHost, public testing::WithParamInterface<std::t
 protected:
     static const Ardour& ardour() { return ardourWith (std::get<Format> (GetParam())); }
     static int position() { return std::get<int> (GetParam()); }
+    static float parameter() { return parameterAt (std::get<Format> (GetParam()), position()); }
 
     /** Expects that a session's export is what the VST 2 library makes of the input at the knob's position. */
     static void expectProcessed (const std::string& session, const Channels& input)
@@ -221,7 +249,7 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P (With,
                           ArdourSound,
-                          testing::Combine (testing::ValuesIn (vstFormats), testing::Range (0, 4)),
+                          testing::Combine (testing::ValuesIn (allFormats), testing::Range (0, 4)),
                           [] (const auto& test)
                           {
                               return std::string (nameOf (std::get<Format> (test.param))) + "AtPosition"
@@ -234,7 +262,7 @@ TEST_P (ArdourSound, OfAStereoTrackIsThatOfTheVst2Library)
     ASSERT_EQ (processed (input, position()) == input, position() == 0);
 
     const auto session = "stereo" + std::to_string (position());
-    ardour().makeSession (session, { .channels = input, .parameter = knobPosition (position()) });
+    ardour().makeSession (session, { .channels = input, .parameter = parameter() });
     expectProcessed (session, input);
 }
 
@@ -242,7 +270,7 @@ TEST_P (ArdourSound, OfAMonoTrackIsThatOfTheVst2Library)
 {
     const auto input = stereoVoice (length).front();
     const auto session = "mono" + std::to_string (position());
-    ardour().makeSession (session, { .channels = { input }, .parameter = knobPosition (position()) });
+    ardour().makeSession (session, { .channels = { input }, .parameter = parameter() });
     expectProcessed (session, { input, input });
 }
 } // namespace

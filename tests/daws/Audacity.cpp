@@ -132,14 +132,25 @@ void waitForProjectWindow()
 }
 } // namespace
 
-Audacity::Audacity()
+Audacity::Audacity (Format format)
 {
     if (isRunning())
         throw std::runtime_error ("an Audacity of yours is running; end it first");
 
-    fs::create_directories (folder / "home/.vst");
     fs::create_directories (folder / "home/.config/audacity");
-    fs::copy_file (paths::plugin(), folder / "home/.vst/Quendal Larkspire.so");
+
+    if (format == Format::lv2)
+    {
+        fs::create_directory (folder / "home/.lv2");
+        fs::copy (paths::lv2(), folder / "home/.lv2/larkspire.lv2", fs::copy_options::recursive);
+        plugin = "urn:quendal:larkspire:stereo";
+    }
+    else
+    {
+        fs::create_directory (folder / "home/.vst");
+        plugin = folder / "home/.vst/Quendal Larkspire.so";
+        fs::copy_file (paths::plugin(), plugin);
+    }
 
     // Without commands: it scans in processes of its own, each of which would make the pipes anew and take them away
     // from it.
@@ -171,10 +182,10 @@ void Audacity::run (bool scripted, Work&& work) const
 std::string Audacity::registered() const
 {
     const auto registry = bytesOf (folder / "home/.config/audacity/pluginregistry.cfg");
-    const auto from = registry.find ("Path=" + (folder / "home/.vst/Quendal Larkspire.so"));
+    const auto from = registry.find ("Path=" + plugin);
 
     if (from == std::string::npos)
-        throw std::runtime_error ("the scan has not found the library");
+        throw std::runtime_error ("the scan has not found the plug-in");
 
     return registry.substr (from, registry.find ("\n[", from) + 1 - from);
 }
@@ -194,7 +205,7 @@ Channels Audacity::applied (const Job& job) const
              pipe.command ("SelectAll:");
 
              for (int i = 0; i < job.times; ++i)
-                 pipe.command ("QuendalLarkspire:");
+                 pipe.command (job.effect + ":");
 
              pipe.command ("Export2: Filename=\"" + output + "\" NumChannels=" + std::to_string (job.channels.size()));
          });

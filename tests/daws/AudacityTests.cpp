@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// The library in the sound editor Audacity: found, and applied as an effect to recordings, in Medium, since Audacity's
-// commands reach no parameter of it.
+// The plug-in in the sound editor Audacity, as VST 2 and as LV2: found, and applied as an effect to recordings, in
+// Medium, since Audacity's commands reach no parameter of it.
 #include "daws/Audacity.h"
 #include "support/RawHost.h"
 #include "support/Signals.h"
@@ -45,7 +45,7 @@ Channels processedAsInAudacity (Channels channels, float rate = 44100.0f)
 class AudacityHost : public testing::Test
 {
 protected:
-    static void SetUpTestSuite() { audacity = std::make_unique<Audacity>(); }
+    static void SetUpTestSuite() { audacity = std::make_unique<Audacity> (Format::vst2); }
     static void TearDownTestSuite() { audacity.reset(); }
 
     static inline std::unique_ptr<Audacity> audacity;
@@ -90,5 +90,39 @@ TEST_F (AudacityHost, AppliesThePluginASecondTimeAsANewInstance)
     const auto input = stereoVoice (length);
     expectSameBits (audacity->applied ({ .channels = input, .times = 2 }),
                     processedAsInAudacity (processedAsInAudacity (input)));
+}
+
+// Of LV2 Audacity 3.2.4 makes an instance at the recording's own rate.
+class AudacityLv2 : public testing::Test
+{
+protected:
+    static void SetUpTestSuite() { audacity = std::make_unique<Audacity> (Format::lv2); }
+    static void TearDownTestSuite() { audacity.reset(); }
+
+    static inline std::unique_ptr<Audacity> audacity;
+};
+
+TEST_F (AudacityLv2, FindsThePluginValidWithItsNameAndVendor)
+{
+    const auto entry = audacity->registered();
+    EXPECT_THAT (entry, HasSubstr ("\nName=Quendal Larkspire\n"));
+    EXPECT_THAT (entry, HasSubstr ("\nVendor=Quendal\n"));
+    EXPECT_THAT (entry, HasSubstr ("\nEnabled=1\nValid=1\nEffectType=Process\nEffectFamily=LV2\n"));
+    EXPECT_THAT (entry, HasSubstr ("\nEffectInteractive=1\nEffectRealtime=1\nEffectAutomatable=1\n"));
+}
+
+TEST_F (AudacityLv2, MakesOfAStereoRecordingWhatTheVst2LibraryMakesOfIt)
+{
+    const auto input = stereoVoice (length);
+    const auto expected = processed (input, 48000.0f, 48000.0f);
+    ASSERT_NE (expected, processed (input, 44100.0f, 44100.0f));
+    expectSameBits (audacity->applied ({ .channels = input, .sampleRate = 48000 }), expected);
+}
+
+TEST_F (AudacityLv2, MakesOfAMonoRecordingWhatTheVst2LibraryMakesOfTwoEqualChannels)
+{
+    const auto input = stereoVoice (length).front();
+    const auto expected = processed ({ input, input }, 44100.0f, 44100.0f).front();
+    expectSameBits (audacity->applied ({ .channels = { input }, .effect = "QuendalLarkspire(mono)" }), { expected });
 }
 } // namespace

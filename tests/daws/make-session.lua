@@ -1,7 +1,7 @@
 -- Run by ardour7-lua: makes a session of 48 kHz with one audio track that carries the plug-in, and saves it.
--- Arguments: the session's folder, channels of the track, type of the plug-in as Ardour names it, value of its first
--- parameter, plug-in on, off or bypassed, frames to play.
-local folder, channels, kind, value, state, frames = table.unpack (arg)
+-- Arguments: the session's folder, channels of the track, type of the plug-in as Ardour names it, its name or id,
+-- value of its first parameter, plug-in on, off or bypassed, frames to play.
+local folder, channels, kind, name, value, state, frames = table.unpack (arg)
 local rate = 48000
 
 AudioEngine:set_backend ("None (Dummy)", "", "")
@@ -18,7 +18,7 @@ for channel = 0, 1 do
     assert (output:nth (channel):connected(), "the track cannot be connected")
 end
 
-local plugin = ARDOUR.LuaAPI.new_plugin (session, "Quendal Larkspire", ARDOUR.PluginType[kind], "")
+local plugin = ARDOUR.LuaAPI.new_plugin (session, name, ARDOUR.PluginType[kind], "")
 assert (not plugin:isnil(), "Ardour knows no such plug-in")
 assert (tracks:front():to_route():add_processor_by_index (plugin, 0, nil, true) == 0, "the track refused the plug-in")
 assert (ARDOUR.LuaAPI.set_processor_param (plugin, 0, tonumber (value)), "the parameter cannot be set")

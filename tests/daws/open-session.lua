@@ -7,9 +7,10 @@ assert (not plugin:isnil(), "the plug-in is gone")
 
 local insert = plugin:to_insert()
 local value = ARDOUR.LuaAPI.get_processor_param (plugin, 0)
+local first = insert:plugin (0):nth_parameter (0, false) -- LV2 counts the ports for audio too
 print ("name: " .. plugin:display_name())
 print ("parameters: " .. insert:plugin (0):parameter_count())
-print ("parameter: " .. insert:plugin (0):parameter_label (0))
+print ("parameter: " .. insert:plugin (0):parameter_label (first))
 print (("value: %.6f"):format (value))
 print ("active: " .. tostring (plugin:active()))
 print ("enabled: " .. tostring (insert:enabled()))

@@ -137,7 +137,9 @@ Channels readFloatWav (const std::string& path, int sampleRate)
 {
     const auto info = describe (path);
 
-    if ((info.format & (SF_FORMAT_TYPEMASK | SF_FORMAT_SUBMASK)) != wavFloat || info.samplerate != sampleRate)
+    const auto format = info.format & (SF_FORMAT_TYPEMASK | SF_FORMAT_SUBMASK);
+
+    if ((format != wavFloat && format != (SF_FORMAT_WAVEX | SF_FORMAT_FLOAT)) || info.samplerate != sampleRate)
         throw std::runtime_error (path + " is not what was asked for");
 
     const auto interleaved = readFloats (path);

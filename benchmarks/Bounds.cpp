@@ -51,6 +51,13 @@ std::vector<Bound> promisedBounds()
                             { "frame/Medium/" + layout + "/512" },
                             0.20 });
 
+    for (const std::string layout : { "stereo", "mono" })
+        for (const std::string size : { "64", "512" })
+            bounds.push_back ({ "Medium, " + layout + ", blocks of " + size + ", LV2, of VST 2",
+                                { "lv2/Medium/" + layout + "/" + size },
+                                { "frame/Medium/" + layout + "/" + size },
+                                1.10 });
+
     bounds.push_back ({ "silence after sound, of sound", { "silence/after sound" }, { "silence/sound" }, 1.10 });
 
     // A stage on its record is a run of one sample, which costs half as much again as the step that it was when 2.0 was

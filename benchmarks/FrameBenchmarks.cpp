@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// A frame's cost through the built library and in the scalar oracle, on a real voice.
+// A frame's cost through the built libraries of VST 2 and LV2 and in the scalar oracle, on a real voice.
 #include "benchmarks/Cost.h"
 #include "chain/FlushToZero.h"
 #include "reference/ReferencePlugin.h"
+#include "support/Lv2Instance.h"
 #include "support/RawHost.h"
 #include "support/Signals.h"
 
@@ -52,6 +53,24 @@ void runLibrary (benchmark::State& state, const Signal& signal, int position, bo
     host.start (rate, static_cast<int> (blockSize), mono);
     runBlocks (
         state, signal, blockSize, [&] (auto& left, auto& right, auto count) { host.process (left, right, 0, count); });
+}
+
+void runLv2 (benchmark::State& state, const Signal& signal, int position, bool mono, std::size_t blockSize)
+{
+    const Lv2Library library;
+    const Lv2Instance instance (library, static_cast<double> (rate), mono ? 1 : 2);
+    auto mode = static_cast<float> (position);
+    instance.connectMode (&mode);
+    runBlocks (state,
+               signal,
+               blockSize,
+               [&] (auto& left, auto& right, auto count)
+               {
+                   float* const channels[] = { left.data(), right.data() };
+                   instance.connectInputs (channels);
+                   instance.connectOutputs (channels);
+                   instance.run (count);
+               });
 }
 
 void runOracle (benchmark::State& state, const Signal& signal, int position, bool mono)
@@ -110,6 +129,12 @@ void runSilence (benchmark::State& state)
             benchmark::RegisterBenchmark (("oracle/" + name).c_str(),
                                           [mode, mono] (auto& state)
                                           { runOracle (state, *signal, mode.position, mono); });
+
+            if (mode.position == 2)
+                for (const std::size_t size : { 64u, 512u })
+                    benchmark::RegisterBenchmark (("lv2/" + name + "/" + std::to_string (size)).c_str(),
+                                                  [mode, mono, size] (auto& state)
+                                                  { runLv2 (state, *signal, mode.position, mono, size); });
 
             for (const std::size_t size : { 16u, 64u, 256u, 512u, 1024u, 4096u })
                 benchmark::RegisterBenchmark (("frame/" + name + "/" + std::to_string (size)).c_str(),

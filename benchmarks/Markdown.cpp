@@ -107,6 +107,16 @@ scalar transcription that the tests compare the sound with.
         }
 
     out << R"(
+The same through the LV2 library's entry:
+
+| Mode | 64 | 512 |
+|---|---|---|
+)";
+
+    for (const std::string layout : { "stereo", "mono" })
+        writeRow (out, costs, "Medium, " + layout, { "lv2/Medium/" + layout + "/64", "lv2/Medium/" + layout + "/512" });
+
+    out << R"(
 White noise in Medium, stereo, blocks of 512, by its peak level; the gains branch, so what comes in counts:
 
 | Level | ns a frame |

@@ -12,6 +12,7 @@ add_custom_target (larkspire-documents
         "-DLARKSPIRE_MAINTAINER=${LARKSPIRE_MAINTAINER}"
         "-DLARKSPIRE_WINDOWS_DEPS=${LARKSPIRE_WINDOWS_DEPS}"
         "$<$<NOT:$<BOOL:${WIN32}>>:-DRENDERER=$<TARGET_FILE:larkspire-render>>"
+        "$<$<NOT:$<BOOL:${WIN32}>>:-DMICROPHONE=${LARKSPIRE_DIST}/larkspire-microphone>"
         -P "${CMAKE_SOURCE_DIR}/packaging/WriteDocuments.cmake"
     COMMENT "Writing the documents of the packages"
     COMMAND_EXPAND_LISTS

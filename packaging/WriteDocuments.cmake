@@ -1,6 +1,6 @@
 # Writes what the packages hold beside library and renderer into the folder DOCUMENTS: cmake -DDOCUMENTS=... -P this file.
-# With RENDERER, the path of the renderer, these are the documents for Linux, without it those for Windows. The release's
-# day is SOURCE_DATE_EPOCH. Licences of others are read where this machine has them; a missing one is an error.
+# With RENDERER and MICROPHONE, the paths of those programs, these are the documents for Linux, without them those for
+# Windows. The release's day is SOURCE_DATE_EPOCH. Licences of others are read where this machine has them; a missing one is an error.
 cmake_minimum_required (VERSION 3.25)
 cmake_path (GET CMAKE_CURRENT_LIST_DIR PARENT_PATH root)
 include ("${root}/cmake/Version.cmake")
@@ -21,6 +21,17 @@ function (compress document)
     execute_process (COMMAND gzip --best --no-name --keep "${DOCUMENTS}/${document}" COMMAND_ERROR_IS_FATAL ANY)
 endfunction ()
 
+# The man page of a program that we have made: its --help, under what is in linux/<name of the program>.h2m.
+function (write_man_page program)
+    cmake_path (GET program FILENAME name)
+    execute_process (
+        COMMAND ${CMAKE_COMMAND} -E env "PROGRAM=${program}"
+            help2man --no-info "--include=${CMAKE_CURRENT_LIST_DIR}/linux/${name}.h2m"
+            "--output=${DOCUMENTS}/${name}.1" "${CMAKE_CURRENT_LIST_DIR}/linux/help-for-man"
+        COMMAND_ERROR_IS_FATAL ANY)
+    compress ("${name}.1")
+endfunction ()
+
 if (RENDERER)
     configure_file ("${CMAKE_CURRENT_LIST_DIR}/linux/INSTALL.txt.in" "${DOCUMENTS}/INSTALL.txt" @ONLY)
     configure_file ("${CMAKE_CURRENT_LIST_DIR}/linux/com.quendal.larkspire.metainfo.xml.in"
@@ -32,12 +43,8 @@ if (RENDERER)
     compress (changelog)
     write_debian_copyright ()
 
-    execute_process (
-        COMMAND ${CMAKE_COMMAND} -E env "RENDERER=${RENDERER}"
-            help2man --no-info "--include=${CMAKE_CURRENT_LIST_DIR}/linux/larkspire-render.h2m"
-            "--output=${DOCUMENTS}/larkspire-render.1" "${CMAKE_CURRENT_LIST_DIR}/linux/help-for-man"
-        COMMAND_ERROR_IS_FATAL ANY)
-    compress (larkspire-render.1)
+    write_man_page ("${RENDERER}")
+    write_man_page ("${MICROPHONE}")
 else ()
     set (line_ends NEWLINE_STYLE CRLF)
     configure_file ("${CMAKE_CURRENT_LIST_DIR}/windows/INSTALL.txt.in" "${DOCUMENTS}/INSTALL.txt" @ONLY ${line_ends})

@@ -49,6 +49,11 @@ std::string measure()
     return LARKSPIRE_MEASURE_PATH;
 }
 
+std::string microphone()
+{
+    return LARKSPIRE_MICROPHONE_PATH;
+}
+
 std::string screenshot()
 {
     return LARKSPIRE_SCREENSHOT_PATH;

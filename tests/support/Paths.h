@@ -18,6 +18,7 @@ std::string otherLibrary(); // a library that is no plug-in
 std::string brokenFolder(); // a library that makes folders break
 std::string renderer();
 std::string measure();
+std::string microphone();
 std::string screenshot();
 std::string torture();
 std::string cmake();

@@ -1,7 +1,8 @@
-# clang-format and clang-tidy over all our own files, as build targets with stamps: what has not changed is not looked at
-# again. Sources register themselves in larkspire_own_sources.
+# clang-format and clang-tidy over all our own files, and shellcheck over the script that people run, as build targets with
+# stamps: what has not changed is not looked at again. Sources register themselves in larkspire_own_sources.
 find_program (LARKSPIRE_CLANG_FORMAT clang-format)
 find_program (LARKSPIRE_CLANG_TIDY clang-tidy)
+find_program (LARKSPIRE_SHELLCHECK shellcheck)
 
 function (larkspire_add_lint_targets)
     # The same sources are checked where they are built for Linux.
@@ -9,8 +10,8 @@ function (larkspire_add_lint_targets)
         return ()
     endif ()
 
-    if (NOT LARKSPIRE_CLANG_FORMAT OR NOT LARKSPIRE_CLANG_TIDY)
-        message (STATUS "clang-format or clang-tidy is missing: there is no target lint")
+    if (NOT LARKSPIRE_CLANG_FORMAT OR NOT LARKSPIRE_CLANG_TIDY OR NOT LARKSPIRE_SHELLCHECK)
+        message (STATUS "clang-format, clang-tidy or shellcheck is missing: there is no target lint")
         return ()
     endif ()
 
@@ -31,6 +32,17 @@ function (larkspire_add_lint_targets)
         COMMENT "clang-format"
         VERBATIM)
     list (APPEND stamps "${format_stamp}")
+
+    set (scripts "${CMAKE_SOURCE_DIR}/tools/microphone/larkspire-microphone.in")
+    set (scripts_stamp "${CMAKE_BINARY_DIR}/lint/scripts.stamp")
+    add_custom_command (
+        OUTPUT "${scripts_stamp}"
+        COMMAND "${LARKSPIRE_SHELLCHECK}" ${scripts}
+        COMMAND ${CMAKE_COMMAND} -E touch "${scripts_stamp}"
+        DEPENDS ${scripts}
+        COMMENT "shellcheck"
+        VERBATIM)
+    list (APPEND stamps "${scripts_stamp}")
 
     foreach (source IN LISTS sources)
         file (RELATIVE_PATH name "${CMAKE_SOURCE_DIR}" "${source}")

@@ -117,8 +117,11 @@ void PipeWire::start()
     waitFor ("socket", [this] { return fs::exists (folder / "run/pipewire-0"); });
     sessionManager = std::make_unique<Child> (callOf ("wireplumber", {}));
     waitFor ("default microphone",
-             [this] {
-                 return contains (run (callOf ("pw-metadata", { "0", "default.audio.source" })).output, "\"desk_mic\"");
+             [this]
+             {
+                 return contains (run (callOf ("pw-metadata", { "0", "default.audio.source" })).output, "\"name\"")
+                        && (! contains (call ("pw-cli", { "ls", "Node" }), "capture.larkspire")
+                            || contains (call ("pw-link", { "--links" }), "|-> capture.larkspire:"));
              });
 }
 
@@ -162,7 +165,7 @@ std::string PipeWire::idOf (const std::string& node) const
 std::vector<float> PipeWire::record (const std::string& node,
                                      const std::string& microphone,
                                      const std::vector<float>& played,
-                                     const std::function<void()>& inTheMiddle) const
+                                     const std::function<void()>& meanwhile) const
 {
     // Silence behind the sound, since the player drops what does not fill its last cycle.
     auto withSilence = played;
@@ -182,10 +185,10 @@ std::vector<float> PipeWire::record (const std::string& node,
     waitFor ("player", [this] { return contains (call ("pw-link", { "--output" }), "pw-play:output_MONO"); });
     call ("pw-link", { "pw-play:output_MONO", microphone + ":input_MONO" });
 
-    if (inTheMiddle)
+    if (meanwhile)
     {
-        std::this_thread::sleep_for (std::chrono::milliseconds (played.size() * 500 / sampleRate));
-        inTheMiddle();
+        std::this_thread::sleep_for (std::chrono::milliseconds (played.size() * 250 / sampleRate));
+        meanwhile();
     }
 
     if (player.wait().exitStatus != 0)

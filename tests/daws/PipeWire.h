@@ -18,7 +18,8 @@
 class PipeWire
 {
 public:
-    static constexpr std::size_t block = 8192; // frames of a cycle: no busy machine is late for the next
+    static constexpr std::size_t block =
+        8192; // frames of a cycle, as many as there can be, so that programs are seldom late
 
     /** Does not start it. */
     PipeWire();
@@ -29,7 +30,8 @@ public:
     PipeWire (const PipeWire&) = delete;
     PipeWire& operator= (const PipeWire&) = delete;
 
-    /** Starts the daemons and waits until the session manager has chosen a default microphone. */
+    /** Starts the daemons and waits until the session manager has chosen a default microphone, and one for the
+       Larkspire microphone if that is there. */
     void start();
 
     /** Asks the daemons to end, and gives what has become of PipeWire's. */
@@ -45,12 +47,12 @@ public:
     /** The number by which PipeWire's own programs know a node. */
     std::string idOf (const std::string& node) const;
 
-    /** Records from a node while a sound is played into a microphone, and does something in the middle of it. Gives
+    /** Records from a node while a sound is played into a microphone, and does something after a quarter of it. Gives
        what was recorded from the first sound on, as long as what was played. Mono, 48 kHz. */
     std::vector<float> record (const std::string& node,
                                const std::string& microphone,
                                const std::vector<float>& played,
-                               const std::function<void()>& inTheMiddle = {}) const;
+                               const std::function<void()>& meanwhile = {}) const;
 
 private:
     Call callOf (const std::string& program, const std::vector<std::string>& arguments) const;

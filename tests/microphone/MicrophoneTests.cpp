@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <chrono>
 #include <filesystem>
@@ -432,11 +433,10 @@ TEST_F (Microphone, IsWholeAndInOneModeWhenManyCallItAtOnce)
 
     for (int round = 0; round < 3; ++round)
     {
-        std::vector<std::unique_ptr<Child>> calls;
+        std::array<std::unique_ptr<Child>, 8> calls;
 
-        for (int i = 0; i < 8; ++i)
-            calls.push_back (std::make_unique<Child> (
-                system.callOf ({ larkspire::nameOf (larkspire::knobModes[static_cast<std::size_t> (i % 4)]) })));
+        for (std::size_t i = 0; i < calls.size(); ++i)
+            calls[i] = std::make_unique<Child> (system.callOf ({ larkspire::nameOf (larkspire::knobModes[i % 4]) }));
 
         for (const auto& call : calls)
             EXPECT_EQ (call->wait().exitStatus, 0);

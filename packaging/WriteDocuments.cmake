@@ -1,6 +1,7 @@
-# Writes what the packages hold beside library and renderer into the folder DOCUMENTS: cmake -DDOCUMENTS=... -P this file.
-# With RENDERER and MICROPHONE, the paths of those programs, these are the documents for Linux, without them those for
-# Windows. The release's day is SOURCE_DATE_EPOCH. Licences of others are read where this machine has them; a missing one is an error.
+# Writes what the packages hold beside libraries and programs into the folder DOCUMENTS: cmake -DDOCUMENTS=... -P this
+# file. With RENDERER and MICROPHONE, the paths of those programs, these are the documents for Linux, without them those for
+# Windows. The release's day is SOURCE_DATE_EPOCH. Licences of others are read where this machine has them; a missing one
+# is an error.
 cmake_minimum_required (VERSION 3.25)
 cmake_path (GET CMAKE_CURRENT_LIST_DIR PARENT_PATH root)
 include ("${root}/cmake/Version.cmake")

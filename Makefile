@@ -34,7 +34,7 @@ configure: setup
 	$(call configure-preset,$(PRESET))
 
 build: configure ## the libraries and the renderer, in dist/linux
-	@cmake --build --preset $(PRESET) --target Larkspire_VST Larkspire_VST3 larkspire-render
+	@cmake --build --preset $(PRESET) --target Larkspire_VST Larkspire_VST3 larkspire-lv2 larkspire-render
 
 demo: build ## renders a real voice in all four modes into demo/
 	@scripts/demo
@@ -139,7 +139,7 @@ test-packages: package ## checks the packages; as root also installs and removes
 	@cmake --build --preset $(PRESET) --target larkspire-packages-tests
 	@scripts/packaging/test
 
-install: ## copies the plug-in to ~/.vst and ~/.vst3, or to the first folders of VST_PATH and VST3_PATH
+install: ## copies the plug-in to ~/.vst, ~/.vst3 and ~/.lv2, or to the first folders of VST_PATH and so on
 	@scripts/install
 
 uninstall: ## removes it again

@@ -40,18 +40,32 @@ if (WIN32)
     return ()
 endif ()
 
+function (larkspire_package_lv2 component folder)
+    set (bundle "${LARKSPIRE_DIST}/larkspire.lv2")
+    larkspire_package (${component} "${folder}/larkspire.lv2"
+        "$<TARGET_FILE:larkspire-lv2>" "${bundle}/manifest.ttl" "${bundle}/larkspire.ttl")
+endfunction ()
+
+function (larkspire_package_programs component folder)
+    install (TARGETS larkspire-render DESTINATION "${folder}" COMPONENT ${component} EXCLUDE_FROM_ALL)
+    install (PROGRAMS "${LARKSPIRE_DIST}/larkspire-microphone" DESTINATION "${folder}" COMPONENT ${component} EXCLUDE_FROM_ALL)
+endfunction ()
+
 larkspire_package (portable .
     "$<TARGET_FILE:Larkspire_VST>"
+    "${documents}/larkspire-microphone.1"
     "${documents}/larkspire-render.1"
     "${documents}/INSTALL.txt"
     "${documents}/THIRD-PARTY.txt"
     "${CMAKE_SOURCE_DIR}/LICENSE")
 larkspire_package_bundle (portable . x86_64-linux)
-install (TARGETS larkspire-render DESTINATION . COMPONENT portable EXCLUDE_FROM_ALL)
+larkspire_package_lv2 (portable .)
+larkspire_package_programs (portable .)
 
 larkspire_package (debian lib/vst "$<TARGET_FILE:Larkspire_VST>")
 larkspire_package_bundle (debian lib/vst3 x86_64-linux)
+larkspire_package_lv2 (debian lib/lv2)
+larkspire_package_programs (debian bin)
 larkspire_package (debian share/doc/quendal-larkspire "${documents}/changelog.gz" "${documents}/copyright")
-larkspire_package (debian share/man/man1 "${documents}/larkspire-render.1.gz")
+larkspire_package (debian share/man/man1 "${documents}/larkspire-microphone.1.gz" "${documents}/larkspire-render.1.gz")
 larkspire_package (debian share/metainfo "${documents}/com.quendal.larkspire.metainfo.xml")
-install (TARGETS larkspire-render DESTINATION bin COMPONENT debian EXCLUDE_FROM_ALL)

@@ -12,6 +12,12 @@
 namespace larkspire
 {
 
+/** Whether the chain's filters can be designed for a sample rate, in Hz; false for NaN. */
+constexpr bool isUsableRate (double rate)
+{
+    return rate > 999.0 && ! (rate >= 10000000001.0);
+}
+
 /** The voice chain: high-pass, expander, fold, air and body filter, saturated air, leveller, soft clip.
 
     It holds nothing itself: the records are its owner's, and between two calls they are all that it remembers.

@@ -6,15 +6,6 @@
 
 using namespace larkspire;
 
-namespace
-{
-/** A rate that filters can be designed for, in Hz; false for NaN. */
-bool isUsableRate (double rate)
-{
-    return rate > 999.0 && ! (rate >= 10000000001.0);
-}
-} // namespace
-
 LarkspireAudioProcessor::LarkspireAudioProcessor (WithoutRecords)
     : AudioProcessorQuendal (BusesProperties()
                                  .withInput ("Input", juce::AudioChannelSet::stereo(), true)

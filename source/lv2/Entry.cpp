@@ -11,16 +11,10 @@ namespace
 {
 using larkspire::VoicePlugin;
 
-/** A rate that filters can be designed for, in Hz; false for NaN. */
-bool isUsableRate (double rate)
-{
-    return rate > 999.0 && rate < 10000000001.0;
-}
-
 template <std::size_t channels>
 LV2_Handle instantiate (const LV2_Descriptor*, double rate, const char*, const LV2_Feature* const*)
 {
-    return isUsableRate (rate) ? new (std::nothrow) VoicePlugin (rate, channels) : nullptr;
+    return larkspire::isUsableRate (rate) ? new (std::nothrow) VoicePlugin (rate, channels) : nullptr;
 }
 
 void connectPort (LV2_Handle instance, std::uint32_t port, void* data)

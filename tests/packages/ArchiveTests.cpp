@@ -21,6 +21,7 @@ using packages::windowsFolder;
 
 const std::string vst2Library = "/Quendal Larkspire.so";
 const std::string vst3Library = "/Quendal Larkspire.vst3/Contents/x86_64-linux/Quendal Larkspire.so";
+const std::string lv2Library = "/larkspire.lv2/larkspire.so";
 const std::string windowsVst3Library = "/Quendal Larkspire.vst3/Contents/x86_64-win/Quendal Larkspire.vst3";
 const std::string renderer = "/larkspire-render";
 
@@ -58,8 +59,14 @@ TEST (LinuxArchive, HoldsTheseFilesAndNoOthers)
                      "drwxr-xr-x " + linuxFolder + "/Quendal Larkspire.vst3/Contents/x86_64-linux/",
                      "-rw-r--r-- " + linuxFolder + vst3Library,
                      "-rw-r--r-- " + linuxFolder + "/THIRD-PARTY.txt",
+                     "-rwxr-xr-x " + linuxFolder + "/larkspire-microphone",
+                     "-rw-r--r-- " + linuxFolder + "/larkspire-microphone.1",
                      "-rwxr-xr-x " + linuxFolder + "/larkspire-render",
-                     "-rw-r--r-- " + linuxFolder + "/larkspire-render.1"));
+                     "-rw-r--r-- " + linuxFolder + "/larkspire-render.1",
+                     "drwxr-xr-x " + linuxFolder + "/larkspire.lv2/",
+                     "-rw-r--r-- " + linuxFolder + lv2Library,
+                     "-rw-r--r-- " + linuxFolder + "/larkspire.lv2/larkspire.ttl",
+                     "-rw-r--r-- " + linuxFolder + "/larkspire.lv2/manifest.ttl"));
 }
 
 TEST (LinuxArchive, HasLibrariesThatExportTheirEntriesAndNothingElse)
@@ -72,6 +79,7 @@ TEST (LinuxArchive, HasLibrariesThatExportTheirEntriesAndNothingElse)
     };
     EXPECT_EQ (exportsOf (vst2Library), "VSTPluginMain\n");
     EXPECT_EQ (exportsOf (vst3Library), "GetPluginFactory\nModuleEntry\nModuleExit\n");
+    EXPECT_EQ (exportsOf (lv2Library), "lv2_descriptor\n");
 }
 
 TEST (LinuxArchive, IsInstalledByTheCommandsOfItsInstructions)
@@ -88,7 +96,12 @@ TEST (LinuxArchive, IsInstalledByTheCommandsOfItsInstructions)
                 .environment = { { "HOME", home.path() } },
                 .folder = archive / linuxFolder });
     EXPECT_THAT (home.contents(),
-                 ElementsAre (".vst",
+                 ElementsAre (".lv2",
+                              ".lv2/larkspire.lv2",
+                              ".lv2" + lv2Library,
+                              ".lv2/larkspire.lv2/larkspire.ttl",
+                              ".lv2/larkspire.lv2/manifest.ttl",
+                              ".vst",
                               ".vst/Quendal Larkspire.so",
                               ".vst3",
                               ".vst3/Quendal Larkspire.vst3",
@@ -105,7 +118,7 @@ TEST (LinuxArchive, AsksForNothingNewerThanItsInstructionsSay)
     const auto instructions = bytesOf (archive / (linuxFolder + "/INSTALL.txt"));
     ASSERT_THAT (instructions, HasSubstr ("glibc 2.35 or newer"));
 
-    for (const auto& name : { vst2Library, vst3Library, renderer })
+    for (const auto& name : { vst2Library, vst3Library, lv2Library, renderer })
     {
         EXPECT_GT (newest (archive / (linuxFolder + name), "GLIBC_2\\."), 0);
         EXPECT_LE (newest (archive / (linuxFolder + name), "GLIBC_2\\."), 35);

@@ -37,8 +37,14 @@ TEST (DebianPackage, HoldsTheseFilesAndNoOthers)
              { "drwxr-xr-x", "./" },
              { "drwxr-xr-x", "./usr/" },
              { "drwxr-xr-x", "./usr/bin/" },
+             { "-rwxr-xr-x", "./usr/bin/larkspire-microphone" },
              { "-rwxr-xr-x", "./usr/bin/larkspire-render" },
              { "drwxr-xr-x", "./usr/lib/" },
+             { "drwxr-xr-x", "./usr/lib/lv2/" },
+             { "drwxr-xr-x", "./usr/lib/lv2/larkspire.lv2/" },
+             { "-rw-r--r--", "./usr/lib/lv2/larkspire.lv2/larkspire.so" },
+             { "-rw-r--r--", "./usr/lib/lv2/larkspire.lv2/larkspire.ttl" },
+             { "-rw-r--r--", "./usr/lib/lv2/larkspire.lv2/manifest.ttl" },
              { "drwxr-xr-x", "./usr/lib/vst/" },
              { "-rw-r--r--", "./usr/lib/vst/Quendal Larkspire.so" },
              { "drwxr-xr-x", "./usr/lib/vst3/" },
@@ -55,6 +61,7 @@ TEST (DebianPackage, HoldsTheseFilesAndNoOthers)
              { "-rw-r--r--", "./usr/share/doc/quendal-larkspire/copyright" },
              { "drwxr-xr-x", "./usr/share/man/" },
              { "drwxr-xr-x", "./usr/share/man/man1/" },
+             { "-rw-r--r--", "./usr/share/man/man1/larkspire-microphone.1.gz" },
              { "-rw-r--r--", "./usr/share/man/man1/larkspire-render.1.gz" },
              { "drwxr-xr-x", "./usr/share/metainfo/" },
              { "-rw-r--r--", "./usr/share/metainfo/com.quendal.larkspire.metainfo.xml" } })
@@ -112,19 +119,30 @@ TEST (DebianPackage, HasAnEntryForSoftwareCatalogues)
     EXPECT_THAT (bytesOf (entry), HasSubstr ("<extends>ardour7.desktop</extends>"));
 }
 
-TEST (DebianPackage, HasAManPageThatIsWellFormedAndNamesEveryOption)
+/** The programs, by their names. */
+class DebianProgram : public testing::TestWithParam<std::string>
+{
+};
+
+INSTANTIATE_TEST_SUITE_P (,
+                          DebianProgram,
+                          testing::Values ("larkspire-render", "larkspire-microphone"),
+                          [] (const auto& test)
+                          { return test.param == "larkspire-render" ? "Renderer" : "Microphone"; });
+
+TEST_P (DebianProgram, HasAManPageThatIsWellFormedAndNamesEveryOption)
 {
     const Unpacked package (packages::debian());
-    const auto page = package / "usr/share/man/man1/larkspire-render.1.gz";
+    const auto page = package / ("usr/share/man/man1/" + GetParam() + ".1.gz");
     const auto outcome = outcomeOf ("man", { "--warnings", "--local-file", page });
     EXPECT_EQ (outcome.exitStatus, 0);
     EXPECT_EQ (outcome.errors, "");
-    EXPECT_THAT (outcome.output, testing::ContainsRegex ("\nSYNOPSIS\n +larkspire-render +\\["));
+    EXPECT_THAT (outcome.output, testing::ContainsRegex ("\nSYNOPSIS\n +" + GetParam() + " +\\["));
     EXPECT_THAT (outcome.output, testing::Not (HasSubstr ("Usage")));
 
-    const auto help = outputOf (package / "usr/bin/larkspire-render", { "--help" });
+    const auto help = outputOf (package / ("usr/bin/" + GetParam()), { "--help" });
     const auto options = allFound (help, "\n  (?:-[a-z], )?(-[-a-z]+)");
-    EXPECT_GE (options.size(), 9u);
+    EXPECT_GE (options.size(), 8u);
 
     for (const auto& option : options)
         EXPECT_THAT (outcome.output, testing::ContainsRegex ("\n +(-[a-z], )?" + option + "[ \n]"));

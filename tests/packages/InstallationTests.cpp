@@ -21,7 +21,9 @@ namespace fs = std::filesystem;
 const std::string library = "/usr/lib/vst/Quendal Larkspire.so";
 const std::string bundle = "/usr/lib/vst3/Quendal Larkspire.vst3";
 const std::string vst3Library = bundle + "/Contents/x86_64-linux/Quendal Larkspire.so";
+const std::string lv2Library = "/usr/lib/lv2/larkspire.lv2/larkspire.so";
 const std::string renderer = "/usr/bin/larkspire-render";
+const std::string microphone = "/usr/bin/larkspire-microphone";
 const std::string voice = "/usr/share/sounds/alsa/Front_Center.wav";
 
 class Installation : public testing::Test
@@ -51,8 +53,10 @@ TEST_F (Installation, PutsEveryFileInItsPlaceForEverybody)
 {
     EXPECT_EQ (InstalledPackage::status(), "installed");
 
-    for (const std::string path : { "/usr/lib/vst3/Quendal Larkspire.vst3/Contents/Resources/moduleinfo.json",
+    for (const std::string path : { "/usr/lib/lv2/larkspire.lv2/manifest.ttl",
+                                    "/usr/lib/vst3/Quendal Larkspire.vst3/Contents/Resources/moduleinfo.json",
                                     "/usr/share/doc/quendal-larkspire/copyright",
+                                    "/usr/share/man/man1/larkspire-microphone.1.gz",
                                     "/usr/share/man/man1/larkspire-render.1.gz",
                                     "/usr/share/metainfo/com.quendal.larkspire.metainfo.xml" })
         EXPECT_THAT (InstalledPackage::files(), testing::Contains (path));
@@ -63,7 +67,7 @@ TEST_F (Installation, PutsEveryFileInItsPlaceForEverybody)
         {
         };
         ASSERT_EQ (stat (file.c_str(), &status), 0) << file;
-        EXPECT_EQ (status.st_mode, S_IFREG | (file == renderer ? 0755u : 0644u)) << file;
+        EXPECT_EQ (status.st_mode, S_IFREG | (file == renderer || file == microphone ? 0755u : 0644u)) << file;
         EXPECT_EQ (status.st_uid, 0u) << file;
         EXPECT_EQ (status.st_gid, 0u) << file;
     }
@@ -73,7 +77,7 @@ TEST_F (Installation, PutsEveryFileInItsPlaceForEverybody)
 
 TEST_F (Installation, BringsEveryLibraryThatItsFilesAskFor)
 {
-    for (const auto& file : { library, vst3Library, renderer })
+    for (const auto& file : { library, vst3Library, lv2Library, renderer })
     {
         const auto libraries = outputOf ("ldd", { file });
         EXPECT_THAT (libraries, HasSubstr ("libc.so.6 => "));
@@ -112,9 +116,38 @@ TEST_F (Installation, IsFoundByArdourWithoutBeingToldWhere)
     }
 }
 
-TEST_F (Installation, HasAManPageUnderTheProgramsName)
+TEST_F (Installation, IsFoundByLv2HostsWithoutBeingToldWhere)
 {
-    EXPECT_EQ (outputOf ("man", { "--where", "larkspire-render" }), "/usr/share/man/man1/larkspire-render.1.gz\n");
+    const TemporaryFolder home;
+    const auto found = run ({ .program = "lv2ls",
+                              .environment = { { "HOME", home.path() }, { "PATH", "/usr/bin:/bin" } },
+                              .inheritsEnvironment = false,
+                              .folder = home.path() });
+    EXPECT_THAT (linesOf (found.output),
+                 testing::IsSupersetOf ({ "urn:quendal:larkspire:stereo", "urn:quendal:larkspire:mono" }));
+}
+
+TEST_F (Installation, PutsThePluginOnTheMicrophoneFromWhereItIs)
+{
+    const TemporaryFolder home;
+    const auto microphoneDoes = [&home] (const std::string& option)
+    {
+        return run ({ .arguments = { option },
+                      .program = microphone,
+                      .environment = { { "HOME", home.path() }, { "PATH", "/usr/bin:/bin" } },
+                      .inheritsEnvironment = false,
+                      .folder = home.path() });
+    };
+    const auto outcome = microphoneDoes ("Gentle");
+    EXPECT_EQ (outcome.exitStatus, 0) << outcome.errors;
+    EXPECT_THAT (outcome.output, testing::StartsWith ("Larkspire microphone: Gentle, "));
+    EXPECT_THAT (microphoneDoes ("--status").output, HasSubstr ("\nPlug-in:    found\n"));
+}
+
+TEST_F (Installation, HasAManPageUnderEachProgramsName)
+{
+    for (const std::string program : { "larkspire-render", "larkspire-microphone" })
+        EXPECT_EQ (outputOf ("man", { "--where", program }), "/usr/share/man/man1/" + program + ".1.gz\n");
 }
 
 TEST (Removal, LeavesTheMachineAsItWas)
@@ -130,11 +163,14 @@ TEST (Removal, LeavesTheMachineAsItWas)
             if (! fs::exists (path))
                 absent.push_back (path);
 
-    EXPECT_THAT (absent, testing::IsSupersetOf<fs::path> ({ library, vst3Library }));
+    EXPECT_THAT (absent, testing::IsSupersetOf<fs::path> ({ library, vst3Library, lv2Library, microphone }));
     const auto before = outputOf ("dpkg-query", { "--list" });
 
     InstalledPackage package;
-    EXPECT_TRUE (fs::exists (library) && fs::exists (vst3Library));
+
+    for (const auto& file : { library, vst3Library, lv2Library, microphone })
+        EXPECT_TRUE (fs::exists (file)) << file;
+
     package.remove();
 
     for (const auto& path : absent)

@@ -50,6 +50,12 @@ const std::vector<Statement> statements {
     { "RendererOfTheArchive",
       [] { return versionOf (packages::linuxArchive(), packages::linuxFolder + "/larkspire-render"); },
       "^larkspire-render (.*)\n$" },
+    { "MicrophoneOfTheDebianPackage",
+      [] { return versionOf (packages::debian(), "usr/bin/larkspire-microphone"); },
+      "^larkspire-microphone (.*)\n$" },
+    { "MicrophoneOfTheArchive",
+      [] { return versionOf (packages::linuxArchive(), packages::linuxFolder + "/larkspire-microphone"); },
+      "^larkspire-microphone (.*)\n$" },
     { "DebianPackage",
       [] {
           return outputOf ("dpkg-deb", { "--field", packages::debian(), "Version" });
@@ -64,6 +70,9 @@ const std::vector<Statement> statements {
     { "ManPage",
       [] { return textOf (packages::debian(), "usr/share/man/man1/larkspire-render.1.gz"); },
       "\n\\.TH .*\"larkspire-render ([^\"]*)\"" },
+    { "ManPageOfTheMicrophone",
+      [] { return textOf (packages::debian(), "usr/share/man/man1/larkspire-microphone.1.gz"); },
+      "\n\\.TH .*\"larkspire-microphone ([^\"]*)\"" },
     { "InstructionsForLinux",
       [] { return textOf (packages::linuxArchive(), packages::linuxFolder + "/INSTALL.txt"); },
       "^Quendal Larkspire (.*) for Linux" },

@@ -119,7 +119,8 @@ TEST_F (Installation, IsFoundByArdourWithoutBeingToldWhere)
 TEST_F (Installation, IsFoundByLv2HostsWithoutBeingToldWhere)
 {
     const TemporaryFolder home;
-    const auto found = run ({ .program = "lv2ls",
+    const auto found = run ({ .arguments = {},
+                              .program = "lv2ls",
                               .environment = { { "HOME", home.path() }, { "PATH", "/usr/bin:/bin" } },
                               .inheritsEnvironment = false,
                               .folder = home.path() });

@@ -56,7 +56,7 @@ TEST_P (LibraryFile, NeedsNothingNewerThanItsDocumentationSays)
         known.insert ({ "libz.so.1", "libpng16.so.16", "libjpeg.so.62", "libfreetype.so.6", "libfontconfig.so.1" });
 
     const auto needed = allFound (said ("objdump", { "-p" }), "NEEDED +(.+)");
-    EXPECT_FALSE (needed.empty());
+    EXPECT_GT (needed.size(), GetParam() == Format::lv2 ? 1u : 3u);
 
     for (const auto& library : needed)
         EXPECT_TRUE (known.contains (library)) << library;

@@ -204,7 +204,7 @@ std::unique_ptr<PluginUnderTest> openPlugin (Format format, const std::string& p
 
 std::string libraryPath (Format format)
 {
-    const auto plugin = pluginPath (format);
+    auto plugin = pluginPath (format);
 
     switch (format)
     {

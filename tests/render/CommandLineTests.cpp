@@ -38,6 +38,13 @@ TEST_F (CommandLine, HelpNamesEveryOptionAndWhatMaySurprise)
 
     for (const std::string option : { "-o OUT",
                                       "--mode MODE",
+                                      "--loudness LUFS",
+                                      "--true-peak DBTP",
+                                      "--gain DB",
+                                      "--input-peak DBFS",
+                                      "--settle SECONDS",
+                                      "--split",
+                                      "--process-rate HZ",
                                       "--compare",
                                       "--format KIND",
                                       "--bits WIDTH",
@@ -111,7 +118,15 @@ TEST_F (CommandLine, SaysWhichPartOfACallIsMissing)
     const std::string usage = "larkspire-render [OPTION]... IN... -o OUT";
     EXPECT_THAT (expectFailure (2, std::vector<std::string> {}), StartsWith ("a recording, IN, is missing: " + usage));
     EXPECT_THAT (expectFailure (2, { "-o", "result.wav" }), StartsWith ("a recording, IN, is missing: " + usage));
-    EXPECT_THAT (expectFailure (2, { "voice.wav" }), StartsWith ("the result, -o OUT, is missing: " + usage));
+
+    // A report needs no result, but all else does.
+    for (const std::vector<std::string>& options :
+         { std::vector<std::string> {}, { "--stats", "--report" }, { "--plot", "p.png", "--json" }, { "--compare" } })
+    {
+        auto arguments = options;
+        arguments.emplace_back ("voice.wav");
+        EXPECT_THAT (expectFailure (2, arguments), StartsWith ("the result, -o OUT, is missing: " + usage));
+    }
 }
 
 TEST_F (CommandLine, RefusesADashAsAName)

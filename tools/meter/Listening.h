@@ -20,32 +20,41 @@ enum class GainsKnown
 /** The figures of one rendering. */
 struct Analysis
 {
-    SoundFigures before;
-    SoundFigures after;
+    SoundFigures before {};
+    SoundFigures after {};
     GainsKnown gainsKnown = GainsKnown::yes;
-    StageGains gains;
+    StageGains gains {};
 };
 
-/** One rendering, heard on both sides of the plug-in. */
+/** One rendering, heard ahead of all that is done to it, around the plug-in, and as the result. */
 struct Listening
 {
-    Listening (int modeIndex, const AudioShape& soundShape)
+    /** @param chainShape  of what the plug-in gets, whose rate may be another */
+    Listening (int modeIndex,
+               const AudioShape& soundShape,
+               const AudioShape& chainShape,
+               Voices voices,
+               Courses coursesOfSound)
         : shape (soundShape),
-          before (shape),
-          after (shape),
-          chain (modeIndex, shape)
+          courses (coursesOfSound),
+          before (shape, courses),
+          after (shape, courses),
+          chain (modeIndex, chainShape, voices)
     {
     }
 
-    /** Takes the same frames three times, channels interleaved, linear full scale 1.0: as the plug-in got them, as it
-        gave them, and as they read back from the result, which may be rounded. */
-    void add (std::span<const float> input, std::span<const float> output, std::span<const float> written)
+    /** Takes frames of the recording, channels interleaved, linear full scale 1.0. */
+    void addRecording (std::span<const float> recording)
     {
-        before.add (input);
-        after.add (written);
-        chain.add (input, output);
-        frames += static_cast<std::int64_t> (input.size()) / shape.channels;
+        before.add (recording);
+        frames += static_cast<std::int64_t> (recording.size()) / shape.channels;
     }
+
+    /** Takes frames of the result as they read back from it, which may be rounded. */
+    void addResult (std::span<const float> written) { after.add (written); }
+
+    /** Forgets the result, of which there will be another. */
+    void beginResultAnew() { after = SoundMeter (shape, courses); }
 
     GainsKnown gainsKnown() const
     {
@@ -66,6 +75,7 @@ struct Listening
     double seconds() const { return static_cast<double> (frames) / shape.sampleRate; }
 
     AudioShape shape;
+    Courses courses;
     SoundMeter before;
     SoundMeter after;
     ChainProbe chain;

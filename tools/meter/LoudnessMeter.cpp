@@ -15,7 +15,7 @@ struct LoudnessMeter::Library
     explicit Library (const AudioShape& shape)
         : state (ebur128_init (static_cast<unsigned> (shape.channels),
                                static_cast<unsigned long> (shape.sampleRate),
-                               EBUR128_MODE_I | EBUR128_MODE_LRA | EBUR128_MODE_TRUE_PEAK))
+                               EBUR128_MODE_I | EBUR128_MODE_LRA))
     {
     }
 
@@ -35,6 +35,9 @@ namespace
 {
 constexpr double absoluteGate = -70.0; // LUFS
 
+constexpr double secondsBetweenWindows = 1.0; // of those that the range is made of
+constexpr std::int64_t stepsBetweenWindows = 10;
+
 constexpr auto notYet = std::numeric_limits<float>::quiet_NaN();
 
 std::int64_t framesIn (double seconds, int sampleRate)
@@ -43,15 +46,18 @@ std::int64_t framesIn (double seconds, int sampleRate)
 }
 } // namespace
 
-LoudnessMeter::LoudnessMeter (const AudioShape& shape)
+LoudnessMeter::LoudnessMeter (const AudioShape& shape, Courses courses)
     : channels (shape.channels),
       sampleRate (shape.sampleRate),
+      wanted (courses),
       library (std::make_unique<Library> (shape)),
       framesPerStep (framesIn (stepSeconds, shape.sampleRate))
 {
 }
 
 LoudnessMeter::~LoudnessMeter() = default;
+LoudnessMeter::LoudnessMeter (LoudnessMeter&&) noexcept = default;
+LoudnessMeter& LoudnessMeter::operator= (LoudnessMeter&&) noexcept = default;
 
 void LoudnessMeter::add (std::span<const float> interleaved)
 {
@@ -69,8 +75,14 @@ void LoudnessMeter::add (std::span<const float> interleaved)
         framesHeard += static_cast<std::int64_t> (part.size() / channelCount);
         interleaved = interleaved.subspan (part.size());
 
-        if (framesHeard % framesPerStep == 0)
+        if (framesHeard % framesPerStep != 0)
+            continue;
+
+        if (wanted == Courses::kept)
             readCourses();
+
+        if (framesHeard / framesPerStep % stepsBetweenWindows == 0)
+            lookAtWindow();
     }
 }
 
@@ -81,6 +93,13 @@ void LoudnessMeter::readCourses()
     momentaryCourse.push_back (hasHeard (momentarySeconds) ? static_cast<float> (loudness) : notYet);
     ebur128_loudness_shortterm (library->state, &loudness);
     shortTermCourse.push_back (hasHeard (shortTermSeconds) ? static_cast<float> (loudness) : notYet);
+}
+
+void LoudnessMeter::lookAtWindow()
+{
+    double loudness = 0.0;
+    ebur128_loudness_shortterm (library->state, &loudness);
+    anyWindowCounts = anyWindowCounts || (hasHeard (shortTermSeconds) && loudness >= absoluteGate);
 }
 
 bool LoudnessMeter::hasHeard (double seconds) const
@@ -101,33 +120,12 @@ Figure LoudnessMeter::integrated() const
 
 Figure LoudnessMeter::range() const
 {
-    constexpr double secondsBetweenWindows = 1.0;
-    const auto passesGate = [] (float loudness) { return double { loudness } >= absoluteGate; };
-
-    if (! hasHeard (shortTermSeconds + secondsBetweenWindows)
-        || std::none_of (shortTermCourse.begin(), shortTermCourse.end(), passesGate))
+    if (! hasHeard (shortTermSeconds + secondsBetweenWindows) || ! anyWindowCounts)
         return std::nullopt;
 
     double range = 0.0;
     ebur128_loudness_range (library->state, &range);
     return finite (range);
-}
-
-Figure LoudnessMeter::truePeak() const
-{
-    if (library->state == nullptr)
-        return std::nullopt;
-
-    double peak = 0.0;
-
-    for (int channel = 0; channel < channels; ++channel)
-    {
-        double ofChannel = 0.0;
-        ebur128_true_peak (library->state, static_cast<unsigned> (channel), &ofChannel);
-        peak = std::max (peak, ofChannel);
-    }
-
-    return amplitudeDecibels (peak);
 }
 
 } // namespace larkspire::meter

@@ -12,18 +12,25 @@
 namespace larkspire::meter
 {
 
-/** Loudness and true peak as EBU R 128 has them (ITU-R BS.1770), by libebur128.
+/** Whether a meter keeps how its figures went over time, which takes longer than the figures do. */
+enum class Courses
+{
+    none,
+    kept
+};
+
+/** Loudness as EBU R 128 has it (ITU-R BS.1770), by libebur128.
 
     A mono file is one channel: the same voice on two channels is 3 LU louder.
 */
 class LoudnessMeter
 {
 public:
-    explicit LoudnessMeter (const AudioShape& shape);
+    explicit LoudnessMeter (const AudioShape& shape, Courses courses = Courses::kept);
     ~LoudnessMeter();
 
-    LoudnessMeter (const LoudnessMeter&) = delete;
-    LoudnessMeter& operator= (const LoudnessMeter&) = delete;
+    LoudnessMeter (LoudnessMeter&&) noexcept;
+    LoudnessMeter& operator= (LoudnessMeter&&) noexcept;
 
     /** Takes whole frames, channels interleaved, linear full scale 1.0. */
     void add (std::span<const float> interleaved);
@@ -36,16 +43,13 @@ public:
         window reaches -70 LUFS. */
     Figure range() const;
 
-    /** The largest magnitude of the waveform between the samples, in dBTP. nullopt for silence. */
-    Figure truePeak() const;
-
     /** The step of the two courses, in seconds; the loudness is read at the end of each. */
     static constexpr double stepSeconds = 0.1;
     static constexpr double momentarySeconds = 0.4;
     static constexpr double shortTermSeconds = 3.0;
 
     /** The loudness in LUFS of the last 0.4 s and of the last 3 s at the end of each step; minus infinity for
-        silence, NaN until so much has been heard. */
+        silence, NaN until so much has been heard. Empty where no courses are kept. */
     const std::vector<float>& momentary() const noexcept { return momentaryCourse; }
     const std::vector<float>& shortTerm() const noexcept { return shortTermCourse; }
 
@@ -53,13 +57,16 @@ private:
     struct Library; // its header's names are too plain to be let in here
 
     void readCourses();
+    void lookAtWindow();
     bool hasHeard (double seconds) const;
 
     int channels;
     int sampleRate;
+    Courses wanted;
     std::unique_ptr<Library> library;
     std::int64_t framesPerStep;
     std::int64_t framesHeard = 0;
+    bool anyWindowCounts = false; // whether one of those that the range is made of reaches the gate
     std::vector<float> momentaryCourse;
     std::vector<float> shortTermCourse;
 };

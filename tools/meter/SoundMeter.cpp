@@ -7,9 +7,11 @@
 namespace larkspire::meter
 {
 
-SoundMeter::SoundMeter (const AudioShape& shape)
+SoundMeter::SoundMeter (const AudioShape& shape, Courses courses)
     : channels (static_cast<std::size_t> (shape.channels)),
-      loudnessMeter (shape),
+      wanted (courses),
+      loudnessMeter (shape, courses),
+      truePeakMeter (shape),
       quietestTenth (shape)
 {
 }
@@ -28,7 +30,11 @@ void SoundMeter::add (std::span<const float> interleaved)
     }
 
     loudnessMeter.add (finiteSamples);
+    truePeakMeter.add (finiteSamples);
     quietestTenth.add (finiteSamples);
+
+    if (wanted == Courses::none)
+        return;
 
     for (std::size_t i = 0; i < finiteSamples.size(); i += channels)
     {
@@ -43,9 +49,11 @@ SoundFigures SoundMeter::figures (const SoundMeter& recording) const
     if (! allFinite)
         return {};
 
+    auto truePeak = truePeakMeter; // which may go on
+    truePeak.end();
     return { .integratedLufs = loudnessMeter.integrated(),
              .loudnessRangeLu = loudnessMeter.range(),
-             .truePeakDbtp = loudnessMeter.truePeak(),
+             .truePeakDbtp = truePeak.peak(),
              .quietestTenthDbfs = quietestTenth.levelWhere (recording.quietestTenth) };
 }
 

@@ -5,6 +5,7 @@
 #include "meter/QuietestTenth.h"
 #include "meter/SoundFigures.h"
 #include "meter/TimeCourse.h"
+#include "meter/TruePeakMeter.h"
 
 #include <span>
 
@@ -15,7 +16,7 @@ namespace larkspire::meter
 class SoundMeter
 {
 public:
-    explicit SoundMeter (const AudioShape& shape);
+    explicit SoundMeter (const AudioShape& shape, Courses courses = Courses::kept);
 
     /** Takes whole frames, channels interleaved, linear full scale 1.0. Samples that are NaN or infinite are heard
         as silence, and a sound with any has no figures. */
@@ -24,13 +25,15 @@ public:
     /** @param recording  what the sound was made of, or the sound itself; see QuietestTenth::levelWhere */
     SoundFigures figures (const SoundMeter& recording) const;
 
-    /** The samples themselves, all channels in one. */
+    /** The samples themselves, all channels in one; empty where no courses are kept. */
     const TimeCourse& waveform() const noexcept { return waveformCourse; }
     const LoudnessMeter& loudness() const noexcept { return loudnessMeter; }
 
 private:
     std::size_t channels;
+    Courses wanted;
     LoudnessMeter loudnessMeter;
+    TruePeakMeter truePeakMeter;
     QuietestTenth quietestTenth;
     TimeCourse waveformCourse;
     std::vector<float> finiteSamples;

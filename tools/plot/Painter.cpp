@@ -49,7 +49,7 @@ std::vector<juce::Point<double>> loudnessPoints (const Axes& axes, const std::ve
 std::vector<juce::Point<double>> gainPoints (const Axes& axes, const Listening& measurement, const TimeCourse& course)
 {
     std::vector<juce::Point<double>> points;
-    const auto binSeconds = secondsPerBin (measurement, course);
+    const auto binSeconds = double (course.samplesPerBin()) / measurement.chain.sampleRate();
     double sum = 0.0;
     int count = 0;
     double firstInColumn = 0.0;

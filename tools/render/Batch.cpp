@@ -85,7 +85,8 @@ private:
             if (rendering.job.refusal.has_value())
                 throw std::runtime_error (*rendering.job.refusal);
 
-            rendering.report = render (library, rendering.job, plan.settings, progress);
+            rendering.report = rendering.job.output.empty() ? analyse (rendering.job, plan.settings, progress)
+                                                            : render (library, rendering.job, plan.settings, progress);
 
             if (isFault (rendering, plan.settings))
                 failed = true;

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <map>
 #include <string>
 #include <string_view>
@@ -112,7 +113,8 @@ std::vector<Target> targetsOf (const std::vector<Job>& jobs)
 
     for (std::size_t i = 0; i < jobs.size(); ++i)
     {
-        targets.push_back ({ .path = jobs[i].output, .job = i });
+        if (! jobs[i].output.empty())
+            targets.push_back ({ .path = jobs[i].output, .job = i });
 
         if (jobs[i].picture.has_value())
             targets.push_back ({ .path = *jobs[i].picture, .job = i });
@@ -292,6 +294,32 @@ std::optional<Place> placeOfPictures (const CommandLine& call)
     return Place (call, name, ".png");
 }
 
+/** What the recordings are brought to. Throws WrongCall for a peak that is none. */
+InputLevel inputLevelOf (const CommandLine& call)
+{
+    InputLevel level { .gainDb = call.gain };
+
+    if (! call.peak.has_value())
+        return level;
+
+    if (*call.peak == "best")
+    {
+        level.best = true;
+        return level;
+    }
+
+    constexpr double lowest = -60.0;
+    double peak = 1.0;
+    const auto* const end = call.peak->data() + call.peak->size();
+    const auto read = std::from_chars (call.peak->data(), end, peak);
+
+    if (read.ec != std::errc() || read.ptr != end || ! (peak >= lowest && peak <= 0.0))
+        throw WrongCall ("--input-peak " + *call.peak + ": is neither a level of -60 to 0 dBFS nor best");
+
+    level.peakDbfs = peak;
+    return level;
+}
+
 unsigned workersFor (const CommandLine& call)
 {
     return call.workers > 0 ? static_cast<unsigned> (call.workers) : std::max (1U, std::thread::hardware_concurrency());
@@ -309,11 +337,21 @@ BatchPlan planBatch (const CommandLine& call)
     if (call.compare && call.mode.has_value())
         throw WrongCall ("--compare renders every mode, so --mode makes no sense with it");
 
+    std::optional<finish::Target> target;
+
+    if (call.loudness.has_value())
+        target = { .lufs = *call.loudness, .ceilingDbtp = call.truePeak.value_or (finish::Target {}.ceilingDbtp) };
+
     BatchPlan plan;
     plan.settings = { .blockSize = call.blockSize,
                       .encoding = { .container = container, .samples = call.samples },
                       .measure = call.report || call.json,
-                      .allowTruncated = call.allowTruncated };
+                      .allowTruncated = call.allowTruncated,
+                      .level = inputLevelOf (call),
+                      .settleSeconds = call.settle,
+                      .voices = call.split ? meter::Voices::split : meter::Voices::together,
+                      .processRate = call.processRate,
+                      .target = target };
     plan.outputs = { .stats = call.stats, .report = call.report || call.json, .json = call.json };
     plan.workers = workersFor (call);
 
@@ -330,7 +368,7 @@ BatchPlan planBatch (const CommandLine& call)
         for (const auto mode : modes)
             plan.jobs.push_back (
                 { .input = source.input,
-                  .output = results.nameFor (source, mode),
+                  .output = call.analysesOnly ? fs::path() : results.nameFor (source, mode),
                   .mode = mode,
                   .picture = pictures ? std::optional (pictures->nameFor (source, mode)) : std::nullopt });
 
@@ -339,7 +377,7 @@ BatchPlan planBatch (const CommandLine& call)
 
     for (const auto& job : plan.jobs)
     {
-        if (job.refusal.has_value())
+        if (job.refusal.has_value() || call.analysesOnly)
             continue;
 
         results.makeRoomFor (job.output, plan);

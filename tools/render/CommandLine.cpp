@@ -2,6 +2,7 @@
 #include "render/CommandLine.h"
 
 #include "base/Failure.h"
+#include "base/Texts.h"
 #include "render/HelpText.h"
 
 #include <CLI/CLI.hpp>
@@ -37,6 +38,22 @@ void takeNames (CLI::Option* option, const Choice<Value>& choice)
 {
     option->transform (CLI::Transformer (choice, CLI::ignore_case));
     option->transform (CLI::IsMember (choice, CLI::ignore_case));
+}
+
+/** Lets an option take numbers of a range and nothing else. CLI::Range would take NaN too. */
+CLI::Validator within (double lowest, double highest)
+{
+    const auto check = [lowest, highest] (const std::string& text) -> std::string
+    {
+        double number = 0.0;
+
+        if (CLI::detail::lexical_cast (text, number) && number >= lowest && number <= highest)
+            return {};
+
+        return text + " is no number of " + fixed (lowest, 0) + " to " + fixed (highest, 0);
+    };
+
+    return { check, "" };
 }
 
 /** The parser's own help with our usage ahead of all, and a space between the names of an option. */
@@ -75,16 +92,17 @@ std::vector<std::string> reversedArguments (int count, const char* const* argume
 
     return reversed;
 }
-} // namespace
 
-std::variant<CommandLine, std::string> parseCommandLine (int argumentCount, const char* const* arguments)
+/** Reads a text as a string: as an optional, the parser would take an empty one for none. */
+CLI::Option*
+addText (CLI::App& parser, const std::string& name, std::optional<std::string>& text, const std::string& description)
 {
-    // Read as a string: as an optional, the parser would take an empty text for none.
-    using Text = std::optional<std::string>;
+    return parser.add_option<std::optional<std::string>, std::string> (name, text, description);
+}
 
-    CommandLine call;
-    CLI::App parser ({}, programName);
-    parser.formatter (std::make_shared<HelpFormatter>());
+/** What most calls are made of. */
+void addCommonOptions (CLI::App& parser, CommandLine& call)
+{
     parser.set_help_flag ("-h,--help", "Show this text");
     parser.set_version_flag ("--version", std::string (programName) + " " + LARKSPIRE_RELEASE, "Show the version");
     parser.add_option ("IN", call.inputs, "Recordings, or folders of recordings")->group ("");
@@ -94,40 +112,121 @@ std::variant<CommandLine, std::string> parseCommandLine (int argumentCount, cons
             .add_option ("--mode", call.mode, "Position of the knob: bypass, Gentle, Medium (the default) or Powerful")
             ->option_text ("MODE"),
         namedModes());
-    parser.add_flag ("--compare", call.compare, "Render all four modes, with the mode in the name: voice-Medium.wav");
-    takeNames<Container> (
+    parser
+        .add_option ("--loudness",
+                     call.loudness,
+                     "Bring the results to this integrated loudness, -70 to -5, with no true peak above -1 dBTP")
+        ->check (within (-70.0, -5.0))
+        ->option_text ("LUFS");
+    addText (parser,
+             "--input-peak",
+             call.peak,
+             "Bring the recordings to this peak ahead of the plug-in, -60 to 0, or to the best for the mode")
+        ->option_text ("DBFS");
+    parser.add_flag (
+        "--report",
+        call.report,
+        "Print loudness, true peak and noise before and after, and what each stage did; without -o advice");
+    parser.add_option ("-j,--jobs", call.workers, "Files to render at once, 0 for one on each core; without it 1")
+        ->check (CLI::Range (0, 256))
+        ->option_text ("N");
+}
+
+void addSoundOptions (CLI::App& parser, CommandLine& call)
+{
+    constexpr const char* group = "Around the plug-in";
+    parser
+        .add_option (
+            "--true-peak", call.truePeak, "With --loudness: what no true peak is above, -20 to 0; without it -1")
+        ->check (within (-20.0, 0.0))
+        ->needs ("--loudness")
+        ->option_text ("DBTP")
+        ->group (group);
+    parser.add_option ("--gain", call.gain, "Gain ahead of the plug-in, -60 to 60")
+        ->check (within (-60.0, 60.0))
+        ->excludes ("--input-peak")
+        ->option_text ("DB")
+        ->group (group);
+    parser
+        .add_option (
+            "--settle", call.settle, "Let the plug-in hear so much of the beginning once before, 0 to 60; without it 0")
+        ->check (within (0.0, 60.0))
+        ->option_text ("SECONDS")
+        ->group (group);
+    parser.add_flag ("--split", call.split, "Take left and right for two voices, each through a plug-in of its own")
+        ->group (group);
+    parser
+        .add_option ("--process-rate",
+                     call.processRate,
+                     "Sample rate that the plug-in runs at, 1000 to 768000; without it the file's own")
+        ->check (CLI::Range (1000, 768000))
+        ->option_text ("HZ")
+        ->group (group);
+}
+
+void addFileOptions (CLI::App& parser, CommandLine& call)
+{
+    constexpr const char* group = "Files";
+    parser.add_flag ("--compare", call.compare, "Render all four modes, with the mode in the name: voice-Medium.wav")
+        ->group (group);
+    auto* const format =
         parser
             .add_option ("--format",
                          call.container,
                          "Kind of the results, wav or flac; without it what the name of OUT says, or wav")
-            ->option_text ("KIND"),
-        { { "wav", Container::wav }, { "flac", Container::flac } });
-    takeNames<SampleType> (
+            ->option_text ("KIND");
+    format->group (group);
+    takeNames<Container> (format, { { "wav", Container::wav }, { "flac", Container::flac } });
+    auto* const bits =
         parser
             .add_option ("--bits",
                          call.samples,
                          "Width of the results' samples: 16, 24 (the default) or 32f, floats, in WAV only")
-            ->option_text ("WIDTH"),
-        { { "16", SampleType::pcm16 }, { "24", SampleType::pcm24 }, { "32f", SampleType::float32 } });
-    parser.add_flag (
-        "--report", call.report, "Print loudness, true peak and noise before and after, and the stages' gains");
-    parser.add_flag ("--json", call.json, "Print the report as a JSON document and nothing else");
-    parser.add_option<Text, std::string> ("--plot", call.picture, "Draw waveforms, loudness and gains over time")
-        ->option_text ("PNG");
-    parser.add_flag (
-        "--allow-truncated", call.allowTruncated, "Take recordings that were cut off as if they were whole");
-    parser.add_flag ("--stats", call.stats, "Print path, peak, RMS, length and times faster than real time");
-    parser.add_option ("-j,--jobs", call.workers, "Files to render at once, 0 for one on each core; without it 1")
-        ->check (CLI::Range (0, 256))
-        ->option_text ("N");
+            ->option_text ("WIDTH");
+    bits->group (group);
+    takeNames<SampleType> (
+        bits, { { "16", SampleType::pcm16 }, { "24", SampleType::pcm24 }, { "32f", SampleType::float32 } });
+    parser
+        .add_flag ("--allow-truncated", call.allowTruncated, "Take recordings that were cut off as if they were whole")
+        ->group (group);
+}
+
+void addFigureOptions (CLI::App& parser, CommandLine& call)
+{
+    constexpr const char* group = "Figures and pictures";
+    parser.add_flag ("--json", call.json, "Print the report as a JSON document and nothing else")->group (group);
+    addText (parser, "--plot", call.picture, "Draw waveforms, loudness and gains over time")
+        ->option_text ("PNG")
+        ->group (group);
+    parser.add_flag ("--stats", call.stats, "Print path, peak, RMS, length and times faster than real time")
+        ->group (group);
+}
+
+void addHostOptions (CLI::App& parser, CommandLine& call)
+{
+    constexpr const char* group = "The plug-in";
     parser
         .add_option ("--block",
                      call.blockSize,
                      "Sample frames that the plug-in gets at once, 1 to 524288; without it "
                          + std::to_string (call.blockSize))
         ->check (CLI::Range (1, 524288))
-        ->option_text ("N");
-    parser.add_option<Text, std::string> ("--plugin", call.plugin, "The plug-in's library")->option_text ("PATH");
+        ->option_text ("N")
+        ->group (group);
+    addText (parser, "--plugin", call.plugin, "The plug-in's library")->option_text ("PATH")->group (group);
+}
+} // namespace
+
+std::variant<CommandLine, std::string> parseCommandLine (int argumentCount, const char* const* arguments)
+{
+    CommandLine call;
+    CLI::App parser ({}, programName);
+    parser.formatter (std::make_shared<HelpFormatter>());
+    addCommonOptions (parser, call);
+    addSoundOptions (parser, call);
+    addFileOptions (parser, call);
+    addFigureOptions (parser, call);
+    addHostOptions (parser, call);
 
     try
     {
@@ -137,8 +236,8 @@ std::variant<CommandLine, std::string> parseCommandLine (int argumentCount, cons
     {
         auto text = parser.help();
 
-        // The parser puts two empty lines between the options and what follows.
-        if (const auto gap = text.find ("\n\n\n"); gap != std::string::npos)
+        // The parser puts two empty lines behind a group of options.
+        for (auto gap = text.find ("\n\n\n"); gap != std::string::npos; gap = text.find ("\n\n\n"))
             text.erase (gap, 1);
 
         return text;
@@ -152,8 +251,11 @@ std::variant<CommandLine, std::string> parseCommandLine (int argumentCount, cons
         throw WrongCall (std::string (error.what()) + " (--help shows how to call it)");
     }
 
-    for (const auto& [isMissing, what] :
-         { std::pair { call.inputs.empty(), "a recording, IN," }, { parser.count ("-o") == 0, "the result, -o OUT," } })
+    call.analysesOnly =
+        parser.count ("-o") == 0 && (call.report || call.json) && ! call.stats && ! call.picture.has_value();
+
+    for (const auto& [isMissing, what] : { std::pair { call.inputs.empty(), "a recording, IN," },
+                                           { parser.count ("-o") == 0 && ! call.analysesOnly, "the result, -o OUT," } })
         if (isMissing)
             throw WrongCall (std::string (what) + " is missing: " + usage + " (--help shows more)");
 

@@ -17,12 +17,20 @@ struct CommandLine
 {
     std::vector<std::string> inputs;
     std::string output;
+    bool analysesOnly = false; // no output was named, and only a report is wanted
     std::optional<KnobMode> mode;
     int blockSize = 4096;
     int workers = 1; // 0 is one for each processor core
     std::optional<std::string> plugin;
     std::optional<Container> container;
     SampleType samples = Encoding {}.samples;
+    std::optional<double> loudness;  // LUFS
+    std::optional<double> truePeak;  // dBTP
+    std::optional<double> gain;      // dB
+    std::optional<std::string> peak; // dBFS, or "best"
+    double settle = 0.0;             // seconds
+    std::optional<int> processRate;  // Hz
+    bool split = false;
     std::optional<std::string> picture;
     bool allowTruncated = false;
     bool compare = false;

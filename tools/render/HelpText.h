@@ -14,7 +14,8 @@ inline constexpr const char* helpHead =
 Take recordings of a voice through the plug-in Quendal Larkspire, as a host would.
 
 IN is WAV, FLAC, AIFF or Ogg Vorbis, mono or stereo, or a folder of such files. A result has its input's length, sample
-rate and channels, sample for sample; in mode bypass nothing changes, down to the last bit.
+rate and channels, sample for sample; in mode bypass nothing changes, down to the last bit, unless a level,
+a loudness or another rate is asked for.
 )";
 
 inline constexpr const char* helpFoot =
@@ -37,6 +38,25 @@ inline constexpr const char* helpFoot =
   ~/.vst, in the folders of VST_PATH and in /usr/lib/vst. The results and what is printed do not depend on --jobs, but
   for the speeds. One file at a time is the default, since somebody may be at work on the machine with sound running.
 
+Level and loudness:
+  A sound goes through --gain or --input-peak, --process-rate, the plug-in, back to the file's own rate, and --loudness.
+
+  With --loudness a gain and a limiter stand behind the plug-in. The limiter looks ahead and sees the peaks between the
+  samples. Loudness is within 0.2 LU and true peak within 0.1 dB of what is asked for, as EBU R 128 and ffmpeg's ebur128
+  have them. A mono file counts as one channel: what plays on two loudspeakers is 3 LU louder, so many ask for -16 in
+  stereo and for -19 in mono. A lossy copy may peak higher; --true-peak -2 leaves it room. What gets no louder below the
+  ceiling is brought as far as it goes, and what has no loudness, silence or less than 0.4 s, is left as it is; both are
+  said. Until it is finished the sound takes 4 bytes a sample on the disk of the result, or 0.7 GB an hour of mono at
+  48 kHz.
+
+  --input-peak best tries peaks of -36 to -6 dBFS in steps of 3 dB and takes the one at which the mode keeps voice and
+  room furthest apart: of the levels, RMS, of all 50 ms windows behind it the one that 95 of 100 do not exceed, and the
+  one that 10 of 100 do not exceed. In bypass it takes the recording as it is.
+
+  --settle keeps the first word from being loud while the leveller comes down. --split is for a host on the left and a
+  guest on the right; a mono file is rendered as it is. The gains count samples, so that every mode is slower at 8 kHz
+  and faster at 96 kHz than at 48 kHz, unless --process-rate 48000 is given.
+
 Report:
   Integrated loudness, loudness range and true peak are those of EBU R 128; a mono file counts as one channel. The
   quietest tenth is the level, RMS, that a tenth of all 50 ms windows do not exceed. Of speech in a room that is the
@@ -47,17 +67,24 @@ Report:
   is the RMS behind the stage to the RMS in front of it. They are read in the chain that this program has inside, which
   runs beside the library, and are left out where the two do not agree to the bit.
 
+  Without -o nothing is written; the report then says how far apart voice and room lie, as above, whether the expander
+  closes where only the room is heard, and which level would keep them further apart.
+
   A dash, or null in JSON, is a figure that there is not: of silence, or of less than 0.4 s (loudness) or 4 s (range).
 
-  The JSON document is an object with version, 2; results, an object for each in the order of the inputs; left_out, what
-  the folders hold and is not rendered, each with path, reason and is_error; and files_without_sound, a count. A result
-  has input, output, mode, picture (if there is one), sample_rate_hz, channels, length_s, truncated, stated_length_s (if
-  the recording was cut off and says so), clipped_samples and warnings, as on standard error; before and after, each
-  with integrated_lufs, loudness_range_lu, true_peak_dbtp and quietest_tenth_dbfs; gains, with high_pass_db,
-  expander_mean_db, stereo_fold_db, air_and_body_db, leveller_mean_db, make_up_db and soft_clip_db, or null with the
-  reason in gains_missing; and with --stats stats, with peak_dbfs, rms_dbfs and times_real_time. Where a file failed,
-  error follows mode and is the last. A path that is no UTF-8 is there a second time, as input_bytes and the like, with
-  \xNN for all but printable ASCII and for the backslash.
+  The JSON document is an object with version, 2; results, an object for each in the order of the inputs; left_out,
+  what the folders hold and is not rendered, each with path, reason and is_error; and files_without_sound, a count. A
+  result has input, output, mode, picture (if there is one), sample_rate_hz, channels, length_s, truncated,
+  stated_length_s (if the recording was cut off and says so), clipped_samples and warnings, as on standard error;
+  input_gain_db, if a level was asked for; before and after, each with integrated_lufs, loudness_range_lu,
+  true_peak_dbtp and quietest_tenth_dbfs; gains, with high_pass_db, expander_mean_db, stereo_fold_db, air_and_body_db,
+  leveller_mean_db, make_up_db and soft_clip_db, or null with the reason in gains_missing; with --loudness finish,
+  with target_lufs, ceiling_dbtp, reached_lufs, gain_db, limiter_share_of_time (with more than 0.1 dB off),
+  limiter_times and limiter_deepest_db; and with --stats stats, with peak_dbfs, rms_dbfs and times_real_time. Where a
+  file failed, error follows mode and is the last. Without -o, advice, a list of sentences, and trials, what they rest
+  on, follow before: a list of objects with mode, gain_db, voice_before_dbfs, room_before_dbfs, voice_after_dbfs,
+  room_after_dbfs and expander_closes. A path that is no UTF-8 is there a second time, as input_bytes and the like,
+  with \xNN for all but printable ASCII and for the backslash.
 
 Pictures:
   A picture shows waveforms and loudness before and after, and the gains of expander and leveller. With one recording
@@ -75,6 +102,10 @@ Exit status:
 Examples:
   larkspire-render voice.wav -o clear.wav
          one recording in mode Medium, the result a 24-bit WAV file
+  larkspire-render --input-peak best --loudness -16 --settle 10 interview.wav -o episode.wav
+         a file that can be published: at -16 LUFS with no true peak above -1 dBTP
+  larkspire-render --report interview.wav
+         advice on the recording's level, and no result
   larkspire-render --mode Gentle --format flac takes -o finished
          a folder of recordings with all below it, every result a FLAC file in another folder
   larkspire-render --compare --report --plot voice.png voice.wav -o clear.wav

@@ -3,8 +3,11 @@
 
 #include "audio/AudioInput.h"
 #include "audio/AudioOutput.h"
+#include "finish/Finisher.h"
 #include "host/HostedPlugin.h"
 #include "meter/Listening.h"
+#include "render/Advice.h"
+#include "render/InputGain.h"
 
 #include <filesystem>
 #include <functional>
@@ -18,7 +21,7 @@ namespace larkspire::render
 struct Job
 {
     std::filesystem::path input;
-    std::filesystem::path output;
+    std::filesystem::path output; // empty where the recording is only looked at
     KnobMode mode;
     std::optional<std::filesystem::path> picture; // where the picture goes, if one is wanted
     std::optional<std::string> refusal {};        // one line that says why it is not to be done
@@ -29,22 +32,33 @@ struct RenderSettings
 {
     int blockSize; // sample frames; the result does not depend on it
     Encoding encoding;
-    bool measure;        // whether to listen as well, which takes longer than the plug-in does
-    bool allowTruncated; // whether a recording that was cut off is as good as any
+    bool measure;               // whether to listen as well, which takes longer than the plug-in does
+    bool allowTruncated;        // whether a recording that was cut off is as good as any
+    InputLevel level {};        // of what the plug-in gets
+    double settleSeconds = 0.0; // of the beginning, that the plug-in hears once before
+    meter::Voices voices = meter::Voices::together;
+    std::optional<int> processRate {};       // Hz, at which the plug-in runs; nullopt is the file's own
+    std::optional<finish::Target> target {}; // what the result is brought to
+
+    /** Whether anything but the plug-in changes the sound. */
+    bool isPlain() const { return ! level.isGiven() && ! processRate.has_value() && ! target.has_value(); }
 };
 
 /** What a finished job has to tell. */
 struct RenderReport
 {
-    Levels levels;
-    Losses losses;                           // on writing
-    std::int64_t roundedOnReading = 0;       // samples of which 32-bit floats do not hold every digit
-    std::optional<Truncation> truncation;    // there if the input was cut off
-    std::optional<std::string> pictureFault; // one line that says why there is no picture, if one was wanted
-    AudioShape shape;
-    double seconds = 0.0;                    // of sound
-    double timesRealTime = 0.0;              // how many seconds of sound a second of work gave; 0 if there was no sound
-    std::optional<meter::Analysis> analysis; // there if it was asked for
+    Levels levels {};
+    Losses losses {};                           // on writing
+    std::int64_t roundedOnReading = 0;          // samples of which 32-bit floats do not hold every digit
+    std::optional<Truncation> truncation {};    // there if the input was cut off
+    std::optional<std::string> pictureFault {}; // one line that says why there is no picture, if one was wanted
+    AudioShape shape {};
+    double seconds = 0.0;       // of sound
+    double timesRealTime = 0.0; // how many seconds of sound a second of work gave; 0 if there was no sound
+    std::optional<meter::Analysis> analysis {};    // there if it was asked for
+    double inputGainDb = 0.0;                      // ahead of the plug-in
+    std::optional<finish::FinishReport> finish {}; // there if there was a target
+    std::optional<Advice> advice {};               // there if the recording was only looked at
 };
 
 /** A job and what has become of it. */
@@ -63,7 +77,11 @@ struct RenderProgress
     double secondsOfWork = 0.0;
 };
 
-/** Takes a file through a plug-in instance of its own. The memory does not grow with the file, but for what a picture
+/** Takes a file through a plug-in instance of its own, and through what stands ahead of it and behind it:
+
+        recording -> input gain -> [process rate] -> plug-in -> [file's rate] -> [gain and limiter] -> result
+
+    The memory does not grow with the file, but for what a picture
     needs. The result has the input's length, sample rate and channels, and appears under its name when it is whole; so
     does the picture after it. A place that takes no picture is found out first; a picture that fails later leaves the
     result alone.
@@ -78,5 +96,10 @@ RenderReport render (const PluginLibrary& library,
                      const Job& job,
                      const RenderSettings& settings,
                      const std::function<void (const RenderProgress&)>& progress);
+
+/** Looks at a recording and writes nothing: its figures, and advice on its level for the job's mode. Throws as above.
+ */
+RenderReport
+analyse (const Job& job, const RenderSettings& settings, const std::function<void (const RenderProgress&)>& progress);
 
 } // namespace larkspire::render

@@ -53,6 +53,39 @@ void addAnalysis (Json& entry, const meter::Analysis& analysis)
     }
 }
 
+Json describe (const finish::FinishReport& report)
+{
+    return { { "target_lufs", report.target.lufs },
+             { "ceiling_dbtp", report.target.ceilingDbtp },
+             { "reached_lufs", number (report.reachedLufs) },
+             { "gain_db", number (report.gainDb) },
+             { "limiter_share_of_time", number (report.limiter.shareOfTime) },
+             { "limiter_times", report.limiter.times },
+             { "limiter_deepest_db", number (report.limiter.deepestDb) } };
+}
+
+Json describe (const Trial& trial)
+{
+    return { { "mode", nameOf (trial.mode) },
+             { "gain_db", number (trial.gainDb) },
+             { "voice_before_dbfs", number (trial.before.voiceDbfs) },
+             { "room_before_dbfs", number (trial.before.roomDbfs) },
+             { "voice_after_dbfs", number (trial.after.voiceDbfs) },
+             { "room_after_dbfs", number (trial.after.roomDbfs) },
+             { "expander_closes", trial.closes } };
+}
+
+/** What was found of a recording that is only looked at. */
+void addAdvice (Json& entry, const RenderReport& report)
+{
+    entry["before"] = describe (report.analysis->before, soundFigures);
+    entry["advice"] = report.advice->sentences;
+    entry["trials"] = Json::array();
+
+    for (const auto& trial : report.advice->trials)
+        entry["trials"].push_back (describe (trial));
+}
+
 bool isUtf8 (const std::string& text)
 {
     try
@@ -88,7 +121,10 @@ Json describe (const Rendering& rendering, const BatchPlan& plan)
 {
     Json entry;
     addPath (entry, "input", rendering.job.input);
-    addPath (entry, "output", rendering.job.output);
+
+    if (! rendering.job.output.empty())
+        addPath (entry, "output", rendering.job.output);
+
     entry["mode"] = nameOf (rendering.job.mode);
 
     if (! rendering.report.has_value())
@@ -113,8 +149,16 @@ Json describe (const Rendering& rendering, const BatchPlan& plan)
     entry["clipped_samples"] = report.losses.clipped;
     entry["warnings"] = warningsOf (rendering, plan.settings);
 
-    if (report.analysis.has_value())
+    if (plan.settings.level.isGiven())
+        entry["input_gain_db"] = number (report.inputGainDb);
+
+    if (report.advice.has_value())
+        addAdvice (entry, report);
+    else if (report.analysis.has_value())
         addAnalysis (entry, *report.analysis);
+
+    if (report.finish.has_value())
+        entry["finish"] = describe (*report.finish);
 
     if (plan.outputs.stats)
         entry["stats"] = { { "peak_dbfs", number (meter::finite (report.levels.peakDecibels())) },

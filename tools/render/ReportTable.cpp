@@ -6,6 +6,7 @@
 #include "render/Figures.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <vector>
 
@@ -52,6 +53,56 @@ std::string headline (const Rendering& rendering)
            + "\n";
 }
 
+/** What stood ahead of the plug-in and behind it, where anything did. */
+std::string surroundingLines (const std::vector<const Rendering*>& renderings)
+{
+    struct Row
+    {
+        const char* label;
+        double (*value) (const RenderReport&);
+        bool ofFinish;
+    };
+
+    constexpr std::array<Row, 5> rows { {
+        { "gain ahead of it, dB", [] (const RenderReport& report) { return report.inputGainDb; }, false },
+        { "gain behind it, dB", [] (const RenderReport& report) { return report.finish->gainDb; }, true },
+        { "  limiter, % of the time",
+          [] (const RenderReport& report) { return 100.0 * report.finish->limiter.shareOfTime; },
+          true },
+        { "  limiter, times", [] (const RenderReport& report) { return double (report.finish->limiter.times); }, true },
+        { "  limiter, deepest, dB",
+          [] (const RenderReport& report) { return report.finish->limiter.deepestDb; },
+          true },
+    } };
+
+    const auto isWorthALine = [&renderings] (const Row& row)
+    {
+        return std::any_of (renderings.begin(),
+                            renderings.end(),
+                            [&row] (const auto* rendering) {
+                                return row.ofFinish ? rendering->report->finish.has_value()
+                                                    : rendering->report->inputGainDb != 0.0;
+                            });
+    };
+
+    std::string text;
+
+    for (const auto& row : rows)
+    {
+        if (! isWorthALine (row))
+            continue;
+
+        std::vector<std::string> cells { "" };
+
+        for (const auto* rendering : renderings)
+            cells.push_back (cellOf (row.value (*rendering->report)));
+
+        text += line (row.label, cells);
+    }
+
+    return text;
+}
+
 std::string gainLines (const std::vector<const Analysis*>& analyses)
 {
     const auto has = [&analyses] (GainsKnown state)
@@ -85,6 +136,23 @@ std::string gainLines (const std::vector<const Analysis*>& analyses)
 
     return text;
 }
+
+/** What was found of a recording that is only looked at. */
+std::string adviceText (const std::vector<const Rendering*>& renderings)
+{
+    auto text = headline (*renderings[0]);
+
+    for (const auto& sound : soundFigures)
+        text += line (sound.label, { cellOf (renderings[0]->report->analysis->before.*sound.figure) });
+
+    for (const auto* rendering : renderings)
+    {
+        for (const auto& sentence : rendering->report->advice->sentences)
+            text += "  " + sentence + "\n";
+    }
+
+    return text;
+}
 } // namespace
 
 std::string reportTable (std::span<const Rendering> renderings)
@@ -97,6 +165,9 @@ std::string reportTable (std::span<const Rendering> renderings)
 
     if (done.empty())
         return {};
+
+    if (done[0]->report->advice.has_value())
+        return adviceText (done);
 
     std::vector<const Analysis*> analyses;
     std::vector<std::string> heads { "before" };
@@ -120,7 +191,7 @@ std::string reportTable (std::span<const Rendering> renderings)
         text += line (sound.label, cells);
     }
 
-    return text + gainLines (analyses);
+    return text + gainLines (analyses) + surroundingLines (done);
 }
 
 } // namespace larkspire::render

@@ -14,6 +14,17 @@ std::string countOf (std::int64_t samples)
     return std::to_string (samples) + (samples == 1 ? " sample" : " samples");
 }
 
+std::string finishText (const finish::FinishReport& report)
+{
+    const auto level = [] (double value, const char* unit) { return fixed (value, 1) + " " + unit; };
+
+    if (! report.reachedLufs.has_value())
+        return "has no loudness, as it is silent, shorter than 0.4 s or holds NaN, and was left as it is";
+
+    return "reaches " + level (*report.reachedLufs, "LUFS") + " instead of " + level (report.target.lufs, "LUFS")
+           + ": it gets no louder below " + level (report.target.ceilingDbtp, "dBTP");
+}
+
 std::string truncationText (const Truncation& truncation, const RenderReport& report)
 {
     const auto there = secondsText (report.seconds) + " s";
@@ -47,8 +58,12 @@ std::vector<std::string> warningsOf (const Rendering& rendering, const RenderSet
                  + (report.losses.notNumbers == 1 ? " that is no number" : " that are no numbers")
                  + " became silence; --bits 32f keeps them");
 
-    // In a voice mode every sample is new, and rounded to the width that was asked for. In bypass none should change.
-    if (rendering.job.mode == KnobMode::bypass)
+    if (report.finish.has_value() && report.finish->missed())
+        say (rendering.job.output, finishText (*report.finish));
+
+    // In a voice mode every sample is new, and rounded to the width that was asked for. In bypass none should change,
+    // unless something else was asked for that changes them.
+    if (rendering.job.mode == KnobMode::bypass && settings.isPlain())
     {
         if (report.roundedOnReading > 0)
             say (rendering.job.input,

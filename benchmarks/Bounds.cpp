@@ -84,6 +84,12 @@ std::vector<Bound> promisedBounds()
                             12.0 });
     }
 
+    // True-peak meters on both sides and a second way through the sound are what it costs most for.
+    bounds.push_back ({ "rendering an hour with a loudness and a report, of without",
+                        { "renderer/finished" },
+                        { "renderer/plain" },
+                        8.0 });
+
     return bounds;
 }
 
@@ -96,6 +102,17 @@ double ratioOf (const Costs& costs, const Bound& bound)
 std::vector<TimeBound> promisedTimes()
 {
     return { { "loading the library and making an instance", "library/load and first instance", 20.0 } };
+}
+
+std::vector<MemoryBound> promisedMemory()
+{
+    return { { "rendering an hour with a loudness and a report", "renderer/finished", 64.0 } };
+}
+
+double megabytesOf (const Costs& costs, const std::string& name)
+{
+    const auto cost = costs.find (name);
+    return cost == costs.end() ? 0.0 : cost->second.bytes / (1024.0 * 1024.0);
 }
 
 double millisecondsOf (const Costs& costs, const std::string& name)
@@ -139,6 +156,22 @@ bool report (const Costs& costs, bool all)
         allHold = allHold && holds;
         std::printf (
             "%-63s %5.2f ms %5.0f ms%s\n", bound.what.c_str(), time, bound.milliseconds, holds ? "" : "  BROKEN");
+    }
+
+    for (const auto& bound : promisedMemory())
+    {
+        const auto memory = megabytesOf (costs, bound.name);
+
+        if (memory == 0.0)
+        {
+            allHold = allHold && ! all;
+            continue;
+        }
+
+        const bool holds = memory <= bound.megabytes;
+        allHold = allHold && holds;
+        std::printf (
+            "%-63s %5.1f MB %5.0f MB%s\n", bound.what.c_str(), memory, bound.megabytes, holds ? "" : "  BROKEN");
     }
 
     return allHold;

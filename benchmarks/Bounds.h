@@ -28,6 +28,19 @@ struct TimeBound
 
 std::vector<TimeBound> promisedTimes();
 
+/** A promise about a program's memory. */
+struct MemoryBound
+{
+    std::string what;
+    std::string name;
+    double megabytes; // of 2^20 bytes
+};
+
+std::vector<MemoryBound> promisedMemory();
+
+/** The most memory of a program in megabytes; 0 if it was not measured. */
+double megabytesOf (const Costs& costs, const std::string& name);
+
 /** A median in milliseconds; 0 if it was not measured. */
 double millisecondsOf (const Costs& costs, const std::string& name);
 

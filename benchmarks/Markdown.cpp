@@ -80,6 +80,12 @@ void writeBounds (std::ostream& out, const Costs& costs)
     for (const auto& bound : promisedTimes())
         out << "| " << bound.what << " | " << millisecondsOf (costs, bound.name) << " ms | " << bound.milliseconds
             << " ms |\n";
+
+    out << "\n| Memory | Measured | At most |\n|---|---|---|\n";
+
+    for (const auto& bound : promisedMemory())
+        out << "| " << bound.what << " | " << megabytesOf (costs, bound.name) << " MB | " << bound.megabytes
+            << " MB |\n";
 }
 
 void writeFrames (std::ostream& out, const Costs& costs)

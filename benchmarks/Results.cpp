@@ -23,6 +23,9 @@ void Results::ReportRuns (const std::vector<Run>& runs)
         auto& cost = collected[run.run_name.function_name];
         const auto nanoseconds = counter->second.value * 1e9;
 
+        if (const auto memory = run.counters.find (memoryCounter); memory != run.counters.end() && ! isAggregate)
+            cost.bytes = std::max (cost.bytes, memory->second.value);
+
         if (! isAggregate)
             cost.least = std::min (cost.least, nanoseconds);
         else if (run.aggregate_name == "median")

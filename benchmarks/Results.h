@@ -12,6 +12,7 @@ struct Cost
 {
     double least = std::numeric_limits<double>::infinity(); // what disturbs a machine only adds
     double median = 0;
+    double bytes = 0; // of memory, the most, where that was looked at
 };
 
 /** The costs of a run by the benchmarks' names. */

@@ -90,6 +90,7 @@ TEST (DebianPackage, DependsOnThePackagesOfTheLibrariesThatItsFilesLoad)
     EXPECT_THAT (allFound (field ("Depends"), "(?:^|, )([^ ,]+)"),
                  testing::UnorderedElementsAre ("libc6",
                                                 "libebur128-1",
+                                                "libsoxr0",
                                                 "libfontconfig1",
                                                 "libfreetype6",
                                                 "libjpeg62-turbo",

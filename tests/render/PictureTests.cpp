@@ -26,6 +26,7 @@ constexpr Colour before { 0x56, 0x78, 0x9a };
 constexpr Colour after { 0xd5, 0x5e, 0x00 };
 constexpr Colour expander { 0x00, 0x7d, 0x5c };
 constexpr Colour leveller { 0x8c, 0x3b, 0x78 };
+constexpr Colour paper { 0xff, 0xff, 0xff };
 
 /** Rows of a panel, within its frame, in which a column has a colour. */
 std::vector<int> rowsWith (const Picture& picture, Rows panel, int column, Colour colour)
@@ -61,10 +62,13 @@ void expectLine (const Picture& picture, Rows panel, int column, double row, Col
 class Drawing : public RendererTest
 {
 protected:
-    /** Draws a sound of 48000 Hz in floats. */
-    Picture pictureOf (const std::vector<float>& sound, int channels, std::vector<std::string> further = {})
+    /** Draws a sound in floats. */
+    Picture pictureOf (const std::vector<float>& sound,
+                       int channels,
+                       std::vector<std::string> further = {},
+                       int sampleRate = 48000)
     {
-        writeFloats (folder / "sound.wav", wavFloat, channels, sound);
+        writeFloats (folder / "sound.wav", wavFloat, channels, sound, sampleRate);
         further.insert (further.end(), { "--plot", "sound.png", "sound.wav", "-o", "result.wav" });
         EXPECT_EQ (expectSuccess (further), "");
         return larkspire::window::readPng (folder / "sound.png");
@@ -163,6 +167,86 @@ TEST_F (Drawing, ShowsTheLoudnessOfATone)
     // A window of 3 s fits nowhere ahead of its own middle.
     EXPECT_TRUE (rowsWith (picture, plot::loudnessRows, columnAt (1.3, 8.0), before).empty());
     EXPECT_TRUE (rowsWith (picture, plot::loudnessRows, columnAt (6.7, 8.0), before).empty());
+}
+
+TEST_F (Drawing, OfALongSoundHasTheRmsWithinPalePeaks)
+{
+    // 0.2 up and down, and every fiftieth sample at 0.8.
+    constexpr double seconds = 150.0;
+    constexpr int rate = 8000;
+    std::vector<float> sound (static_cast<std::size_t> (seconds * rate));
+
+    for (std::size_t i = 0; i < sound.size(); ++i)
+        sound[i] = (i % 2 == 0 ? 1.0f : -1.0f) * (i % 100 == 0 || i % 100 == 51 ? 0.8f : 0.2f);
+
+    const auto rms = std::sqrt (0.02 * 0.64 + 0.98 * 0.04);
+    const auto picture = pictureOf (sound, 1, { "--mode", "bypass", "--bits", "32f" }, rate);
+    const auto axis = upright (-1.0, 1.0, plot::beforeRows);
+
+    for (const double time : { 1.0, 44.0, 149.0 })
+    {
+        const auto column = columnAt (time, seconds);
+        const auto rows = rowsWith (picture, plot::beforeRows, column, before);
+        ASSERT_FALSE (rows.empty()) << time;
+        EXPECT_NEAR (rows.front(), axis.pixelOf (rms), 2.0) << time;
+        EXPECT_NEAR (rows.back(), axis.pixelOf (-rms), 2.0) << time;
+
+        for (const double level : { -0.75, -0.35, 0.35, 0.75 })
+        {
+            const auto colour = picture.at (column, static_cast<int> (axis.pixelOf (level)));
+            EXPECT_NE (colour, paper) << level;
+            EXPECT_NE (colour, before) << level;
+        }
+
+        EXPECT_EQ (picture.at (column, static_cast<int> (axis.pixelOf (0.85))), paper);
+        EXPECT_EQ (picture.at (column, static_cast<int> (axis.pixelOf (-0.85))), paper);
+    }
+}
+
+TEST_F (Drawing, OfALongSoundHasTheMedianLoudnessInItsSpread)
+{
+    // Four seconds at -26 LUFS and four at -36 in turn, which the window of 10 s sees all of. The library halves.
+    constexpr double seconds = 960.0;
+    constexpr int rate = 8000;
+    std::vector<std::vector<float>> parts (240);
+
+    for (std::size_t i = 0; i < parts.size(); ++i)
+        parts[i] =
+            TestTone { .peakDbfs = i % 2 == 0 ? -23.0 : -33.0, .seconds = 4.0, .channels = 1, .sampleRate = rate }
+                .samples();
+
+    const auto picture = pictureOf (joined (parts), 1, { "--plugin", paths::standIn(), "--bits", "32f" }, rate);
+    const auto axis = upright (-60.0, 0.0, plot::loudnessRows);
+    const auto rowAt = [&axis] (double loudness) { return static_cast<int> (axis.pixelOf (loudness)); };
+
+    for (int column = columnAt (20.0, seconds); column < columnAt (940.0, seconds); ++column)
+    {
+        const auto rows = rowsWith (picture, plot::loudnessRows, column, before);
+        EXPECT_TRUE (rows.empty() || (rows.front() > rowAt (-26.0) && rows.back() < rowAt (-35.0))) << column;
+        EXPECT_NE (picture.at (column, rowAt (-27.0)), paper) << column;
+        EXPECT_NE (picture.at (column, rowAt (-34.0)), paper) << column;
+        EXPECT_NE (picture.at (column, rowAt (-38.0)), paper) << column << ", the other side's";
+    }
+
+    const auto column = columnAt (500.0, seconds);
+    EXPECT_EQ (picture.at (column, rowAt (-24.5)), paper);
+    EXPECT_EQ (picture.at (column, rowAt (-44.0)), paper);
+}
+
+TEST_F (Drawing, OfALongSilenceHasTheSameGainsAsOfAShortOne)
+{
+    constexpr double seconds = 130.0;
+    const auto picture = pictureOf (std::vector<float> (1040000), 1, {}, 8000);
+    const auto gain = upright (-20.0, 2.0, plot::gainRows);
+    const auto& medium = reference::modeAt (2);
+    const auto floor =
+        20.0 * std::log10 (0.2 * double (medium.expander.gainScale) + double (medium.expander.gainOffset));
+
+    for (const double time : { 30.0, 64.0, 128.0 })
+    {
+        expectLine (picture, plot::gainRows, columnAt (time, seconds), gain.pixelOf (floor), expander);
+        expectLine (picture, plot::gainRows, columnAt (time, seconds), gain.pixelOf (0.0), leveller);
+    }
 }
 
 TEST_F (Drawing, HasNoGainsOfAnotherLibraryOrOfBypass)

@@ -235,4 +235,15 @@ TEST (TimeCourse, JoinsBinsAndKeepsExtremesAndMeans)
 
     EXPECT_EQ (course.mean (course.size() - 1), count - 1); // alone in the last bin
 }
+
+TEST (TimeCourse, HasThePowerOfBothChannels)
+{
+    TimeCourse course;
+
+    for (int i = 0; i < 100001; ++i)
+        course.add (-0.5f, 0.25f);
+
+    for (std::size_t bin = 0; bin < course.size(); ++bin)
+        ASSERT_DOUBLE_EQ (course.power (bin), (0.25 + 0.0625) / 2) << bin;
+}
 } // namespace

@@ -20,14 +20,14 @@ double timeStep (double seconds)
     constexpr double mostMarks = 11.0;
     const auto least = seconds / mostMarks;
 
-    if (seconds <= fewMinutes)
-        return roundedUp (least);
+    return seconds <= fewMinutes ? roundedUp (least) : roundTime (least);
+}
 
-    for (const double step : { 15.0, 30.0, 60.0, 120.0, 300.0, 600.0, 900.0, 1800.0, 3600.0, 7200.0 })
-        if (step >= least)
-            return step;
-
-    return std::ceil (least / hour) * hour;
+/** A time in seconds as the axis of an hour and more has it, h:min. Its marks stand at whole minutes. */
+std::string hoursText (double seconds)
+{
+    const auto withSeconds = clockText (seconds, true);
+    return withSeconds.substr (0, withSeconds.rfind (':'));
 }
 
 /** Decimals that a number has, up to nine. */
@@ -44,6 +44,16 @@ int decimalsOf (double number)
 }
 
 } // namespace
+
+double roundTime (double least)
+{
+    for (const double time :
+         { 1.0, 2.0, 5.0, 10.0, 15.0, 30.0, 60.0, 120.0, 300.0, 600.0, 900.0, 1800.0, 3600.0, 7200.0 })
+        if (time >= least)
+            return time;
+
+    return std::ceil (least / hour) * hour;
+}
 
 double roundedUp (double value)
 {
@@ -83,7 +93,7 @@ std::vector<Tick> timeTicks (const Axis& axis)
 
     if (axis.last > fewMinutes)
         for (auto& tick : ticks)
-            tick.label = clockText (tick.value, axis.last >= hour);
+            tick.label = axis.last < hour ? clockText (tick.value, false) : hoursText (tick.value);
 
     return ticks;
 }
@@ -93,7 +103,7 @@ std::string timeUnit (const Axis& axis)
     if (axis.last <= fewMinutes)
         return "s";
 
-    return axis.last < hour ? "min:s" : "h:min:s";
+    return axis.last < hour ? "min:s" : "h:min";
 }
 
 } // namespace larkspire::plot

@@ -36,8 +36,11 @@ std::vector<Tick> ticksEvery (double step, const Axis& axis);
 /** Marks for a time axis from 0 to a number of seconds: about ten, at round numbers of seconds, minutes or hours. */
 std::vector<Tick> timeTicks (const Axis& axis);
 
-/** What a time axis counts in: "s", "min:s" or "h:min:s". */
+/** What a time axis counts in: "s", "min:s" or "h:min". */
 std::string timeUnit (const Axis& axis);
+
+/** The shortest round time, of 1 s or more, that is not below a number of seconds: as 30 s, 2 min, 1 h. */
+double roundTime (double least);
 
 /** The smallest of 1, 2 and 5 times a power of ten that is not below a positive value. */
 double roundedUp (double value);

@@ -83,8 +83,10 @@ void Sheet::drawTitle (const juce::String& name, const juce::String& mode, const
 {
     const auto factsWidth = juce::GlyphArrangement::getStringWidthInt (textFont, facts) + 4;
     const auto nameRoom = columnCount - factsWidth - 30 - juce::GlyphArrangement::getStringWidthInt (titleFont, mode);
-    write (
-        shortened (name, titleFont, nameRoom) + mode, { leftColumn, 18, columnCount - factsWidth, 30 }, titleFont, ink);
+    write (shortened (name, titleFont, nameRoom) + mode,
+           { leftColumn, 18, columnCount - factsWidth, 30 },
+           titleFont,
+           ink);
     write (
         facts, { rightColumn - factsWidth, 20, factsWidth, 28 }, textFont, paleInk, juce::Justification::centredRight);
 }
@@ -197,6 +199,24 @@ void Sheet::drawWaveform (Rows rows,
         previousBottom = values.pixelOf (lowest);
         graphics.fillRect (
             juce::Rectangle<float> (float (column), float (top), 1.0f, std::max (1.0f, float (bottom - top))));
+    }
+}
+
+void Sheet::drawBand (Rows rows, const std::vector<Strip>& strips, juce::Colour colour)
+{
+    const juce::Graphics::ScopedSaveState saved (graphics);
+    graphics.reduceClipRegion (areaOf (rows));
+    graphics.setColour (colour);
+
+    for (const auto& strip : strips)
+    {
+        if (std::isnan (strip.top) || std::isnan (strip.bottom))
+            continue;
+
+        const auto top = std::min (strip.top, double (rows.bottom) + 1.0);
+        const auto bottom = std::clamp (strip.bottom, top + 1.0, double (rows.bottom) + 2.0);
+        graphics.fillRect (
+            juce::Rectangle<float> (float (strip.column) - 0.5f, float (top), 1.0f, float (bottom - top)));
     }
 }
 

@@ -23,6 +23,14 @@ struct Entry
     float thickness = 2.0f;
 };
 
+/** A part of a band: what of a pixel column it takes, in pixels. NaN is nothing. */
+struct Strip
+{
+    double column = 0.0; // the middle
+    double top = 0.0;
+    double bottom = 0.0;
+};
+
 /** Bytes as JUCE's text; if they are not UTF-8, question marks stand for those beyond ASCII. */
 juce::String utf8 (const std::string& text);
 
@@ -57,6 +65,9 @@ public:
                        const meter::TimeCourse& course,
                        double secondsPerBin,
                        juce::Colour colour);
+
+    /** What lies between two lines, where both are; at least a pixel high. */
+    void drawBand (Rows rows, const std::vector<Strip>& strips, juce::Colour colour);
 
     /** A line through points, in pixels; where y is NaN or infinite, the line is interrupted. */
     void drawLine (Rows rows, const std::vector<juce::Point<double>>& points, juce::Colour colour, float thickness);

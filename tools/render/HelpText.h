@@ -87,10 +87,13 @@ Report:
   with \xNN for all but printable ASCII and for the backslash.
 
 Pictures:
-  A picture shows waveforms and loudness before and after, and the gains of expander and leveller. With one recording
-  PNG is the picture; with several, with a folder, or where PNG is a folder or ends with a slash, the pictures are in
-  the folder PNG and have the names of the results. The name of one picture for several recordings is refused. A
-  picture that cannot be drawn or written leaves the result alone.
+  A picture shows waveforms and loudness before and after, and the gains of expander and leveller. Of more than two
+  minutes it shows envelopes: the RMS within the peaks, and of loudness and gains the median, over a window that the
+  legend names, on the range that all but the lowest and the highest tenth lie in.
+
+  With one recording PNG is the picture; with several, with a folder, or where PNG is a folder or ends with a slash,
+  the pictures are in the folder PNG and have the names of the results. The name of one picture for several recordings
+  is refused. A picture that cannot be drawn or written leaves the result alone.
 
 Exit status:
   0      done

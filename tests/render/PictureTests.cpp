@@ -316,6 +316,55 @@ TEST_F (Drawing, HasFileAndModeInItsTitle)
     EXPECT_EQ (titles.size(), 4U);
 }
 
+/** Titles of recordings, drawn where fontconfig knows the fonts of one folder. */
+class Titles : public Drawing
+{
+protected:
+    /** The pixels of a title. */
+    std::string titleOf (const std::string& name, const std::string& fonts) const
+    {
+        writeBytes (folder / "fonts.conf",
+                    "<?xml version='1.0'?><!DOCTYPE fontconfig SYSTEM 'urn:fontconfig:fonts.dtd'><fontconfig><dir>"
+                        + fonts + "</dir><cachedir>" + folder / "cache" + "</cachedir></fontconfig>");
+        writeFloats (folder / name, wavFloat, 1, std::vector<float> (4800));
+        const auto outcome = run (Call { .arguments = { "--plot", "look.png", name, "-o", "result.wav" },
+                                         .environment = { { "FONTCONFIG_FILE", folder / "fonts.conf" } },
+                                         .folder = folder.path() });
+        EXPECT_EQ (outcome.exitStatus, 0);
+        EXPECT_EQ (outcome.errors, "");
+        const auto picture = larkspire::window::readPng (folder / "look.png");
+        std::string pixels;
+
+        for (int row = 15; row < 50; ++row)
+            for (int column = 0; column < picture.width; ++column)
+                pixels += static_cast<char> (picture.at (column, row).green);
+
+        return pixels;
+    }
+
+    const std::string dejaVu = "/usr/share/fonts/truetype/dejavu"; // smileys, and nothing of East Asia
+};
+
+TEST_F (Titles, HaveQuestionMarksWhereNoFontHasTheCharacter)
+{
+    std::filesystem::create_directory (folder / "empty");
+    ASSERT_TRUE (std::filesystem::exists (dejaVu + "/DejaVuSans.ttf"));
+
+    for (const auto& fonts : { folder / "empty", dejaVu })
+    {
+        EXPECT_EQ (titleOf ("日本語 voice.wav", fonts), titleOf ("??? voice.wav", fonts)) << fonts;
+        EXPECT_EQ (titleOf ("\xf0\x9f\x8e\x99\ufe0f\u200d voice.wav", fonts), titleOf ("? voice.wav", fonts)) << fonts;
+    }
+
+    EXPECT_EQ (titleOf ("😀.wav", folder / "empty"), titleOf ("?.wav", folder / "empty"));
+}
+
+TEST_F (Titles, HaveTheCharactersThatSomeFontHas)
+{
+    EXPECT_EQ (
+        (std::set { titleOf ("😀日.wav", dejaVu), titleOf ("😎日.wav", dejaVu), titleOf ("??.wav", dejaVu) }).size(), 3U);
+}
+
 TEST_F (Drawing, IsTheSameEveryTime)
 {
     const auto noise = toFloats (makeNoise (2, 100000, 16));

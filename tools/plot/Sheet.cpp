@@ -2,6 +2,7 @@
 #include "plot/Sheet.h"
 
 #include "base/Failure.h"
+#include "plot/Lettering.h"
 
 #include <algorithm>
 #include <cmath>
@@ -83,7 +84,7 @@ void Sheet::drawTitle (const juce::String& name, const juce::String& mode, const
 {
     const auto factsWidth = juce::GlyphArrangement::getStringWidthInt (textFont, facts) + 4;
     const auto nameRoom = columnCount - factsWidth - 30 - juce::GlyphArrangement::getStringWidthInt (titleFont, mode);
-    write (shortened (name, titleFont, nameRoom) + mode,
+    write (shortened (withoutBoxes (name, titleFont), titleFont, nameRoom) + mode,
            { leftColumn, 18, columnCount - factsWidth, 30 },
            titleFont,
            ink);

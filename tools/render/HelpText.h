@@ -89,7 +89,8 @@ Report:
 Pictures:
   A picture shows waveforms and loudness before and after, and the gains of expander and leveller. Of more than two
   minutes it shows envelopes: the RMS within the peaks, and of loudness and gains the median, over a window that the
-  legend names, on the range that all but the lowest and the highest tenth lie in.
+  legend names, on the range that all but the lowest and the highest tenth lie in. Characters of a file's name that no
+  installed font has are shown as question marks.
 
   With one recording PNG is the picture; with several, with a folder, or where PNG is a folder or ends with a slash,
   the pictures are in the folder PNG and have the names of the results. The name of one picture for several recordings

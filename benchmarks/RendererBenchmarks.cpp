@@ -27,7 +27,7 @@ class Hour
 public:
     Hour()
     {
-        constexpr std::size_t minute = 48000 * 60;
+        constexpr std::size_t minute = 2880000;
         const auto spoken = voice (minute).left;
         SF_INFO info {};
         info.samplerate = 48000;
@@ -73,6 +73,7 @@ double mostMemoryOf (pid_t process)
 Usage usageOf (std::vector<std::string> words)
 {
     std::vector<char*> arguments;
+    arguments.reserve (words.size() + 1);
 
     for (auto& word : words)
         arguments.push_back (word.data());

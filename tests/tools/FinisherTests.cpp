@@ -199,6 +199,32 @@ TEST (Finisher, TakesOneRoundForAVoice)
     EXPECT_EQ (finished (voiceOf (1, 0.0), { .channels = 1, .sampleRate = 48000 }, {}).rounds, 1);
 }
 
+TEST (Finisher, GoesAnotherRoundWhereAMeterSaysThatItMissed)
+{
+    const auto sound = voiceOf (1, 0.0);
+    const AudioShape shape { .channels = 1, .sampleRate = 48000 };
+    const TemporaryFolder folder;
+    Finisher finisher (shape, { .lufs = -16.0, .ceilingDbtp = -1.0 }, folder / "result.wav");
+    finisher.add (sound);
+    finisher.end();
+    const auto figuresOfRound = [&]
+    {
+        std::vector<float> samples (sound.size());
+        EXPECT_EQ (finisher.read (samples), sound.size());
+        meter::SoundMeter meter (shape);
+        meter.add (samples);
+        return meter.figures (meter);
+    };
+    const auto first = figuresOfRound();
+    EXPECT_FALSE (finisher.accepts ({ .integratedLufs = -15.7, .truePeakDbtp = -0.8 }));
+    const auto second = figuresOfRound();
+    EXPECT_NEAR (*second.integratedLufs, *first.integratedLufs - 0.3, 0.03);
+    EXPECT_NEAR (*second.truePeakDbtp, *first.truePeakDbtp - 0.2, 0.03);
+    EXPECT_FALSE (finisher.accepts ({ .integratedLufs = -16.2, .truePeakDbtp = -1.2 }));
+    EXPECT_NEAR (*figuresOfRound().integratedLufs, *second.integratedLufs + 0.2, 0.03);
+    EXPECT_TRUE (finisher.accepts ({ .integratedLufs = -16.2, .truePeakDbtp = -1.2 })); // the third is the last
+}
+
 TEST (Finisher, ChangesNothingButTheLevelWhereNothingHasToBeLimited)
 {
     const auto sound = TestTone { .peakDbfs = -30.0, .seconds = 3.0 }.samples();
@@ -314,6 +340,7 @@ TEST (LimiterGain, HasNoCornersAndReturnsWithinATwentiethOfASecond)
 {
     LimiterGain limiter (0.5, 0.001);
     std::vector<double> gains;
+    gains.reserve (400);
 
     for (int bin = 0; bin < 400; ++bin)
         gains.push_back (limiter.next (bin == 100 ? 1.0 : 0.0));

@@ -33,7 +33,7 @@ double meanAbove (const std::vector<float>& steps, double gate)
 } // namespace
 
 GatedLoudness::GatedLoudness (int sampleRate, std::size_t binLength)
-    : framesPerStep (static_cast<double> ((sampleRate + 5) / 10)),
+    : framesPerStep (0.1 * sampleRate),
       framesPerBin (static_cast<double> (binLength))
 {
 }

@@ -9,10 +9,10 @@ namespace larkspire::meter
 /** The figures of a sound; its meter says how each is measured. */
 struct SoundFigures
 {
-    Figure integratedLufs;
-    Figure loudnessRangeLu;
-    Figure truePeakDbtp;
-    Figure quietestTenthDbfs;
+    Figure integratedLufs {};
+    Figure loudnessRangeLu {};
+    Figure truePeakDbtp {};
+    Figure quietestTenthDbfs {};
 
     bool operator== (const SoundFigures&) const = default;
 };

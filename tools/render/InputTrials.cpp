@@ -34,6 +34,7 @@ std::vector<Trial> tryOut (const std::filesystem::path& recording,
     const auto shape = shapeForPlugin (way);
     std::erase_if (wanted, [] (const Trial& trial) { return trial.mode == KnobMode::bypass; });
     std::vector<std::unique_ptr<meter::GainTrial>> chains;
+    chains.reserve (wanted.size());
 
     for (const auto& trial : wanted)
         chains.push_back (std::make_unique<meter::GainTrial> (

@@ -222,7 +222,7 @@ RenderReport render (const PluginLibrary& library,
     };
 
     std::vector<float> buffer (static_cast<std::size_t> (settings.blockSize) * channels);
-    std::size_t samplesDone = 0;
+    std::size_t framesDone = 0;
 
     for (std::size_t count = source.read (buffer); count > 0; count = source.read (buffer))
     {
@@ -233,7 +233,7 @@ RenderReport render (const PluginLibrary& library,
 
         amplify (block);
         pass (path.process (block));
-        samplesDone += count;
+        framesDone += count / channels;
         passes.add (count);
     }
 
@@ -263,7 +263,7 @@ RenderReport render (const PluginLibrary& library,
     const auto analysis = settings.measure ? std::optional (measurement->analysis()) : std::nullopt;
     output->commit();
     const auto pictureFault = picture ? paint (*measurement, job, *picture) : std::nullopt;
-    const auto seconds = double (samplesDone / channels) / rate;
+    const auto seconds = double (framesDone) / rate;
     return { .levels = output->levels(),
              .losses = output->losses(),
              .roundedOnReading = source.file().roundedSamples(),
@@ -291,14 +291,14 @@ analyse (const Job& job, const RenderSettings& settings, const std::function<voi
     meter::SoundMeter meter (shape, meter::Courses::none);
     PeakMeter peakMeter;
     std::vector<float> buffer (8192);
-    std::size_t samplesDone = 0;
+    std::size_t framesDone = 0;
 
     for (std::size_t count = source.read (buffer); count > 0; count = source.read (buffer))
     {
         const auto block = std::span<const float> (buffer).first (count);
         meter.add (block);
         peakMeter.add (block);
-        samplesDone += count;
+        framesDone += count / channels;
         tell (block);
     }
 
@@ -308,7 +308,7 @@ analyse (const Job& job, const RenderSettings& settings, const std::function<voi
     return { .roundedOnReading = source.file().roundedSamples(),
              .truncation = source.file().truncation(),
              .shape = shape,
-             .seconds = double (samplesDone / channels) / shape.sampleRate,
+             .seconds = double (framesDone) / shape.sampleRate,
              .analysis =
                  meter::Analysis { .before = meter.figures (meter), .gainsKnown = meter::GainsKnown::noStageRuns },
              .inputGainDb = gainDb,

@@ -89,6 +89,8 @@ TEST_F (Advice, NamesAGainThatLetsTheExpanderClose)
             << text;
         EXPECT_FALSE (closesInTheLibrary ("Medium"));
         EXPECT_TRUE (closesInTheLibrary ("Medium", { "--input-peak", match[3] })) << text;
+        EXPECT_FALSE (closesInTheLibrary ("Medium", { "--input-peak", std::to_string (std::stoi (match[3]) + 3) }))
+            << text;
         EXPECT_TRUE (closesInTheLibrary ("Medium", { "--gain", "-" + match[1].str() })) << text;
     }
 }

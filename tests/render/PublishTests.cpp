@@ -89,6 +89,22 @@ TEST_F (Publishing, BringsEveryKindOfResultToItsLoudness)
             }
 }
 
+TEST_F (Publishing, TakesASecondRoundWhereItsForecastWasWrong)
+{
+    // A click right behind the first block of the gate, in a millisecond that lies on both sides of it: the forecast
+    // has most of it in that block, the meter none.
+    auto click = TestTone { .frequency = 440.0, .peakDbfs = -66.0, .seconds = 0.5, .channels = 1, .sampleRate = 44100 }
+                     .samples();
+    click[17642] = 0.9f;
+    writeFloats (folder / "click.wav", wavFloat, 1, click, 44100);
+    const auto result = resultOf ({ "--mode", "bypass", "--loudness", "-46", "click.wav", "-o", "result.wav" });
+    const auto figures = figuresOf ("result.wav");
+    EXPECT_NEAR (figures.integratedLufs.value(), -46.0, 0.05);
+    EXPECT_NEAR (result.at ("after").at ("integrated_lufs").get<double>(), figures.integratedLufs.value(), 0.001);
+    EXPECT_NEAR (result.at ("after").at ("true_peak_dbtp").get<double>(), figures.truePeakDbtp.value(), 0.001);
+    EXPECT_EQ (describe (folder / "result.wav").frames, std::ssize (click));
+}
+
 TEST_F (Publishing, KeepsBelowTheCeilingThatIsNamed)
 {
     writeVoice ("voice.wav");
@@ -167,6 +183,23 @@ TEST_F (Publishing, SaysOnceWhatItReachesWhereTheCeilingAllowsNoMore)
                                         "-6\\.0 LUFS: it gets no louder below -9\\.0 dBTP\n"));
     EXPECT_NEAR (std::stod (outcome.errors.substr (outcome.errors.find ("reaches ") + 8)), reached, 0.051);
     EXPECT_LT (figuresOf ("result.wav").truePeakDbtp.value(), -8.95);
+}
+
+TEST_F (Publishing, SaysWhereTheMetersGateLetsNoLoudnessBetween)
+{
+    // A block with a click, and blocks of a tone that pass the gate as soon as the click is limited: then the loudness
+    // falls, and the click has to be louder, and the limiter stronger.
+    auto click = TestTone { .frequency = 440.0, .peakDbfs = -46.0, .seconds = 0.5, .channels = 1, .sampleRate = 44100 }
+                     .samples();
+    click[17642] = 0.9f;
+    writeFloats (folder / "click.wav", wavFloat, 1, click, 44100);
+    const auto outcome = runHere ({ "--mode", "bypass", "--loudness", "-40", "click.wav", "-o", "result.wav" });
+    EXPECT_EQ (outcome.exitStatus, 0);
+    const auto lies = figuresOf ("result.wav").integratedLufs.value();
+    EXPECT_GT (lies, -39.8);
+    EXPECT_THAT (outcome.errors,
+                 testing::MatchesRegex ("larkspire-render: result\\.wav: lies at -39\\.[0-9] LUFS instead of "
+                                        "-40\\.0 LUFS: no gain brings it nearer\n"));
 }
 
 TEST_F (Publishing, LeavesWhatHasNoLoudnessAsItIsAndSaysSo)
@@ -296,6 +329,12 @@ TEST_F (Publishing, LetsThePluginHearTheBeginningBefore)
     EXPECT_EQ (rendered ("voice.wav", { "--settle", "60" }),
                std::vector<float> (both.begin() + std::ssize (sound), both.end()));
     EXPECT_TRUE (resultOf ({ "--settle", "1", "voice.wav", "-o", "r.wav" }).at ("gains").is_object());
+
+    // At another rate too, of which a short sound is still on its way when it ends.
+    writeFloats (
+        folder / "short.wav", wavFloat, 1, TestTone { .peakDbfs = -6.0, .seconds = 0.02, .channels = 1 }.samples());
+    EXPECT_NE (rendered ("short.wav", { "--process-rate", "44100", "--settle", "1" }),
+               rendered ("short.wav", { "--process-rate", "44100" }));
 }
 
 TEST_F (Publishing, TakesLeftAndRightForTwoVoices)

@@ -4,6 +4,7 @@
 #include "finish/Sketch.h"
 #include "meter/SoundFigures.h"
 
+#include <cmath>
 #include <optional>
 
 namespace larkspire::finish
@@ -24,8 +25,8 @@ struct FinishReport
     double gainDb = 0.0;
     LimiterWork limiter {};
 
-    /** Whether the sound gets no louder, or has no loudness. */
-    bool missed() const { return ! reachedLufs || *reachedLufs < target.lufs - 0.2; }
+    /** Whether the sound has no loudness, or another one than was asked for. */
+    bool missed() const { return ! reachedLufs || std::abs (*reachedLufs - target.lufs) > 0.2; }
 };
 
 /** Brings a sound to a loudness, with a gain and a look-ahead limiter for true peaks behind it.

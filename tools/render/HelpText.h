@@ -41,13 +41,13 @@ inline constexpr const char* helpFoot =
 Level and loudness:
   A sound goes through --gain or --input-peak, --process-rate, the plug-in, back to the file's own rate, and --loudness.
 
-  With --loudness a gain and a limiter stand behind the plug-in. The limiter looks ahead and sees the peaks between the
-  samples. Loudness is within 0.2 LU and true peak within 0.1 dB of what is asked for, as EBU R 128 and ffmpeg's ebur128
-  have them. A mono file counts as one channel: what plays on two loudspeakers is 3 LU louder, so many ask for -16 in
-  stereo and for -19 in mono. A lossy copy may peak higher; --true-peak -2 leaves it room. What gets no louder below the
-  ceiling is brought as far as it goes, and what has no loudness, silence or less than 0.4 s, is left as it is; both are
-  said. Until it is finished the sound takes 4 bytes a sample on the disk of the result, or 0.7 GB an hour of mono at
-  48 kHz.
+  With --loudness a gain and a limiter stand behind the plug-in. The limiter looks ahead and sees the peaks between
+  the samples. Loudness is within 0.2 LU and true peak within 0.1 dB of what is asked for, as EBU R 128 and ffmpeg's
+  ebur128 have them. A mono file counts as one channel: what plays on two loudspeakers is 3 LU louder, so many ask for
+  -16 in stereo and for -19 in mono. A lossy copy may peak higher; --true-peak -2 leaves it room. What gets no louder
+  below the ceiling is brought as far as it goes, and what has no loudness, silence or less than 0.4 s, is left as it
+  is; both are said, and so is any other loudness than the wanted one. Until it is finished the sound takes 4 bytes a
+  sample on the disk of the result, or 0.7 GB an hour of mono at 48 kHz.
 
   --input-peak best tries peaks of -36 to -6 dBFS in steps of 3 dB and takes the one at which the mode keeps voice and
   room furthest apart: of the levels, RMS, of all 50 ms windows behind it the one that 95 of 100 do not exceed, and the

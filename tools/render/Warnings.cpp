@@ -21,6 +21,10 @@ std::string finishText (const finish::FinishReport& report)
     if (! report.reachedLufs.has_value())
         return "has no loudness, as it is silent, shorter than 0.4 s or holds NaN, and was left as it is";
 
+    if (*report.reachedLufs > report.target.lufs)
+        return "lies at " + level (*report.reachedLufs, "LUFS") + " instead of " + level (report.target.lufs, "LUFS")
+               + ": no gain brings it nearer";
+
     return "reaches " + level (*report.reachedLufs, "LUFS") + " instead of " + level (report.target.lufs, "LUFS")
            + ": it gets no louder below " + level (report.target.ceilingDbtp, "dBTP");
 }

@@ -28,11 +28,12 @@ struct WeightedPower::Library
     Library (const Library&) = delete;
     Library& operator= (const Library&) = delete;
 
-    float powerOfNext (std::span<const float> bin)
+    float powerOfNext (std::span<const float> frames)
     {
         double loudness = 0.0;
 
-        if (state == nullptr || ebur128_add_frames_float (state, bin.data(), bin.size() / channels) != EBUR128_SUCCESS
+        if (state == nullptr
+            || ebur128_add_frames_float (state, frames.data(), frames.size() / channels) != EBUR128_SUCCESS
             || ebur128_loudness_window (state, 1, &loudness) != EBUR128_SUCCESS)
             return 0.0f;
 

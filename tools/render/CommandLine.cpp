@@ -121,7 +121,7 @@ void addCommonOptions (CLI::App& parser, CommandLine& call)
     addText (parser,
              "--input-peak",
              call.peak,
-             "Bring the recordings to this peak ahead of the plug-in, -60 to 0, or to the best for the mode")
+             "Peak of the recordings ahead of the plug-in, -60 to 0, or best: the one that suits the mode")
         ->option_text ("DBFS");
     parser.add_flag (
         "--report",
@@ -166,7 +166,7 @@ void addSoundOptions (CLI::App& parser, CommandLine& call)
 
 void addFileOptions (CLI::App& parser, CommandLine& call)
 {
-    constexpr const char* group = "Files";
+    constexpr const char* group = "Recordings and results";
     parser.add_flag ("--compare", call.compare, "Render all four modes, with the mode in the name: voice-Medium.wav")
         ->group (group);
     auto* const format =

@@ -94,6 +94,7 @@ TEST (DebianPackage, DependsOnThePackagesOfTheLibrariesThatItsFilesLoad)
                                                 "libfontconfig1",
                                                 "libfreetype6",
                                                 "libjpeg62-turbo",
+                                                "libmpg123-0",
                                                 "libpng16-16",
                                                 "libsndfile1",
                                                 "zlib1g"));

@@ -48,8 +48,12 @@ TEST_F (BadInput, IsReportedWithItsReason)
                                     13)
                        + std::string (38, '\0')));
     writeBytes (folder / "speex.ogg", oggOf ("Speex   1.2" + std::string (69, '\0')));
-    const std::string convert = ": convert it first, for example with ffmpeg";
-    const std::string noAudio = "is not a WAV, FLAC, AIFF or Ogg file";
+    writeBytes (folder / "it's $HOME.m4a", std::string ("\0\0\0\x20", 4) + "ftypM4A isomiso2");
+    writeBytes (folder / "new\nline.m4a", std::string ("\0\0\0\x20", 4) + "ftypM4A isomiso2");
+    writeBytes (folder / "voice.wv", "wvpk and more");
+    writeBytes (folder / "large.wav", "BW64....WAVE and more");
+    const std::string convert = "; convert it first: ffmpeg -i ";
+    const std::string noAudio = "is not a WAV, FLAC, AIFF, MP3, Ogg, AU, CAF or W64 file";
 
     for (const auto& [name, reason] :
          { std::pair<std::string, std::string> { "missing.wav", "cannot be read: No such file or directory" },
@@ -61,29 +65,45 @@ TEST_F (BadInput, IsReportedWithItsReason)
            { "picture.iff", noAudio },
            { "picture.png", noAudio },
            { "sixteen-bit-text.txt", noAudio },
-           { "layer-3.mp3", "is MPEG audio" + convert },
-           { "voice.m4a", "is MPEG-4 audio" + convert },
-           { "film.mp4", "is a film: extract its sound first, for example with ffmpeg" },
-           { "flac.ogg", "holds FLAC in an Ogg file, which cannot be read here" + convert },
-           { "speex.ogg", "holds Speex in an Ogg file, which cannot be read here" + convert },
+           { "layer-3.mp3", "cannot be read as audio: no MPEG audio is found in it" },
+           { "voice.m4a", "is MPEG-4 audio" + convert + "'voice.m4a' 'voice.wav'" },
+           { "it's $HOME.m4a", "is MPEG-4 audio" + convert + R"('it'\''s $HOME.m4a' 'it'\''s $HOME.wav')" },
+           { "voice.wv", "is WavPack audio" + convert + "'voice.wv' 'voice.wav'" },
+           { "large.wav", "is BW64 audio" + convert + "'large.wav' 'large-converted.wav'" },
+           { "film.mp4", "is a film; extract its sound first: ffmpeg -i 'film.mp4' 'film.wav'" },
+           { "flac.ogg", "holds FLAC in an Ogg file, which cannot be read here" + convert + "'flac.ogg' 'flac.wav'" },
+           { "speex.ogg",
+             "holds Speex in an Ogg file, which cannot be read here" + convert + "'speex.ogg' 'speex.wav'" },
            { "three.wav", "has 3 channels; only mono and stereo are rendered" },
            { "six.flac", "has 6 channels; only mono and stereo are rendered" },
            { "overstated.flac", "is damaged: 30000 of 30001 samples can be read" } })
         for (const std::string result : { "result.wav", "result.flac" })
             EXPECT_EQ (expectFailure (1, { name, "-o", result }), name + ": " + reason + "\n");
 
+    EXPECT_EQ (expectFailure (1, { "new\nline.m4a", "-o", "result.wav" }),
+               R"(new\x0aline.m4a: is MPEG-4 audio)" + convert + R"($'new\x0aline.m4a' $'new\x0aline.wav')" + "\n");
     EXPECT_EQ (expectFailure (1, { "folder.wav", "-o", "results" }),
-               "folder.wav: holds no WAV, FLAC, AIFF or Ogg file\n");
+               "folder.wav: holds no WAV, FLAC, AIFF, MP3, Ogg, AU, CAF or W64 file\n");
     writeBytes (folder / "folder.wav/text.txt", "no sound");
     EXPECT_EQ (runHere ({ "folder.wav", "-o", "results" }).errors,
-               "larkspire-render: folder.wav: holds no WAV, FLAC, AIFF or Ogg file\n"
+               "larkspire-render: folder.wav: holds no WAV, FLAC, AIFF, MP3, Ogg, AU, CAF or W64 file\n"
                "larkspire-render: 1 file without sound left out\n");
 }
 
 TEST_F (BadInput, ThatBeginsLikeAudioAndIsNoneIsReported)
 {
-    for (const std::string beginning :
-         { "RIFF....WAVE", "RIFX....WAVE", "RF64....WAVE", "FORM....AIFF", "FORM....AIFC", "fLaC", "OggS" })
+    for (const auto& beginning : { std::string ("RIFF....WAVE"),
+                                   std::string ("RIFX....WAVE"),
+                                   std::string ("RF64....WAVE"),
+                                   std::string ("FORM....AIFF"),
+                                   std::string ("FORM....AIFC"),
+                                   std::string ("fLaC"),
+                                   std::string ("OggS"),
+                                   std::string ("ID3\4\0\0\0\0\0\1", 10),
+                                   std::string ("\xff\xfb\x90"),
+                                   std::string (".snd"),
+                                   std::string ("caff\0\1", 6),
+                                   std::string ("riff\x2e\x91\xcf\x11") })
     {
         writeBytes (folder / "strange.wav", beginning + "and then something else entirely, at some length");
         EXPECT_THAT (expectFailure (1, { "strange.wav", "-o", "result.wav" }),
@@ -94,7 +114,10 @@ TEST_F (BadInput, ThatBeginsLikeAudioAndIsNoneIsReported)
 
 TEST_F (BadInput, ThatIsCutOffIsReported)
 {
-    for (const auto& [name, format] : { std::pair { "voice.flac", flac16 }, std::pair { "voice.ogg", oggVorbis } })
+    for (const auto& [name, format] : { std::pair { "voice.flac", flac16 },
+                                        std::pair { "voice.ogg", oggVorbis },
+                                        std::pair { "voice.opus", opus },
+                                        std::pair { "voice.caf", caf16 } })
     {
         write (folder / name, format, makeNoise (1, 30000, 16));
         const auto bytes = bytesOf (folder / name);
@@ -112,6 +135,26 @@ TEST_F (BadInput, ThatIsDamagedInTheMiddleIsReportedAlsoIfItStatesNoLength)
     writeBytes (folder / "voice.flac", bytes);
     EXPECT_THAT (expectFailure (1, { "voice.flac", "-o", "result.wav" }),
                  HasSubstr ("voice.flac: cannot be read to its end: "));
+}
+
+TEST_F (BadInput, OfMpegAudioIsReportedInOneLineAndWithoutAWordOfTheDecoder)
+{
+    write (folder / "voice.mp3", mp3, makeNoise (1, 48000, 16));
+    const auto whole = bytesOf (folder / "voice.mp3");
+
+    // Whatever is inside a frame is sound to the decoder; the gap is what shows. With and without the first frame, in
+    // which the encoder notes the length.
+    const auto withoutNote = whole.substr (whole.find ("\xff\xfb", 4));
+
+    for (const auto& bytes : { whole, withoutNote })
+        for (const auto& damage : { std::string (2000, '\x55'), std::string (2000, '\xff'), std::string (2000, '\0') })
+        {
+            auto damaged = bytes;
+            damaged.replace (bytes.size() / 2, damage.size(), damage);
+            writeBytes (folder / "voice.mp3", damaged);
+            EXPECT_THAT (expectFailure (1, { "voice.mp3", "-o", "result.wav" }),
+                         testing::StartsWith ("voice.mp3: is damaged: "));
+        }
 }
 
 TEST_F (BadInput, WithALineEndInItsNameIsReportedInOneLine)

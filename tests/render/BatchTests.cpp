@@ -59,7 +59,7 @@ TEST_F (Batch, GoesOnAfterAFileThatFails)
     writeBytes (folder / "text.txt", "hello");
     const auto outcome = runHere ({ "--mode", "bypass", "one.wav", "text.txt", "two.flac", "-o", "results" });
     EXPECT_EQ (outcome.exitStatus, 1);
-    EXPECT_EQ (outcome.errors, "larkspire-render: text.txt: is not a WAV, FLAC, AIFF or Ogg file\n");
+    EXPECT_EQ (outcome.errors, "larkspire-render: text.txt: is not a WAV, FLAC, AIFF, MP3, Ogg, AU, CAF or W64 file\n");
     EXPECT_EQ (read (folder / "results/one.wav"), first);
     EXPECT_EQ (read (folder / "results/two.wav"), second);
     EXPECT_FALSE (std::filesystem::exists (folder / "results/text.wav"));

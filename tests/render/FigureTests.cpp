@@ -231,7 +231,7 @@ TEST_F (Report, IsOneDocumentForAllFilesAndFailures)
     writeNoise ("last.wav", 1, 30000);
     const auto outcome =
         runHere ({ "--json", "--report", "--stats", "speech.wav", "text.txt", "last.wav", "-o", "results" });
-    const std::string error = "text.txt: is not a WAV, FLAC, AIFF or Ogg file";
+    const std::string error = "text.txt: is not a WAV, FLAC, AIFF, MP3, Ogg, AU, CAF or W64 file";
     EXPECT_EQ (outcome.exitStatus, 1);
     EXPECT_EQ (outcome.errors, "larkspire-render: " + error + "\n");
     const auto document = json::parse (outcome.output);

@@ -116,7 +116,10 @@ TEST_F (Folder, CountsWhatNobodyTakesForSound)
 
 TEST_F (Folder, NamesSoundThatCannotBeReadAndFails)
 {
-    const std::string convert = ": convert it first, for example with ffmpeg";
+    const auto convert = [] (const std::string& name) {
+        return "; convert it first: ffmpeg -i 'takes/" + name + "' 'takes/" + name.substr (0, name.find ('.'))
+               + ".wav'";
+    };
     std::map<std::string, std::string> reasons;
     const auto add = [&] (const std::string& name, const std::string& bytes, const std::string& reason)
     {
@@ -124,14 +127,14 @@ TEST_F (Folder, NamesSoundThatCannotBeReadAndFails)
         reasons["takes/" + name] = reason;
     };
 
-    add ("1.m4a", std::string ("\0\0\0\x20", 4) + "ftypM4A isomiso2", "is MPEG-4 audio" + convert);
-    add ("1b.m4a", std::string ("\0\0\0\x20", 4) + "ftypisomisomiso2", "is MPEG-4 audio" + convert);
-    add ("2.mp3", "ID3\4" + std::string (20, '\0'), "is MPEG audio" + convert);
-    add ("3 without ending", "\xff\xfb\x90" + std::string (200, 'x'), "is MPEG audio" + convert);
-    add ("4.aac", "\xff\xf1\x50" + std::string (200, 'x'), "is AAC audio" + convert);
-    add ("5.caf", "caff" + std::string ("\0\1", 2) + std::string (20, '\0'), "is Core Audio" + convert);
-    add ("6.wma", "\x30\x26\xb2\x75" + std::string (20, '\0'), "is Windows Media audio" + convert);
-    add ("7.wav", "which take is best", "is not a WAV, FLAC, AIFF or Ogg file");
+    add ("1.m4a", std::string ("\0\0\0\x20", 4) + "ftypM4A isomiso2", "is MPEG-4 audio" + convert ("1.m4a"));
+    add ("1b.m4a", std::string ("\0\0\0\x20", 4) + "ftypisomisomiso2", "is MPEG-4 audio" + convert ("1b.m4a"));
+    add ("2.tta", "TTA1" + std::string (20, '\0'), "is True Audio" + convert ("2.tta"));
+    add ("3 without ending", "wvpk" + std::string (200, 'x'), "is WavPack audio" + convert ("3 without ending"));
+    add ("4.aac", "\xff\xf1\x50" + std::string (200, 'x'), "is AAC audio" + convert ("4.aac"));
+    add ("5.dsf", "DSD " + std::string (20, '\0'), "is DSD audio" + convert ("5.dsf"));
+    add ("6.wma", "\x30\x26\xb2\x75" + std::string (20, '\0'), "is Windows Media audio" + convert ("6.wma"));
+    add ("7.wav", "which take is best", "is not a WAV, FLAC, AIFF, MP3, Ogg, AU, CAF or W64 file");
     add ("8.wav", "", "is empty");
     std::filesystem::create_symlink ("nowhere", folder / "takes/9.wav");
     reasons["takes/9.wav"] = "cannot be read: No such file or directory";
@@ -159,16 +162,17 @@ TEST_F (Folder, NamesSoundThatCannotBeReadAndFails)
 
 TEST_F (Folder, NamesFilmsWithoutFailing)
 {
-    const std::string extract = ": extract its sound first, for example with ffmpeg";
+    const auto extract = [] (const std::string& name)
+    { return "; extract its sound first: ffmpeg -i 'takes/" + name + "' 'takes/film.wav'\n"; };
     writeBytes (folder / "takes/film.avi", "RIFF....AVI LIST");
     writeBytes (folder / "takes/film.mkv", "\x1a\x45\xdf\xa3" + std::string (20, '\0'));
     writeBytes (folder / "takes/film.mp4", std::string ("\0\0\0\x20", 4) + "ftypisom....");
     const auto outcome = runHere ({ "--json", "takes", "-o", "results" });
     EXPECT_EQ (outcome.exitStatus, 0);
     EXPECT_EQ (outcome.errors,
-               "larkspire-render: takes/film.avi: left out: is a film" + extract
-                   + "\nlarkspire-render: takes/film.mkv: left out: is a film" + extract
-                   + "\nlarkspire-render: takes/film.mp4: left out: is a film" + extract + "\n");
+               "larkspire-render: takes/film.avi: left out: is a film" + extract ("film.avi")
+                   + "larkspire-render: takes/film.mkv: left out: is a film" + extract ("film.mkv")
+                   + "larkspire-render: takes/film.mp4: left out: is a film" + extract ("film.mp4"));
     EXPECT_EQ (json::parse (outcome.output).at ("left_out").at (0).at ("is_error"), false);
     EXPECT_EQ (below ("results"), threeResults);
 }
@@ -263,7 +267,7 @@ TEST_F (Folder, WithNothingToRenderDoesNotStopTheOthers)
     std::filesystem::create_directory (folder / "empty");
     const auto outcome = runHere ({ "empty", "takes", "-o", "results" });
     EXPECT_EQ (outcome.exitStatus, 1);
-    EXPECT_EQ (outcome.errors, "larkspire-render: empty: holds no WAV, FLAC, AIFF or Ogg file\n");
+    EXPECT_EQ (outcome.errors, "larkspire-render: empty: holds no WAV, FLAC, AIFF, MP3, Ogg, AU, CAF or W64 file\n");
     EXPECT_EQ (below ("results"), threeResults);
 }
 

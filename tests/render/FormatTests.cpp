@@ -69,6 +69,87 @@ TEST_F (Formats, BypassReturnsOggVorbisAsItDecodes)
     EXPECT_EQ (readFloats (folder / "result.wav"), decoded);
 }
 
+TEST_F (Formats, BypassReturnsEveryBitOfOtherKindsOfWholeNumbers)
+{
+    for (const auto& [extension, format] : { Kind { "au", au16 },
+                                             Kind { "caf", caf16 },
+                                             Kind { "caf", SF_FORMAT_CAF | SF_FORMAT_ALAC_16 },
+                                             Kind { "w64", w64 },
+                                             Kind { "rf64", SF_FORMAT_RF64 | SF_FORMAT_PCM_16 } })
+    {
+        const auto recording = makeNoise (2, 10001, 16);
+        write (folder / ("voice." + extension), format, recording);
+        bypass ("voice." + extension);
+        EXPECT_EQ (read (folder / "result.wav"), recording) << extension;
+    }
+}
+
+TEST_F (Formats, BypassReturnsOpusAsItDecodes)
+{
+    write (folder / "voice.opus", opus, makeNoise (2, 30000, 16));
+    bypass ("voice.opus", "result.wav", { "--bits", "32f" });
+    const auto decoded = readFloats (folder / "voice.opus");
+    EXPECT_EQ (decoded.size(), 60000);
+    EXPECT_EQ (readFloats (folder / "result.wav"), decoded);
+}
+
+TEST_F (Formats, BypassReturnsMp3AsItDecodesAndAsLongAsItWas)
+{
+    for (const int channels : { 1, 2 })
+        for (const int rate : { 8000, 22050, 44100, 48000 })
+        {
+            write (folder / "voice.mp3", mp3, makeNoise (channels, 30001, 16, 1, rate));
+            bypass ("voice.mp3", "result.wav", { "--bits", "32f" });
+            const auto decoded = readFloats (folder / "voice.mp3");
+            EXPECT_EQ (describe (folder / "result.wav").frames, 30001) << rate;
+            EXPECT_EQ (describe (folder / "result.wav").samplerate, rate);
+            EXPECT_EQ (readFloats (folder / "result.wav"), decoded) << rate;
+        }
+}
+
+TEST_F (Formats, TakesAllOfAnMp3FileThatDoesNotSayHowLongItIs)
+{
+    // Loud behind soft: of such a file, what the first frames let expect is not half of what there is.
+    auto recording = makeNoise (1, 96000, 16);
+    std::fill_n (recording.samples.begin(), 48000, 0);
+    write (folder / "voice.mp3", mp3, recording);
+    const auto whole = bytesOf (folder / "voice.mp3");
+    writeBytes (folder / "voice.mp3", whole.substr (whole.find ("\xff\xfb", 4)));
+    ASSERT_NE (describe (folder / "voice.mp3").frames, 96000) << "libsndfile counts the frames by itself now";
+    bypass ("voice.mp3", "result.wav", { "--bits", "32f" });
+
+    // The encoder's own silence at both ends is part of it then.
+    EXPECT_NEAR (static_cast<double> (describe (folder / "result.wav").frames), 96000.0 + 2 * 1152, 1152.0);
+}
+
+TEST_F (Formats, TakesAllOfMp3FilesThatWereJoinedToOne)
+{
+    write (folder / "voice.mp3", mp3, makeNoise (1, 48000, 16));
+    const auto bytes = bytesOf (folder / "voice.mp3");
+    const auto tag = std::string ("ID3\4\0\0\0\0\0\4....", 14);
+
+    for (const auto& joined : { bytes + bytes, tag + bytes + tag + bytes })
+    {
+        writeBytes (folder / "voice.mp3", joined);
+        bypass ("voice.mp3", "result.wav", { "--bits", "32f" });
+        EXPECT_NEAR (static_cast<double> (describe (folder / "result.wav").frames), 2 * 48000.0 + 4 * 1152, 2 * 1152.0);
+    }
+
+    write (folder / "other.mp3", mp3, makeNoise (1, 48000, 16, 1, 22050));
+    writeBytes (folder / "voice.mp3", bytes + bytesOf (folder / "other.mp3"));
+    EXPECT_EQ (expectFailure (1, { "voice.mp3", "-o", "other.wav" }),
+               "voice.mp3: changes its sample rate or its channels on the way; convert it first: ffmpeg -i 'voice.mp3' "
+               "'voice.wav'\n");
+}
+
+TEST_F (Formats, TakesWhatStandsBehindATagOfMp3Files)
+{
+    const auto recording = writeNoise ("voice.flac");
+    writeBytes (folder / "voice.flac", std::string ("ID3\4\0\0\0\0\0\4....", 14) + bytesOf (folder / "voice.flac"));
+    bypass ("voice.flac");
+    EXPECT_EQ (read (folder / "result.wav"), recording);
+}
+
 TEST_F (Formats, WritesTheWidthThatWasAskedFor)
 {
     write (folder / "voice.wav", wav24, makeNoise (1, 500, 16));

@@ -59,6 +59,9 @@ protected:
         { "packed.wav", SF_FORMAT_WAV | SF_FORMAT_IMA_ADPCM, 1 },
         { "voice.aiff", aiff16, 2 },
         { "float.aifc", SF_FORMAT_AIFF | SF_FORMAT_FLOAT, 1 },
+        { "voice.au", au16, 1 },
+        { "little-endian.au", SF_FORMAT_AU | SF_FORMAT_PCM_24 | SF_ENDIAN_LITTLE, 2 },
+        { "voice.w64", w64, 2 },
     };
 };
 
@@ -124,6 +127,40 @@ TEST_F (Truncation, OfAnOggFileShowsAtItsLastPage)
         EXPECT_EQ (result.at ("truncated"), true);
         EXPECT_FALSE (result.contains ("stated_length_s"));
     }
+}
+
+TEST_F (Truncation, OfAnMp3FileShowsInItsFirstFrameOrItsLast)
+{
+    write (folder / "voice.mp3", mp3, makeNoise (1, 48000, 16));
+    const auto whole = bytesOf (folder / "voice.mp3");
+    const auto withoutNote = whole.substr (whole.find ("\xff\xfb", 4));
+    expectSuccess ({ "voice.mp3", "-o", "result.wav" });
+
+    for (const auto& [bytes, length] :
+         { std::pair { whole.substr (0, whole.size() / 2), "only 0\\.[45][0-9]+ s of 1\\.0 s are there" },
+           std::pair { whole.substr (0, whole.size() - 1), "only [01]\\.[09][0-9]* s of 1\\.0[0-9]* s are there" },
+           std::pair { withoutNote.substr (0, withoutNote.size() / 2 + 3), "its end is missing after 0\\.[0-9]+ s" } })
+    {
+        writeBytes (folder / "voice.mp3", bytes);
+        const auto outcome = runHere ({ "voice.mp3", "-o", "result.wav" });
+        EXPECT_EQ (outcome.exitStatus, 1);
+        EXPECT_THAT (outcome.errors,
+                     testing::MatchesRegex (std::string ("larkspire-render: voice.mp3: is cut off: ") + length + "\n"));
+        EXPECT_GT (describe (folder / "result.wav").frames, 20000);
+    }
+}
+
+TEST_F (Truncation, OfACafFileThatCannotBeReadThenNamesTheCommandThatRepairsIt)
+{
+    writeSecond ({ "voice.caf", caf16, 1 });
+    cutTo ("voice.caf", sizeOf ("voice.caf") - 1);
+    EXPECT_EQ (runHere ({ "voice.caf", "-o", "result.wav" }).errors,
+               "larkspire-render: voice.caf: is cut off: only 1.000 s of 1.000 s are there\n");
+    std::filesystem::remove (folder / "result.wav");
+    cutTo ("voice.caf", 50000);
+    EXPECT_EQ (
+        expectFailure (1, { "voice.caf", "-o", "result.wav" }),
+        "voice.caf: is cut off and cannot be read as it is; repair it first: ffmpeg -i 'voice.caf' 'voice.wav'\n");
 }
 
 TEST_F (Truncation, IsNoFaultIfTheCallAllowsIt)

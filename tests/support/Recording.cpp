@@ -104,7 +104,8 @@ Recording makeNoise (int channels, int frames, int bits, unsigned seed, int samp
 
 void write (const std::string& path, int format, const Recording& recording)
 {
-    if (const auto type = format & SF_FORMAT_SUBMASK; type == SF_FORMAT_FLOAT || type == SF_FORMAT_VORBIS)
+    if (const auto type = format & SF_FORMAT_SUBMASK; type == SF_FORMAT_FLOAT || type == SF_FORMAT_VORBIS
+                                                      || type == SF_FORMAT_OPUS || type == SF_FORMAT_MPEG_LAYER_III)
         return writeFloats (path, format, recording.channels, toFloats (recording), recording.sampleRate);
 
     const auto file = create (path, format, recording);

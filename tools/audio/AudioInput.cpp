@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "audio/AudioInput.h"
 
+#include "audio/FileBytes.h"
 #include "audio/FileKind.h"
+#include "audio/MpegHeader.h"
 #include "base/Failure.h"
 
 #include <fcntl.h>
@@ -37,9 +39,10 @@ void checkThatItCanBeAudio (const std::filesystem::path& path, int descriptor)
         throw Failure (path, "is empty");
 }
 
-/** Looks at the first bytes. Otherwise libsndfile would try its MPEG decoder on texts and pictures, and that prints to
-    the terminal. */
-void checkTheKindOfFile (const std::filesystem::path& path, int descriptor)
+/** The kind of a file by its first bytes, or by those behind a tag, which some put in front of files of any kind.
+   Throws Failure for what is no recording: libsndfile would try its MPEG decoder on texts and pictures, and that prints
+   to the terminal. */
+FileKind checkedKind (const std::filesystem::path& path, int descriptor)
 {
     std::array<char, bytesOfKind> bytes {};
     const auto count = pread (descriptor, bytes.data(), bytes.size(), 0);
@@ -47,14 +50,22 @@ void checkTheKindOfFile (const std::filesystem::path& path, int descriptor)
     if (count < 0)
         throw Failure (path, "cannot be read: " + systemError (errno));
 
-    const auto kind = kindOf ({ bytes.data(), static_cast<std::size_t> (count) }, path);
+    const std::string_view start (bytes.data(), static_cast<std::size_t> (count));
+    const auto kind = kindOf (start, path);
 
     if (kind.content != Content::recording)
-        throw Failure (path, "is " + adviceFor (kind));
+        throw Failure (path, "is " + adviceFor (kind, path));
+
+    if (const auto tag = sizeOfId3 (start); tag > 0)
+        if (const auto behind = kindOf (FileBytes (descriptor).at (tag, bytesOfKind), path);
+            behind.content == Content::recording)
+            return behind;
+
+    return kind;
 }
 
 /** Why libsndfile could not open a file. Of what it does not know in an Ogg file it says no more than that. */
-std::string reasonOf (int descriptor)
+std::string reasonOf (int descriptor, const std::filesystem::path& path)
 {
     constexpr std::size_t header = 28; // bytes of an Ogg page with one segment
     std::array<char, header + 8> bytes {};
@@ -65,9 +76,13 @@ std::string reasonOf (int descriptor)
          { std::pair { "\177FLAC", "FLAC" }, { "Speex", "Speex" }, { "\200theora", "a film" } })
         if (page.starts_with ("OggS") && page.substr (header).starts_with (beginning))
             return std::string ("holds ") + name
-                   + " in an Ogg file, which cannot be read here: convert it first, for example with ffmpeg";
+                   + " in an Ogg file, which cannot be read here; convert it first: " + conversionOf (path);
 
-    return std::string ("cannot be read as audio: ") + sf_strerror (nullptr);
+    if (const auto missing = findMissingEnd (descriptor); missing && missing->bytesStated.value_or (0) > 0)
+        return "is cut off and cannot be read as it is; repair it first: " + conversionOf (path);
+
+    return std::string ("cannot be read as audio: ") + sf_strerror (nullptr)
+           + " Another program may: " + conversionOf (path);
 }
 
 bool isOgg (const SF_INFO& info)
@@ -85,26 +100,42 @@ AudioInput::AudioInput (const std::filesystem::path& path)
         throw Failure (path, "cannot be read: " + systemError (errno));
 
     checkThatItCanBeAudio (path, descriptor.get());
-    checkTheKindOfFile (path, descriptor.get());
 
+    if (checkedKind (path, descriptor.get()).isMpegAudio)
+        openMpeg();
+    else
+        openOther();
+
+    if (audioShape.channels > 2)
+        throw Failure (path,
+                       "has " + std::to_string (audioShape.channels) + " channels; only mono and stereo are rendered");
+
+    missing = findMissingEnd (descriptor.get());
+
+    if (missing.has_value() && length() == 0)
+        throw Failure (path,
+                       missing->bytesStated == 0
+                           ? "is damaged: its header was never completed; repair it first: " + conversionOf (path)
+                           : "is damaged: it ends before its first sample");
+}
+
+void AudioInput::openMpeg()
+{
+    mpeg.emplace (filePath, descriptor.get());
+    audioShape = mpeg->shape();
+    info.frames = mpeg->length();
+}
+
+void AudioInput::openOther()
+{
     // One of its own: whatever it is told, libsndfile closes the descriptor of a file that it cannot open.
     const auto itsOwn = fcntl (descriptor.get(), F_DUPFD_CLOEXEC, 0);
     file.reset (sf_open_fd (itsOwn, SFM_READ, &info, SF_TRUE));
 
     if (file == nullptr)
-        throw Failure (path, reasonOf (descriptor.get()));
-
-    if (info.channels > 2)
-        throw Failure (path, "has " + std::to_string (info.channels) + " channels; only mono and stereo are rendered");
+        throw Failure (filePath, reasonOf (descriptor.get(), filePath));
 
     audioShape = { .channels = info.channels, .sampleRate = info.samplerate };
-    missing = findMissingEnd (descriptor.get());
-
-    if (missing.has_value() && info.frames == 0)
-        throw Failure (path,
-                       missing->bytesStated == 0
-                           ? "is damaged: its header was never completed; repair it first, for example with ffmpeg"
-                           : "is damaged: it ends before its first sample");
 }
 
 std::optional<std::int64_t> AudioInput::length() const noexcept
@@ -117,40 +148,63 @@ std::optional<std::int64_t> AudioInput::length() const noexcept
 
 std::optional<Truncation> AudioInput::truncation() const
 {
+    if (mpeg.has_value() && mpeg->endsInsideFrame() && ! missing.has_value())
+        return Truncation {};
+
     if (! missing.has_value())
         return std::nullopt;
 
     Truncation truncation;
+    const auto seconds = static_cast<double> (info.frames) / audioShape.sampleRate;
 
-    // Every kind of sample in files that state a size takes the same room throughout.
-    if (missing->bytesStated.value_or (0) > 0)
-        truncation.secondsStated = static_cast<double> (info.frames) / audioShape.sampleRate
-                                   * static_cast<double> (*missing->bytesStated)
-                                   / static_cast<double> (missing->bytesThere);
+    // Every kind of sample in files that state a size in bytes takes the same room throughout; MP3 states its samples.
+    if (mpeg.has_value())
+        truncation.secondsStated = seconds;
+    else if (missing->bytesStated.value_or (0) > 0)
+        truncation.secondsStated =
+            seconds * static_cast<double> (*missing->bytesStated) / static_cast<double> (missing->bytesThere);
 
     return truncation;
 }
 
 std::size_t AudioInput::read (std::span<float> interleaved)
 {
+    const auto count = mpeg.has_value() ? mpeg->read (interleaved) : readOther (interleaved);
+    framesRead += static_cast<std::int64_t> (count);
+
+    if (count == 0)
+        checkThatAllWasRead();
+
+    return count;
+}
+
+std::size_t AudioInput::readOther (std::span<float> interleaved)
+{
     const auto wanted = static_cast<sf_count_t> (interleaved.size()) / info.channels;
     const auto count = holdsMoreThanFloats() ? readRounded (interleaved, wanted)
                                              : sf_readf_float (file.get(), interleaved.data(), wanted);
-    framesRead += count;
 
     if (sf_error (file.get()) != SF_ERR_NO_ERROR)
         throw Failure (filePath, std::string ("cannot be read to its end: ") + sf_strerror (file.get()));
 
-    if (count == 0 && framesRead < length().value_or (0))
+    return static_cast<std::size_t> (count);
+}
+
+void AudioInput::checkThatAllWasRead() const
+{
+    // What an MP3 file states of its length holds also where its end is missing.
+    const auto isKnownToBeShort = mpeg.has_value() && truncation().has_value();
+
+    if (framesRead < length().value_or (0) && ! isKnownToBeShort)
         throw Failure (filePath,
                        "is damaged: " + std::to_string (framesRead) + " of " + std::to_string (info.frames)
                            + " samples can be read");
 
     // An Ogg file without a length has lost its end; one without sound either is nothing but a beginning.
-    if (count == 0 && framesRead == 0 && isOgg (info) && ! length().has_value())
-        throw Failure (filePath, "is damaged: it ends before its first sample");
+    const auto promisedSound = isKnownToBeShort || (isOgg (info) && ! length().has_value());
 
-    return static_cast<std::size_t> (count);
+    if (framesRead == 0 && promisedSound)
+        throw Failure (filePath, "is damaged: it ends before its first sample");
 }
 
 bool AudioInput::holdsMoreThanFloats() const noexcept

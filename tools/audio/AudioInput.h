@@ -3,6 +3,7 @@
 
 #include "audio/AudioShape.h"
 #include "audio/MissingEnd.h"
+#include "audio/MpegDecoder.h"
 #include "base/FileDescriptor.h"
 
 #include <sndfile.h>
@@ -20,10 +21,10 @@ namespace larkspire
 /** What is known of a recording that ends too early. */
 struct Truncation
 {
-    std::optional<double> secondsStated; // how much sound the file promises; an Ogg file promises nothing
+    std::optional<double> secondsStated; // how much sound the file promises; Ogg and some MP3 files promise nothing
 };
 
-/** A WAV, FLAC, AIFF or Ogg file with one or two channels, read from front to back. */
+/** A recording with one or two channels, read from front to back. */
 class AudioInput
 {
 public:
@@ -52,6 +53,10 @@ private:
         void operator() (SNDFILE* opened) const noexcept { sf_close (opened); }
     };
 
+    void openMpeg();
+    void openOther();
+    std::size_t readOther (std::span<float> interleaved);
+    void checkThatAllWasRead() const;
     bool holdsMoreThanFloats() const noexcept;
     sf_count_t readRounded (std::span<float> interleaved, sf_count_t frames);
 
@@ -59,6 +64,7 @@ private:
     FileDescriptor descriptor;
     SF_INFO info {};
     std::unique_ptr<SNDFILE, Close> file;
+    std::optional<MpegDecoder> mpeg; // in place of that for MP3
     AudioShape audioShape;
     std::optional<MissingEnd> missing;
     std::vector<double> doubles;

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "audio/FileKind.h"
 
+#include "audio/MpegHeader.h"
+#include "base/Texts.h"
+
 #include <algorithm>
 #include <array>
 #include <string>
@@ -19,13 +22,13 @@ struct Beginning
     FileKind kind;
 };
 
-constexpr FileKind recording { Content::recording, "WAV, FLAC, AIFF or Ogg" };
+constexpr FileKind recording { Content::recording, "a recording" };
 constexpr FileKind film { Content::film, "a film", "a film's sound" };
 constexpr FileKind mpeg4 { Content::otherSound, "MPEG-4 audio" };
 constexpr FileKind picture { Content::noSound, "a picture" };
-constexpr FileKind mpegAudio { Content::otherSound, "MPEG audio" };
+constexpr FileKind mpegAudio { .content = Content::recording, .name = "MPEG audio", .isMpegAudio = true };
 
-constexpr std::array<Beginning, 32> beginnings { {
+constexpr std::array<Beginning, 34> beginnings { {
     { "RIFF", 8, "WAVE", recording },
     { "RIFX", 8, "WAVE", recording },
     { "RF64", 8, "WAVE", recording },
@@ -33,6 +36,10 @@ constexpr std::array<Beginning, 32> beginnings { {
     { "FORM", 8, "AIFC", recording },
     { "fLaC", 4, "", recording },
     { "OggS", 4, "", recording },
+    { "caff", 4, std::string_view ("\0\1", 2), recording },
+    { ".snd", 4, "", recording },
+    { "dns.", 4, "", recording },
+    { "riff\x2e\x91\xcf\x11", 8, "", recording },
     { "", 4, "ftypM4A ", mpeg4 },
     { "", 4, "ftypM4B ", mpeg4 },
     { "", 4, "ftypM4P ", mpeg4 },
@@ -49,9 +56,7 @@ constexpr std::array<Beginning, 32> beginnings { {
     { "ID3\4", 4, "", mpegAudio },
     { "\xff\xf1", 2, "", { Content::otherSound, "AAC audio" } },
     { "\xff\xf9", 2, "", { Content::otherSound, "AAC audio" } },
-    { "caff", 4, std::string_view ("\0\1", 2), { Content::otherSound, "Core Audio" } },
-    { ".snd", 4, "", { Content::otherSound, "AU audio" } },
-    { "riff\x2e\x91\xcf\x11", 8, "", { Content::otherSound, "Wave64 audio" } },
+    { "BW64", 8, "WAVE", { Content::otherSound, "BW64 audio" } },
     { "\x30\x26\xb2\x75", 4, "", { Content::film, "a film", "Windows Media audio" } },
     { "wvpk", 4, "", { Content::otherSound, "WavPack audio" } },
     { "TTA1", 4, "", { Content::otherSound, "True Audio" } },
@@ -59,20 +64,6 @@ constexpr std::array<Beginning, 32> beginnings { {
     { "DSD ", 4, "", { Content::otherSound, "DSD audio" } },
     { "FRM8", 4, "", { Content::otherSound, "DSD audio" } },
 } };
-
-/** Whether bytes begin with the header of a frame of MPEG audio, layer II or III. Texts of 16 bits begin like one of
-    layer I, which nobody uses. */
-bool beginsAsMpegFrame (std::string_view bytes)
-{
-    if (bytes.size() < 3)
-        return false;
-
-    const auto byte = [bytes] (std::size_t i) { return static_cast<unsigned char> (bytes[i]); };
-    const auto layer = (byte (1) >> 1) & 3;
-    const auto version = (byte (1) >> 3) & 3;
-    return byte (0) == 0xff && byte (1) >= 0xe0 && (layer == 1 || layer == 2) && version != 1 && (byte (2) >> 4) != 15
-           && ((byte (2) >> 2) & 3) != 3;
-}
 } // namespace
 
 FileKind kindOf (std::string_view bytes, const std::filesystem::path& path)
@@ -83,7 +74,7 @@ FileKind kindOf (std::string_view bytes, const std::filesystem::path& path)
                        ? FileKind { Content::otherSound, kind.nameOfSound }
                        : kind;
 
-    return beginsAsMpegFrame (bytes) ? mpegAudio : FileKind { Content::noSound, "no sound" };
+    return isMpegHeader (bytes) ? mpegAudio : FileKind { Content::noSound, "no sound" };
 }
 
 std::string extensionIn (const std::filesystem::path& path)
@@ -105,22 +96,36 @@ bool isNamedAsSound (const std::filesystem::path& path)
     return std::find (endings.begin(), endings.end(), extensionIn (path)) != endings.end();
 }
 
-std::string adviceFor (const FileKind& kind)
+std::string conversionOf (const std::filesystem::path& path)
+{
+    auto result = path;
+    result.replace_extension (".wav");
+
+    if (result == path)
+        result.replace_filename (path.stem().string() + "-converted.wav");
+
+    // A name that begins with a dash would be taken for an option.
+    const auto asArgument = [] (const std::string& name)
+    { return quotedForShell (name.starts_with ('-') ? "./" + name : name); };
+    return "ffmpeg -i " + asArgument (path.string()) + " " + asArgument (result.string());
+}
+
+std::string adviceFor (const FileKind& kind, const std::filesystem::path& path)
 {
     const std::string name (kind.name);
 
     switch (kind.content)
     {
     case Content::otherSound:
-        return name + ": convert it first, for example with ffmpeg";
+        return name + "; convert it first: " + conversionOf (path);
     case Content::film:
-        return name + ": extract its sound first, for example with ffmpeg";
+        return name + "; extract its sound first: " + conversionOf (path);
     case Content::recording:
     case Content::noSound:
         break;
     }
 
-    return "not a WAV, FLAC, AIFF or Ogg file";
+    return std::string ("not a ") + kindsOfRecording + " file";
 }
 
 } // namespace larkspire

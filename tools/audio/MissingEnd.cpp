@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "audio/MissingEnd.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
+#include "audio/FileBytes.h"
+#include "audio/MpegHeader.h"
 
 #include <algorithm>
 #include <limits>
@@ -14,50 +14,25 @@ namespace larkspire
 
 namespace
 {
-/** A file to look into, byte by byte. */
-class Bytes
-{
-public:
-    explicit Bytes (int fileDescriptor) : descriptor (fileDescriptor)
-    {
-        struct stat status = {};
-        length = fstat (descriptor, &status) == 0 ? std::int64_t { status.st_size } : 0;
-    }
-
-    std::int64_t size() const { return length; }
-
-    /** As many of the bytes at a place as there are. */
-    std::string at (std::int64_t place, std::size_t count) const
-    {
-        std::string bytes (count, '\0');
-        const auto read = pread (descriptor, bytes.data(), count, place);
-        bytes.resize (static_cast<std::size_t> (std::max<ssize_t> (0, read)));
-        return bytes;
-    }
-
-private:
-    int descriptor;
-    std::int64_t length = 0;
-};
-
-/** A whole number of some bytes; 0 where there are too few. */
-std::uint64_t numberIn (std::string_view bytes, std::size_t place, std::size_t width, bool bigEndian)
-{
-    std::uint64_t number = 0;
-
-    for (std::size_t i = 0; i < width && place + width <= bytes.size(); ++i)
-        number = (number << 8) | static_cast<unsigned char> (bytes[place + (bigEndian ? i : width - 1 - i)]);
-
-    return number;
-}
-
 /** Whether a size is what programs write that do not know it: the largest of 32 bits or of 31, or 0x7f000000, from
-    which some subtract their header. */
+    which some subtract their header; of 64 bits anything that no disk holds. */
 bool isUnknown (std::uint64_t size)
 {
     const auto isNear = [size] (std::uint64_t largest) { return size + 0x1100 >= largest && size <= largest + 0x100; };
     return isNear (0xffffffff) || isNear (0x80000000) || isNear (0x7f000000)
-           || size > static_cast<std::uint64_t> (std::numeric_limits<std::int64_t>::max());
+           || size > static_cast<std::uint64_t> (std::numeric_limits<std::int64_t>::max() / 2);
+}
+
+/** What is missing of so much sound behind a place; nothing if there is no such place, since then something else is
+    wrong. */
+std::optional<MissingEnd> missingBehind (const FileBytes& file, std::int64_t place, std::uint64_t stated)
+{
+    const auto there = file.size() - place;
+
+    if (there < 0 || isUnknown (stated) || stated <= static_cast<std::uint64_t> (there))
+        return std::nullopt;
+
+    return MissingEnd { .bytesThere = there, .bytesStated = static_cast<std::int64_t> (stated) };
 }
 
 constexpr std::int64_t chunkHeader = 8; // bytes: a name and a size
@@ -72,7 +47,7 @@ bool isChunk (std::string_view header, bool bigEndian, std::int64_t room)
 
 /** The chunks of WAV and AIFF up to the one with the sound: a name and a size, four bytes each, then so many bytes and
     one more where the number is odd. */
-std::optional<MissingEnd> missingInChunks (const Bytes& file, std::string_view soundChunk, bool bigEndian)
+std::optional<MissingEnd> missingInChunks (const FileBytes& file, std::string_view soundChunk, bool bigEndian)
 {
     constexpr int mostChunks = 1000; // a recording has a dozen
     std::uint64_t largeSize = 0;
@@ -96,10 +71,7 @@ std::optional<MissingEnd> missingInChunks (const Bytes& file, std::string_view s
             if (stated == 0 && there > 0 && ! isChunk (file.at (place, chunkHeader), bigEndian, there))
                 return MissingEnd { .bytesThere = there, .bytesStated = 0 };
 
-            if (isUnknown (stated) || stated <= static_cast<std::uint64_t> (there))
-                return std::nullopt;
-
-            return MissingEnd { .bytesThere = there, .bytesStated = static_cast<std::int64_t> (stated) };
+            return missingBehind (file, place, stated);
         }
 
         place += static_cast<std::int64_t> (size + size % 2);
@@ -109,7 +81,7 @@ std::optional<MissingEnd> missingInChunks (const Bytes& file, std::string_view s
 }
 
 /** An Ogg file is whole if its last page is, and says that it is the last of its stream. */
-std::optional<MissingEnd> missingInPages (const Bytes& file)
+std::optional<MissingEnd> missingInPages (const FileBytes& file)
 {
     constexpr std::int64_t largestPage = 27 + 255 + 255 * 255;
     constexpr std::size_t pageHeader = 27;
@@ -131,11 +103,75 @@ std::optional<MissingEnd> missingInPages (const Bytes& file)
 
     return (flags & endOfStream) != 0 && end <= tail.size() ? std::nullopt : std::optional (missing);
 }
+
+/** AU has a header of whole numbers: behind the name the place of the sound and its size. */
+std::optional<MissingEnd> missingInAu (const FileBytes& file, bool bigEndian)
+{
+    const auto header = file.at (0, 12);
+    return missingBehind (
+        file, static_cast<std::int64_t> (numberIn (header, 4, 4, bigEndian)), numberIn (header, 8, 4, bigEndian));
+}
+
+/** The chunks of W64 up to the one with the sound: a name of 16 bytes and a size of eight that counts both, up to the
+    next multiple of eight. */
+std::optional<MissingEnd> missingInW64 (const FileBytes& file)
+{
+    constexpr int mostChunks = 1000;
+    constexpr std::int64_t header = 24;
+    std::int64_t place = 40;
+
+    for (int i = 0; i < mostChunks && place + header <= file.size(); ++i)
+    {
+        const auto bytes = file.at (place, header);
+        const auto size = numberIn (bytes, 16, 8, false);
+
+        if (size < header || isUnknown (size))
+            return std::nullopt;
+
+        if (bytes.starts_with ("data"))
+            return missingBehind (file, place + header, size - header);
+
+        place += static_cast<std::int64_t> ((size + 7) / 8 * 8);
+    }
+
+    return std::nullopt;
+}
+
+/** The chunks of CAF up to the one with the sound: a name and a size of eight bytes. The sound begins with a number of
+    four bytes that counts its edits. */
+std::optional<MissingEnd> missingInCaf (const FileBytes& file)
+{
+    constexpr int mostChunks = 1000;
+    constexpr std::int64_t header = 12;
+    std::int64_t place = 8;
+
+    for (int i = 0; i < mostChunks && place + header <= file.size(); ++i)
+    {
+        const auto bytes = file.at (place, header);
+        const auto size = numberIn (bytes, 4, 8, true);
+
+        if (bytes.starts_with ("data"))
+            return size < 4 ? std::nullopt : missingBehind (file, place + header + 4, size - 4);
+
+        if (isUnknown (size))
+            return std::nullopt;
+
+        place += header + static_cast<std::int64_t> (size);
+    }
+
+    return std::nullopt;
+}
+
+/** MPEG audio says where it ends only in the tag that an encoder may put in front. */
+std::optional<MissingEnd> missingInMpeg (const FileBytes& file, const MpegInfo& info)
+{
+    return missingBehind (file, info.place, static_cast<std::uint64_t> (info.bytes));
+}
 } // namespace
 
 std::optional<MissingEnd> findMissingEnd (int descriptor)
 {
-    const Bytes file (descriptor);
+    const FileBytes file (descriptor);
     const auto start = file.at (0, 4);
 
     if (start == "RIFF" || start == "RF64")
@@ -147,7 +183,20 @@ std::optional<MissingEnd> findMissingEnd (int descriptor)
     if (start == "FORM")
         return missingInChunks (file, "SSND", true);
 
-    return start == "OggS" ? missingInPages (file) : std::nullopt;
+    if (start == "OggS")
+        return missingInPages (file);
+
+    if (start == ".snd" || start == "dns.")
+        return missingInAu (file, start == ".snd");
+
+    if (start == "riff")
+        return missingInW64 (file);
+
+    if (start == "caff")
+        return missingInCaf (file);
+
+    const auto info = findMpegInfo (descriptor);
+    return info.has_value() ? missingInMpeg (file, *info) : std::nullopt;
 }
 
 } // namespace larkspire

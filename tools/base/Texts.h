@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <string>
+#include <string_view>
 
 namespace larkspire
 {
@@ -33,6 +35,31 @@ inline std::string numberText (double value, int digits)
 inline std::string secondsText (double seconds)
 {
     return numberText (seconds, seconds < 1.0 ? 3 : 1);
+}
+
+/** A text as one word of a shell's command, whatever is in it: 'text', or $'text' where there are control characters,
+    which a terminal would obey. */
+inline std::string quotedForShell (const std::string& text)
+{
+    const auto isControl = [] (char character)
+    { return static_cast<unsigned char> (character) < 0x20 || character == 0x7f; };
+    const auto escaped = std::any_of (text.begin(), text.end(), isControl);
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string word (escaped ? "$'" : "'");
+
+    for (const char character : text)
+        if (escaped && isControl (character))
+            word.append ("\\x")
+                .append (1, digits[static_cast<unsigned char> (character) >> 4])
+                .append (1, digits[static_cast<unsigned char> (character) & 0x0f]);
+        else if (escaped && (character == '\'' || character == '\\'))
+            word.append ("\\").append (1, character);
+        else if (character == '\'')
+            word += "'\\''";
+        else
+            word += character;
+
+    return word + "'";
 }
 
 /** A duration in seconds, rounded to whole ones, as a clock shows it: min:s or h:min:s. */

@@ -210,7 +210,8 @@ void addFolder (const fs::path& folder, const CommandLine& call, BatchPlan& plan
     const auto isTheFolder = [&folder] (const LeftOut& left) { return left.path == folder; };
 
     if (contents.recordings.empty() && std::none_of (contents.leftOut.begin(), contents.leftOut.end(), isTheFolder))
-        plan.leftOut.push_back ({ .path = folder, .reason = "holds no WAV, FLAC, AIFF or Ogg file", .isFault = true });
+        plan.leftOut.push_back (
+            { .path = folder, .reason = std::string ("holds no ") + kindsOfRecording + " file", .isFault = true });
 }
 
 std::vector<Source> findSources (const CommandLine& call, BatchPlan& plan)

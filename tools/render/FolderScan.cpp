@@ -109,9 +109,9 @@ struct Scan
         else if (beginning.empty() && isNamedAsSound (path))
             leaveOut (path, "is empty", true);
         else if (kind.content == Content::otherSound || isNamedAsSound (path))
-            leaveOut (path, "is " + adviceFor (kind), true);
+            leaveOut (path, "is " + adviceFor (kind, path), true);
         else if (kind.content == Content::film)
-            leaveOut (path, "is " + adviceFor (kind), false);
+            leaveOut (path, "is " + adviceFor (kind, path), false);
         else
             ++contents.withoutSound;
     }

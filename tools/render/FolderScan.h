@@ -33,11 +33,11 @@ struct FolderContents
 
 /** Looks for recordings in a folder and all below it.
 
-    A recording is a file that begins as WAV, FLAC, AIFF and Ogg files do; whether the rest is intact shows when it is
-    rendered. Files that are sound by name or content but cannot be rendered are left out as faults, and so is a folder
-    that cannot be read to its end, with all that it holds. Films are left out, other files that cannot be read, and a
-    link to a folder, as it may lead round in a circle or to another place; a link to a file is taken like the file.
-    Hidden files and folders are passed over silently.
+    A recording is a file that begins as one of a kind that is rendered; whether the rest is intact shows when it is.
+    Files that are sound by name or content but cannot be rendered are left out as faults, and so is a folder that
+    cannot be read to its end, with all that it holds. Films are left out, other files that cannot be read, and a link
+    to a folder, as it may lead round in a circle or to another place; a link to a file is taken like the file. Hidden
+    files and folders are passed over silently.
 
     A signal that asks for an end cuts the search short.
 

@@ -13,9 +13,9 @@ inline constexpr const char* helpHead =
     R"(Usage: larkspire-render [OPTION]... IN... -o OUT
 Take recordings of a voice through the plug-in Quendal Larkspire, as a host would.
 
-IN is WAV, FLAC, AIFF or Ogg Vorbis, mono or stereo, or a folder of such files. A result has its input's length, sample
-rate and channels, sample for sample; in mode bypass nothing changes, down to the last bit, unless a level,
-a loudness or another rate is asked for.
+IN is WAV, FLAC, AIFF, MP3, Ogg Vorbis, Opus, AU, CAF or W64, mono or stereo, or a folder of such files. A result has
+its input's length, sample rate and channels, sample for sample; in mode bypass nothing changes, down to the last bit,
+unless a level, a loudness or another rate is asked for.
 )";
 
 inline constexpr const char* helpFoot =
@@ -31,8 +31,9 @@ inline constexpr const char* helpFoot =
   nearest and limited to full scale, also at 16 bits: there is no dither. How many samples that clipped is said, and in
   bypass how many were rounded. WAV files that would be larger than 4 GB are written as RF64.
 
-  A recording that was cut off, as WAV, AIFF and Ogg files tell, is rendered as far as it goes; that is said, and the
-  exit status is 1 unless --allow-truncated is given.
+  A recording that was cut off, as all kinds but FLAC tell, is rendered as far as it goes; that is said, and the exit
+  status is 1 unless --allow-truncated is given. MP3 files tell it where their encoder noted the length, or where they
+  end inside a frame. What cannot be read is named with the command that converts it.
 
   Every file gets a plug-in of its own. Without --plugin, "Quendal Larkspire.so" is looked for beside this program, in
   ~/.vst, in the folders of VST_PATH and in /usr/lib/vst. The results and what is printed do not depend on --jobs, but

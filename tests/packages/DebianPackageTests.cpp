@@ -95,6 +95,7 @@ TEST (DebianPackage, DependsOnThePackagesOfTheLibrariesThatItsFilesLoad)
                                                 "libfreetype6",
                                                 "libjpeg62-turbo",
                                                 "libmpg123-0",
+                                                "libogg0",
                                                 "libpng16-16",
                                                 "libsndfile1",
                                                 "zlib1g"));

@@ -147,12 +147,15 @@ TEST_F (Batch, RefusesAFileWhereItNeedsAFolder)
     EXPECT_EQ (bytesOf (folder / "file"), "mine");
 }
 
-TEST_F (Batch, RefusesANameThatContradictsTheFormatAndFloatsInFlac)
+TEST_F (Batch, RefusesANameThatContradictsTheFormatAndWidthsThatItDoesNotHave)
 {
     expectRefusal ({ "--format", "flac", "one.wav", "-o", "result.wav" }, { "result.wav", "--format flac" });
     expectRefusal ({ "--format", "wav", "one.wav", "-o", "result.FLAC" }, { "result.FLAC", "--format wav" });
-    expectRefusal ({ "one.wav", "-o", "result.mp3" }, { "result.mp3", "WAV or FLAC" });
-    expectRefusal ({ "one.wav", "-o", "result.ogg" }, { "result.ogg", "WAV or FLAC" });
+    expectRefusal ({ "--format", "opus", "one.wav", "-o", "result.mp3" }, { "result.mp3", "--format opus" });
+    expectRefusal ({ "one.wav", "-o", "result.m4a" }, { "result.m4a", "WAV, FLAC, MP3 or Opus" });
+    expectRefusal ({ "one.wav", "-o", "result.ogg" }, { "result.ogg", "WAV, FLAC, MP3 or Opus" });
+    expectRefusal ({ "--bits", "16", "one.wav", "-o", "result.mp3" }, { "--bits: MP3 files have no width" });
+    expectRefusal ({ "--bits", "32f", "one.wav", "-o", "result.opus" }, { "--bits: Opus files have no width" });
     expectRefusal ({ "--bits", "32f", "one.wav", "-o", "result.flac" }, { "FLAC" });
     expectRefusal ({ "--bits", "32f", "--format", "flac", "one.wav", "-o", "results/" }, { "FLAC" });
 }

@@ -2,6 +2,11 @@
 // What goes in and what comes out: kinds of file, widths, rates, channels, lengths.
 #include "render/RendererTest.h"
 
+#include <chrono>
+#include <cmath>
+#include <thread>
+#include <tuple>
+
 namespace
 {
 struct Kind
@@ -148,6 +153,114 @@ TEST_F (Formats, TakesWhatStandsBehindATagOfMp3Files)
     writeBytes (folder / "voice.flac", std::string ("ID3\4\0\0\0\0\0\4....", 14) + bytesOf (folder / "voice.flac"));
     bypass ("voice.flac");
     EXPECT_EQ (read (folder / "result.wav"), recording);
+}
+
+TEST_F (Formats, WritesMp3AndOpusInTheLengthOfTheRecording)
+{
+    for (const auto& [extension, format] : { Kind { "mp3", mp3 }, Kind { "opus", opus } })
+        for (const int channels : { 1, 2 })
+            for (const int rate : { 8000, 16000, 24000, 48000 })
+                for (const int frames : { 1, 30001 })
+                {
+                    writeNoise ("voice.wav", channels, frames, 1, rate);
+                    bypass ("voice.wav", "result." + extension);
+                    const auto result = describe (folder / ("result." + extension));
+                    EXPECT_EQ (result.format, format);
+                    EXPECT_EQ (result.frames, frames) << extension << ", " << rate;
+                    EXPECT_EQ (result.samplerate, rate);
+                    EXPECT_EQ (result.channels, channels);
+                }
+}
+
+TEST_F (Formats, SoundsInMp3AndOpusLikeTheRecording)
+{
+    // Not to the sample, of course: what is left of a tone beside it is 30 dB below.
+    std::vector<float> tone (48000);
+
+    for (std::size_t i = 0; i < tone.size(); ++i)
+        tone[i] = 0.5f * std::sin (static_cast<float> (i) * 0.05f);
+
+    writeFloats (folder / "voice.wav", wavFloat, 1, tone);
+
+    for (const std::string result : { "result.mp3", "result.opus" })
+    {
+        bypass ("voice.wav", result);
+        const auto decoded = readFloats (folder / result);
+        ASSERT_EQ (decoded.size(), tone.size());
+        double error = 0.0;
+
+        for (std::size_t i = 2000; i < tone.size() - 2000; ++i)
+            error = std::max (error, std::abs (double { decoded[i] } - double { tone[i] }));
+
+        EXPECT_LT (error, 0.5 * 0.0316) << result;
+    }
+}
+
+TEST_F (Formats, WritesTheSameMp3AndOpusEachTimeAndInBlocksOfAnySize)
+{
+    writeNoise ("voice.wav", 2, 30000);
+    writeNoise ("other.wav", 2, 30000, 2);
+
+    for (const std::string ending : { ".mp3", ".opus" })
+    {
+        const auto rendered = [&] (const std::string& name, const std::string& block)
+        {
+            expectSuccess ({ "--block", block, name, "-o", "result" + ending });
+            return bytesOf (folder / ("result" + ending));
+        };
+
+        const auto bytes = rendered ("voice.wav", "4096");
+        std::this_thread::sleep_for (std::chrono::milliseconds (1100)); // libsndfile draws its numbers from the time
+        EXPECT_EQ (rendered ("voice.wav", "4096"), bytes) << ending;
+        EXPECT_EQ (rendered ("voice.wav", "777"), bytes) << ending;
+    }
+
+    // Streams that are put behind each other have to have other serial numbers.
+    expectSuccess ({ "other.wav", "-o", "other.opus" });
+    EXPECT_NE (bytesOf (folder / "other.opus").substr (14, 4), bytesOf (folder / "result.opus").substr (14, 4));
+}
+
+TEST_F (Formats, TakesTheKindOfAResultFromItsNameOrFromTheCall)
+{
+    writeNoise ("voice.wav");
+    expectSuccess ({ "voice.wav", "-o", "result.OPUS" });
+    EXPECT_EQ (describe (folder / "result.OPUS").format, opus);
+    expectSuccess ({ "voice.wav", "--format", "mp3", "-o", "results/" });
+    EXPECT_EQ (describe (folder / "results/voice.mp3").format, mp3);
+    expectSuccess ({ "voice.wav", "-o", "result.bwf" });
+    EXPECT_EQ (describe (folder / "result.bwf").format, wav24);
+}
+
+TEST_F (Formats, RefusesARateThatMp3OrOpusDoesNotKnowAndSaysWhichItKnows)
+{
+    for (const auto& [rate, result, rates] :
+         { std::tuple { 44100, "result.opus", "Opus files have 8000, 12000, 16000, 24000 or 48000 Hz" },
+           std::tuple { 96000,
+                        "result.mp3",
+                        "MP3 files have 8000, 11025, 12000, 16000, 22050, 24000, 32000, 44100 or 48000 Hz" } })
+    {
+        writeNoise ("voice.wav", 1, 300, 1, rate);
+        EXPECT_EQ (expectFailure (1, { "voice.wav", "-o", result }),
+                   std::string (result) + ": cannot be written: " + rates + ", and the recording has "
+                       + std::to_string (rate)
+                       + "; --format flac takes it as it is, or convert it to 48000 Hz first\n");
+    }
+
+    writeNoise ("empty.wav", 1, 0);
+    EXPECT_THAT (expectFailure (1, { "empty.wav", "-o", "result.mp3" }),
+                 testing::HasSubstr ("MP3 files cannot be without sound"));
+}
+
+TEST_F (Formats, HoldsMp3AndOpusWithinFullScaleAndSaysSo)
+{
+    writeFloats (folder / "loud.wav", wavFloat, 1, std::vector<float> (1000, 1.5f));
+
+    for (const std::string result : { "result.mp3", "result.opus" })
+    {
+        const auto outcome = runHere ({ "--mode", "bypass", "loud.wav", "-o", result });
+        EXPECT_EQ (outcome.exitStatus, 0);
+        EXPECT_EQ (outcome.errors, "larkspire-render: " + result + ": 1000 samples beyond full scale clipped\n");
+    }
 }
 
 TEST_F (Formats, WritesTheWidthThatWasAskedFor)

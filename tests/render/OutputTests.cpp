@@ -126,6 +126,25 @@ TEST_F (Output, ThatTheDiskDoesNotHoldIsReportedAndLeavesNothing)
     }
 }
 
+TEST_F (Output, InMp3OrOpusThatTheDiskDoesNotHoldIsReportedAndLeavesNothing)
+{
+    writeNoise ("voice.wav", 2, 60000);
+
+    for (const std::string result : { "result.mp3", "result.opus" })
+    {
+        expectSuccess ({ "voice.wav", "-o", result });
+        const auto size = std::filesystem::file_size (folder / result);
+        std::filesystem::remove (folder / result);
+
+        for (const auto largest : { std::uintmax_t { 500 }, size / 2, size - 1 })
+            EXPECT_EQ (expectFailure (1,
+                                      Call { .arguments = { "voice.wav", "-o", result },
+                                             .folder = folder.path(),
+                                             .largestFile = largest }),
+                       result + ": cannot be written: File too large\n");
+    }
+}
+
 TEST_F (Output, ThatFailsLeavesAnOlderResultAsItWas)
 {
     writeNoise ("voice.wav", 2, 60000);
@@ -165,10 +184,12 @@ TEST_F (Output, OfAnInterruptedCallIsRemoved)
     std::filesystem::create_directory (folder / "results");
     writeBytes (folder / "results/long.wav", "an older result");
 
-    for (const int signal : { SIGINT, SIGTERM, SIGHUP })
+    for (const auto& [signal, kind] :
+         { std::pair { SIGINT, "wav" }, { SIGTERM, "wav" }, { SIGHUP, "wav" }, { SIGINT, "mp3" }, { SIGTERM, "opus" } })
     {
         SCOPED_TRACE (signal);
-        Child child (Call { .arguments = { "long.wav", "next.wav", "-o", "results" }, .folder = folder.path() });
+        Child child (Call { .arguments = { "--format", kind, "long.wav", "next.wav", "-o", "results" },
+                            .folder = folder.path() });
         ASSERT_TRUE (folder.showsSoon ("partial"));
         EXPECT_EQ (bytesOf (folder / "results/long.wav"), "an older result");
         child.sendSignal (signal);

@@ -4,10 +4,11 @@
 #include "audio/Quantiser.h"
 #include "base/Failure.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <string>
-#include <utility>
 
 namespace larkspire
 {
@@ -31,9 +32,15 @@ SF_VIRTUAL_IO throughPartialFile()
              .tell = [] (void* file) { return partialFile (file).seek (0, SEEK_CUR); } };
 }
 
-int sampleFormat (SampleType samples)
+int sampleFormat (const Encoding& encoding)
 {
-    switch (samples)
+    if (encoding.container == Container::mp3)
+        return SF_FORMAT_MPEG_LAYER_III;
+
+    if (encoding.container == Container::opus)
+        return SF_FORMAT_OPUS;
+
+    switch (encoding.samples)
     {
     case SampleType::pcm16:
         return SF_FORMAT_PCM_16;
@@ -48,10 +55,42 @@ int sampleFormat (SampleType samples)
 
 int containerFormat (const Encoding& encoding, const AudioShape& shape, std::optional<std::int64_t> frames)
 {
-    if (encoding.container == Container::flac)
+    switch (encoding.container)
+    {
+    case Container::flac:
         return SF_FORMAT_FLAC;
+    case Container::mp3:
+        return SF_FORMAT_MPEG;
+    case Container::opus:
+        return SF_FORMAT_OGG;
+    case Container::wav:
+        break;
+    }
 
     return needsLargeWav (shape, encoding.samples, frames) ? SF_FORMAT_RF64 : SF_FORMAT_WAV;
+}
+
+/** Refuses a sample rate that a kind of file does not know: Opus has five, MP3 three in each of its three versions. */
+void checkTheRate (const std::filesystem::path& path, Container container, int rate)
+{
+    constexpr std::array opusRates { 8000, 12000, 16000, 24000, 48000 };
+    constexpr std::array mp3Rates { 8000, 11025, 12000, 16000, 22050, 24000, 32000, 44100, 48000 };
+    const auto rates = container == Container::opus  ? std::span<const int> (opusRates)
+                       : container == Container::mp3 ? std::span<const int> (mp3Rates)
+                                                     : std::span<const int>();
+
+    if (rates.empty() || std::ranges::find (rates, rate) != rates.end())
+        return;
+
+    std::string list;
+
+    for (const auto known : rates)
+        list += (list.empty() ? "" : known == rates.back() ? " or " : ", ") + std::to_string (known);
+
+    throw Failure (path,
+                   std::string ("cannot be written: ") + nameOf (container) + " files have " + list
+                       + " Hz, and the recording has " + std::to_string (rate)
+                       + "; --format flac takes it as it is, or convert it to 48000 Hz first");
 }
 } // namespace
 
@@ -71,10 +110,11 @@ AudioOutput::AudioOutput (const std::filesystem::path& path,
       partial (path),
       encoding (wanted)
 {
+    checkTheRate (path, encoding.container, shape.sampleRate);
     SF_INFO info {};
     info.samplerate = shape.sampleRate;
     info.channels = shape.channels;
-    info.format = containerFormat (encoding, shape, frames) | sampleFormat (encoding.samples);
+    info.format = containerFormat (encoding, shape, frames) | sampleFormat (encoding);
 
     auto access = throughPartialFile();
     file.reset (sf_open_virtual (&access, SFM_WRITE, &info, &partial));
@@ -90,6 +130,10 @@ AudioOutput::AudioOutput (const std::filesystem::path& path,
     // That chunk holds the time of day, and a result shall depend on nothing but its input.
     sf_command (file.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
 
+    // LAME's "-V 2": what most people do not tell from the original. Opus is good at what the library has by itself.
+    if (double level = 0.2; encoding.container == Container::mp3)
+        sf_command (file.get(), SFC_SET_COMPRESSION_LEVEL, &level, sizeof level);
+
     // FLAC gets its header with the first sample, so without this a file without samples would have none.
     if (encoding.container == Container::flac)
         sf_command (file.get(), SFC_UPDATE_HEADER_NOW, nullptr, 0);
@@ -97,52 +141,80 @@ AudioOutput::AudioOutput (const std::filesystem::path& path,
     partial.throwOnError();
 }
 
-void AudioOutput::write (std::span<const float> interleaved)
+std::span<const float> AudioOutput::write (std::span<const float> interleaved)
 {
-    if (encoding.samples == SampleType::float32)
-        writeFloats (interleaved);
-    else
-        writeWholeNumbers (interleaved);
+    samples.assign (interleaved.begin(), interleaved.end());
+
+    if (! holdsSamples (encoding.container))
+        holdWithinFullScale();
+    else if (encoding.samples != SampleType::float32)
+        roundToWholeNumbers();
+
+    for (const auto sample : samples)
+        writtenLevels.add (sample);
+
+    const auto count = std::ssize (samples);
+    const auto written = wholeNumbers.empty() ? sf_write_float (file.get(), samples.data(), count)
+                                              : sf_write_int (file.get(), wholeNumbers.data(), count);
+    partial.throwOnError();
+
+    if (written != count)
+        throw Failure (filePath, std::string ("cannot be written: ") + sf_strerror (file.get()));
+
+    return samples;
 }
 
 void AudioOutput::commit()
 {
+    // Of those the library makes files that nothing can read.
+    if (! holdsSamples (encoding.container) && writtenLevels.count == 0)
+        throw Failure (filePath,
+                       std::string ("cannot be written: ") + nameOf (encoding.container)
+                           + " files cannot be without sound, and the recording is; --format flac can");
+
     const auto closed = sf_close (file.release());
     partial.throwOnError();
 
     if (closed != SF_ERR_NO_ERROR)
         throw Failure (filePath, std::string ("cannot be written: ") + sf_error_number (closed));
 
+    if (encoding.container == Container::opus)
+        giveSerialNumber (partial, hash.value());
+
     partial.commit();
 }
 
-void AudioOutput::writeFloats (std::span<const float> interleaved)
-{
-    for (const auto sample : interleaved)
-        writtenLevels.add (sample);
-
-    checkCount (sf_write_float (file.get(), interleaved.data(), std::ssize (interleaved)), interleaved.size());
-}
-
-void AudioOutput::writeWholeNumbers (std::span<const float> interleaved)
+void AudioOutput::roundToWholeNumbers()
 {
     const auto bits = bitsOf (encoding.samples);
     const Quantiser quantiser (bits);
-    wholeNumbers.resize (interleaved.size());
+    wholeNumbers.resize (samples.size());
 
-    for (std::size_t i = 0; i < interleaved.size(); ++i)
+    for (std::size_t i = 0; i < samples.size(); ++i)
     {
-        const auto value = quantiser.toWholeNumber (interleaved[i]);
-        const auto written = quantiser.toSample (value);
-        writtenLevels.add (written);
+        const auto value = quantiser.toWholeNumber (samples[i]);
+        const auto written = static_cast<float> (quantiser.toSample (value));
 
-        if (written != double { interleaved[i] })
-            countLoss (interleaved[i]);
+        if (written != samples[i])
+            countLoss (samples[i]);
 
+        samples[i] = written;
         wholeNumbers[i] = value << (32 - bits); // the library takes the uppermost bits
     }
+}
 
-    checkCount (sf_write_int (file.get(), wholeNumbers.data(), std::ssize (wholeNumbers)), wholeNumbers.size());
+void AudioOutput::holdWithinFullScale()
+{
+    for (auto& sample : samples)
+    {
+        const auto held = std::isnan (sample) ? 0.0f : std::clamp (sample, -1.0f, 1.0f);
+
+        if (held != sample)
+            countLoss (sample);
+
+        sample = held;
+        hash.add (held);
+    }
 }
 
 void AudioOutput::countLoss (float sample)
@@ -153,14 +225,6 @@ void AudioOutput::countLoss (float sample)
         ++samplesLost.clipped;
     else
         ++samplesLost.rounded;
-}
-
-void AudioOutput::checkCount (sf_count_t written, std::size_t wanted)
-{
-    partial.throwOnError();
-
-    if (! std::cmp_equal (written, wanted))
-        throw Failure (filePath, std::string ("cannot be written: ") + sf_strerror (file.get()));
 }
 
 } // namespace larkspire

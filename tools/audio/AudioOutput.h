@@ -4,6 +4,7 @@
 #include "audio/AudioShape.h"
 #include "audio/Encoding.h"
 #include "audio/Levels.h"
+#include "audio/OggSerialNumber.h"
 #include "base/PartialFile.h"
 
 #include <sndfile.h>
@@ -30,7 +31,7 @@ struct Losses
     std::int64_t notNumbers = 0; // NaN, written as 0
 };
 
-/** A WAV or FLAC file that is written from front to back and gets its name at the end. */
+/** A sound file that is written from front to back and gets its name at the end. */
 class AudioOutput
 {
 public:
@@ -43,10 +44,13 @@ public:
                  std::optional<std::int64_t> frames);
 
     /** Appends whole frames, channels interleaved, linear full scale 1.0. Throws Failure if the disk does not take
-        them. */
-    void write (std::span<const float> interleaved);
+        them.
 
-    /** What has been written so far, as it reads back: rounded, and held within full scale unless it is floats. */
+        Gives them as they were written: rounded, and held within full scale unless the file holds floats. MP3 and Opus
+        files read back as something like it. Valid until the next call. */
+    std::span<const float> write (std::span<const float> interleaved);
+
+    /** What has been written so far. */
     const Levels& levels() const noexcept { return writtenLevels; }
 
     /** What that lost: nothing in a file of floats. */
@@ -61,16 +65,17 @@ private:
         void operator() (SNDFILE* opened) const noexcept { sf_close (opened); }
     };
 
-    void writeFloats (std::span<const float> interleaved);
+    void roundToWholeNumbers();
+    void holdWithinFullScale();
     void countLoss (float sample);
-    void writeWholeNumbers (std::span<const float> interleaved);
-    void checkCount (sf_count_t written, std::size_t wanted);
 
     std::filesystem::path filePath;
     PartialFile partial;
     Encoding encoding;
     std::unique_ptr<SNDFILE, Close> file; // below the partial file: closing still writes to it
+    std::vector<float> samples;           // of the last block, as they are written
     std::vector<int> wholeNumbers;
+    SoundHash hash;
     Levels writtenLevels;
     Losses samplesLost;
 };

@@ -7,11 +7,9 @@
 #include "base/PartialFile.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <map>
 #include <string>
-#include <string_view>
 #include <thread>
 #include <utility>
 
@@ -60,17 +58,14 @@ void refuseFileAsFolder (const CommandLine& call, std::string name)
     written. */
 std::optional<Container> containerByName (const fs::path& output)
 {
-    constexpr std::array<std::string_view, 8> others { "aif", "aifc", "aiff", "m4a", "mp3", "oga", "ogg", "opus" };
     const auto extension = extensionIn (output);
 
-    if (extension == "wav")
-        return Container::wav;
+    for (const auto container : { Container::wav, Container::flac, Container::mp3, Container::opus })
+        if (extension == extensionOf (container))
+            return container;
 
-    if (extension == "flac")
-        return Container::flac;
-
-    if (std::find (others.begin(), others.end(), extension) != others.end())
-        throw WrongCall (output.string() + ": results are WAV or FLAC files, not " + extension);
+    if (isNamedAsSound (output) && extension != "bwf")
+        throw WrongCall (output.string() + ": results are WAV, FLAC, MP3 or Opus files, not " + extension);
 
     return std::nullopt;
 }
@@ -98,6 +93,20 @@ Container chooseContainer (const CommandLine& call, bool intoFolder)
         throw WrongCall (call.output + ": the name contradicts --format " + extensionOf (*call.container));
 
     return call.container.value_or (byName.value_or (Encoding {}.container));
+}
+
+SampleType chooseSamples (const CommandLine& call, Container container)
+{
+    if (container == Container::flac && call.samples == SampleType::float32)
+        throw WrongCall ("--bits 32f: FLAC files hold no floats");
+
+    if (holdsSamples (container))
+        return call.samples.value_or (Encoding {}.samples);
+
+    if (call.samples.has_value())
+        throw WrongCall (std::string ("--bits: ") + nameOf (container) + " files have no width of samples");
+
+    return SampleType::float32;
 }
 
 /** A file that a job writes, with the job's index. */
@@ -332,9 +341,6 @@ BatchPlan planBatch (const CommandLine& call)
     refuseDashes (call);
     const auto container = chooseContainer (call, meansFolder (call, call.output));
 
-    if (container == Container::flac && call.samples == SampleType::float32)
-        throw WrongCall ("--bits 32f: FLAC files hold no floats");
-
     if (call.compare && call.mode.has_value())
         throw WrongCall ("--compare renders every mode, so --mode makes no sense with it");
 
@@ -345,7 +351,7 @@ BatchPlan planBatch (const CommandLine& call)
 
     BatchPlan plan;
     plan.settings = { .blockSize = call.blockSize,
-                      .encoding = { .container = container, .samples = call.samples },
+                      .encoding = { .container = container, .samples = chooseSamples (call, container) },
                       .measure = call.report || call.json,
                       .allowTruncated = call.allowTruncated,
                       .level = inputLevelOf (call),

@@ -31,6 +31,16 @@ Choice<KnobMode> namedModes()
     return choice;
 }
 
+Choice<Container> namedContainers()
+{
+    Choice<Container> choice;
+
+    for (const auto container : { Container::wav, Container::flac, Container::mp3, Container::opus })
+        choice.emplace_back (extensionOf (container), container);
+
+    return choice;
+}
+
 /** Lets an option take the names of a choice and nothing else. A CheckedTransformer alone would take the numbers behind
     the names as well. The parser transforms in the reverse order: the name is checked first. */
 template <typename Value>
@@ -173,15 +183,15 @@ void addFileOptions (CLI::App& parser, CommandLine& call)
         parser
             .add_option ("--format",
                          call.container,
-                         "Kind of the results, wav or flac; without it what the name of OUT says, or wav")
+                         "Kind of the results, wav, flac, mp3 or opus; without it what the name of OUT says, or wav")
             ->option_text ("KIND");
     format->group (group);
-    takeNames<Container> (format, { { "wav", Container::wav }, { "flac", Container::flac } });
+    takeNames (format, namedContainers());
     auto* const bits =
         parser
             .add_option ("--bits",
                          call.samples,
-                         "Width of the results' samples: 16, 24 (the default) or 32f, floats, in WAV only")
+                         "Width of the samples in WAV and FLAC: 16, 24 (the default) or 32f, floats, in WAV only")
             ->option_text ("WIDTH");
     bits->group (group);
     takeNames<SampleType> (

@@ -23,7 +23,7 @@ struct CommandLine
     int workers = 1; // 0 is one for each processor core
     std::optional<std::string> plugin;
     std::optional<Container> container;
-    SampleType samples = Encoding {}.samples;
+    std::optional<SampleType> samples;
     std::optional<double> loudness;  // LUFS
     std::optional<double> truePeak;  // dBTP
     std::optional<double> gain;      // dB

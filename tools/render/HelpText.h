@@ -21,15 +21,17 @@ unless a level, a loudness or another rate is asked for.
 inline constexpr const char* helpFoot =
     R"(Results:
   With one recording OUT is the result. With several, with a folder, or where OUT is a folder or ends with a slash, the
-  results are <name of IN>.wav or .flac in the folder OUT, which is made if it is missing. A folder as IN is taken with
-  all below it, and its tree is kept in OUT. Files that are sound by name or content but cannot be rendered are
-  reported, films and links to folders are named, other files are counted, all on standard error; hidden files and
-  the folder of the results are passed over.
+  results are <name of IN>.wav (or .flac, .mp3, .opus) in the folder OUT, which is made if it is missing. A folder as IN
+  is taken with all below it, and its tree is kept in OUT. Files that are sound by name or content but cannot be
+  rendered are reported, films and links to folders are named, other files are counted, all on standard error; hidden
+  files and the folder of the results are passed over.
 
   A result appears when it is complete; a file that has its name is replaced in one step. Results and inputs must all
   be different files; of recordings that would have one result none is rendered. Whole numbers are rounded to the
   nearest and limited to full scale, also at 16 bits: there is no dither. How many samples that clipped is said, and in
-  bypass how many were rounded. WAV files that would be larger than 4 GB are written as RF64.
+  bypass how many were rounded. WAV files that would be larger than 4 GB are written as RF64. MP3 has a variable bit
+  rate of high quality, Opus 64 kbit/s a channel; each has a few sample rates only. Reports are of the sound as it goes
+  into them.
 
   A recording that was cut off, as all kinds but FLAC tell, is rendered as far as it goes; that is said, and the exit
   status is 1 unless --allow-truncated is given. MP3 files tell it where their encoder noted the length, or where they

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "render/Renderer.h"
 
-#include "audio/Quantiser.h"
 #include "base/Failure.h"
 #include "base/PartialFile.h"
 #include "base/StopSignal.h"
@@ -24,18 +23,6 @@ using Clock = std::chrono::steady_clock;
 double secondsSince (Clock::time_point start)
 {
     return std::chrono::duration<double> (Clock::now() - start).count();
-}
-
-/** Samples as they read back from the result. */
-std::vector<float> asWritten (std::span<const float> block, SampleType samples)
-{
-    std::vector<float> written (block.begin(), block.end());
-
-    if (samples != SampleType::float32)
-        for (const Quantiser quantiser (bitsOf (samples)); auto& sample : written)
-            sample = static_cast<float> (quantiser.toSample (quantiser.toWholeNumber (sample)));
-
-    return written;
 }
 
 /** Draws the picture and gives it its name, or gives the line that says why that is impossible. */
@@ -207,10 +194,10 @@ RenderReport render (const PluginLibrary& library,
 
     const auto write = [&] (std::span<const float> block)
     {
-        output->write (block);
+        const auto written = output->write (block);
 
         if (measurement.has_value())
-            measurement->addResult (asWritten (block, settings.encoding.samples));
+            measurement->addResult (written);
     };
 
     const auto pass = [&] (std::span<const float> block)

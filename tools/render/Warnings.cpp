@@ -52,15 +52,16 @@ std::vector<std::string> warningsOf (const Rendering& rendering, const RenderSet
     if (report.truncation.has_value())
         say (rendering.job.input, truncationText (*report.truncation, report));
 
+    const std::string remedy = holdsSamples (settings.encoding.container) ? "; --bits 32f keeps them" : "";
+
     if (report.losses.clipped > 0)
-        say (rendering.job.output,
-             countOf (report.losses.clipped) + " beyond full scale clipped; --bits 32f keeps them");
+        say (rendering.job.output, countOf (report.losses.clipped) + " beyond full scale clipped" + remedy);
 
     if (report.losses.notNumbers > 0)
         say (rendering.job.output,
              countOf (report.losses.notNumbers)
-                 + (report.losses.notNumbers == 1 ? " that is no number" : " that are no numbers")
-                 + " became silence; --bits 32f keeps them");
+                 + (report.losses.notNumbers == 1 ? " that is no number" : " that are no numbers") + " became silence"
+                 + remedy);
 
     if (report.finish.has_value() && report.finish->missed())
         say (rendering.job.output, finishText (*report.finish));

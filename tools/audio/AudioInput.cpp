@@ -3,7 +3,11 @@
 
 #include "audio/FileBytes.h"
 #include "audio/FileKind.h"
+#include "audio/FlacBlocks.h"
+#include "audio/Id3.h"
 #include "audio/MpegHeader.h"
+#include "audio/TagNames.h"
+#include "audio/WavChunks.h"
 #include "base/Failure.h"
 
 #include <fcntl.h>
@@ -165,6 +169,36 @@ std::optional<Truncation> AudioInput::truncation() const
             seconds * static_cast<double> (*missing->bytesStated) / static_cast<double> (missing->bytesThere);
 
     return truncation;
+}
+
+Metadata AudioInput::metadata() const
+{
+    if (mpeg.has_value())
+        return readId3 (descriptor.get(), mpeg->tags());
+
+    switch (info.format & SF_FORMAT_TYPEMASK)
+    {
+    case SF_FORMAT_FLAC:
+        return readFlacMetadata (descriptor.get());
+    case SF_FORMAT_WAV:
+    case SF_FORMAT_WAVEX:
+    case SF_FORMAT_RF64:
+        if ((info.format & SF_FORMAT_ENDMASK) != SF_ENDIAN_BIG)
+            return readWavMetadata (descriptor.get());
+
+        break;
+    default:
+        break;
+    }
+
+    Metadata metadata;
+
+    for (const auto& tag : tagNames)
+        if (const auto* text = tag.libsndfile != 0 ? sf_get_string (file.get(), tag.libsndfile) : nullptr;
+            text != nullptr && *text != '\0')
+            metadata.tags.push_back ({ .name = std::string (tag.name), .text = asUtf8 (text) });
+
+    return metadata;
 }
 
 std::size_t AudioInput::read (std::span<float> interleaved)

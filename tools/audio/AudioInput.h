@@ -2,6 +2,7 @@
 #pragma once
 
 #include "audio/AudioShape.h"
+#include "audio/Metadata.h"
 #include "audio/MissingEnd.h"
 #include "audio/MpegDecoder.h"
 #include "base/FileDescriptor.h"
@@ -42,6 +43,9 @@ public:
 
     /** How many of the samples read so far 32-bit floats do not hold as they are in the file. */
     std::int64_t roundedSamples() const noexcept { return samplesRounded; }
+
+    /** What the file says of its recording beside the sound; empty for a kind of file of which that is not known. */
+    Metadata metadata() const;
 
     /** Reads as many frames as fit, channels interleaved, linear full scale 1.0, and returns how many those are: 0 is
         the end. Throws Failure if the file is damaged or holds less than it states. */

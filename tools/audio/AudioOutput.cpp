@@ -1,35 +1,43 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #include "audio/AudioOutput.h"
 
+#include "audio/FileBytes.h"
+#include "audio/FlacBlocks.h"
+#include "audio/Id3.h"
 #include "audio/Quantiser.h"
+#include "audio/TagNames.h"
+#include "audio/WavChunks.h"
 #include "base/Failure.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <set>
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace larkspire
 {
 
 namespace
 {
-PartialFile& partialFile (void* userData)
+SplicedFile& splicedFile (void* userData)
 {
-    return *static_cast<PartialFile*> (userData);
+    return *static_cast<SplicedFile*> (userData);
 }
 
-/** libsndfile does not report every write that failed; PartialFile does. */
-SF_VIRTUAL_IO throughPartialFile()
+/** libsndfile does not report every write that failed; the partial file does. */
+SF_VIRTUAL_IO throughSplicedFile()
 {
-    return { .get_filelen = [] (void* file) { return partialFile (file).size(); },
+    return { .get_filelen = [] (void* file) { return splicedFile (file).size(); },
              .seek = [] (sf_count_t offset, int whence, void* file)
-             { return partialFile (file).seek (offset, whence); },
-             .read = [] (void* bytes, sf_count_t count, void* file) { return partialFile (file).read (bytes, count); },
+             { return splicedFile (file).seek (offset, whence); },
+             .read = [] (void* bytes, sf_count_t count, void* file) { return splicedFile (file).read (bytes, count); },
              .write = [] (const void* bytes, sf_count_t count, void* file)
-             { return partialFile (file).write (bytes, count); },
-             .tell = [] (void* file) { return partialFile (file).seek (0, SEEK_CUR); } };
+             { return splicedFile (file).write (bytes, count); },
+             .tell = [] (void* file) { return splicedFile (file).seek (0, SEEK_CUR); } };
 }
 
 int sampleFormat (const Encoding& encoding)
@@ -53,7 +61,10 @@ int sampleFormat (const Encoding& encoding)
     return SF_FORMAT_FLOAT;
 }
 
-int containerFormat (const Encoding& encoding, const AudioShape& shape, std::optional<std::int64_t> frames)
+int containerFormat (const Encoding& encoding,
+                     const AudioShape& shape,
+                     std::optional<std::int64_t> frames,
+                     std::size_t sizeOfChunks)
 {
     switch (encoding.container)
     {
@@ -67,7 +78,8 @@ int containerFormat (const Encoding& encoding, const AudioShape& shape, std::opt
         break;
     }
 
-    return needsLargeWav (shape, encoding.samples, frames) ? SF_FORMAT_RF64 : SF_FORMAT_WAV;
+    const auto isLarge = needsLargeWav (shape, encoding.samples, frames, static_cast<std::int64_t> (sizeOfChunks));
+    return isLarge ? SF_FORMAT_RF64 : SF_FORMAT_WAV;
 }
 
 /** Refuses a sample rate that a kind of file does not know: Opus has five, MP3 three in each of its three versions. */
@@ -94,10 +106,13 @@ void checkTheRate (const std::filesystem::path& path, Container container, int r
 }
 } // namespace
 
-bool needsLargeWav (const AudioShape& shape, SampleType samples, std::optional<std::int64_t> frames)
+bool needsLargeWav (const AudioShape& shape,
+                    SampleType samples,
+                    std::optional<std::int64_t> frames,
+                    std::int64_t sizeOfMetadata)
 {
     constexpr std::int64_t roomForHeaders = 4096;
-    constexpr std::int64_t largestSize = 0xffffffff - roomForHeaders;
+    const std::int64_t largestSize = 0xffffffff - roomForHeaders - sizeOfMetadata;
     const std::int64_t bytesPerFrame = std::int64_t { shape.channels } * (bitsOf (samples) / 8);
     return ! frames.has_value() || *frames > largestSize / bytesPerFrame;
 }
@@ -105,19 +120,27 @@ bool needsLargeWav (const AudioShape& shape, SampleType samples, std::optional<s
 AudioOutput::AudioOutput (const std::filesystem::path& path,
                           const Encoding& wanted,
                           const AudioShape& shape,
-                          std::optional<std::int64_t> frames)
+                          std::optional<std::int64_t> frames,
+                          const Metadata& inputMetadata)
     : filePath (path),
       partial (path),
       encoding (wanted)
 {
     checkTheRate (path, encoding.container, shape.sampleRate);
+    auto metadata = inputMetadata;
+
+    for (auto& chunk : metadata.chunks)
+        if (chunk.name == "bext")
+            chunk.bytes = broadcastExtensionOfResult (std::move (chunk.bytes), encoding, shape);
+
+    const auto chunks = encoding.container == Container::wav ? chunksOf (metadata, lost) : std::string();
     SF_INFO info {};
     info.samplerate = shape.sampleRate;
     info.channels = shape.channels;
-    info.format = containerFormat (encoding, shape, frames) | sampleFormat (encoding);
+    info.format = containerFormat (encoding, shape, frames, chunks.size()) | sampleFormat (encoding);
 
-    auto access = throughPartialFile();
-    file.reset (sf_open_virtual (&access, SFM_WRITE, &info, &partial));
+    auto access = throughSplicedFile();
+    file.reset (sf_open_virtual (&access, SFM_WRITE, &info, &spliced));
     partial.throwOnError();
 
     if (file == nullptr)
@@ -135,10 +158,84 @@ AudioOutput::AudioOutput (const std::filesystem::path& path,
         sf_command (file.get(), SFC_SET_COMPRESSION_LEVEL, &level, sizeof level);
 
     // FLAC gets its header with the first sample, so without this a file without samples would have none.
-    if (encoding.container == Container::flac)
+    if (encoding.container == Container::flac || ! chunks.empty())
         sf_command (file.get(), SFC_UPDATE_HEADER_NOW, nullptr, 0);
 
+    switch (encoding.container)
+    {
+    case Container::wav:
+        putChunks (chunks);
+        break;
+    case Container::flac:
+        putBlocks (metadata, shape, frames);
+        break;
+    case Container::mp3:
+        spliced.splice (0, 0, id3Of (metadata, lost));
+        break;
+    case Container::opus:
+        setTags (metadata);
+        break;
+    }
+
     partial.throwOnError();
+}
+
+void AudioOutput::putChunks (const std::string& chunks)
+{
+    constexpr std::int64_t headerOfSound = 8; // the last that is there by now
+
+    if (! chunks.empty())
+        spliced.splice (partial.size() - headerOfSound, partial.size() - headerOfSound, chunks);
+}
+
+void AudioOutput::putBlocks (const Metadata& metadata, const AudioShape& shape, std::optional<std::int64_t> frames)
+{
+    constexpr std::int64_t start = 42; // the name and the block that describes the sound
+
+    if (metadata.isEmpty())
+        return;
+
+    std::string encodersComments (static_cast<std::size_t> (partial.size() - start), '\0');
+    partial.seek (start, SEEK_SET);
+    partial.read (encodersComments.data(), std::ssize (encodersComments));
+    spliced.splice (start, partial.size(), flacBlocksOf (metadata, encodersComments, encoding, shape, frames));
+}
+
+void AudioOutput::setTags (const Metadata& metadata)
+{
+    std::set<std::string> given;
+
+    for (const auto& [name, text] : metadata.tags)
+        if (const auto known = std::ranges::find (tagNames, name, &TagName::name);
+            known == tagNames.end() || known->libsndfile == 0 || ! given.insert (name).second
+            || sf_set_string (file.get(), known->libsndfile, text.c_str()) != 0)
+            lost.push_back ("the tag " + name);
+
+    for (const auto& chunk : metadata.chunks)
+        if (! isInfo (chunk))
+            lost.push_back (nameOf (chunk));
+
+    for (const auto& block : metadata.blocks)
+        lost.push_back (nameOf (block));
+}
+
+void AudioOutput::stateWholeSize()
+{
+    // Of what was put into it the library knows nothing.
+    std::array<char, 28> header {};
+    partial.seek (0, SEEK_SET);
+    partial.read (header.data(), std::ssize (header));
+    const std::string_view bytes (header.data(), header.size());
+    const auto isLarge = bytes.starts_with ("RF64");
+    const auto size = numberIn (bytes, isLarge ? 20 : 4, isLarge ? 8 : 4, false);
+    const auto whole = littleEndian (size + static_cast<std::uint64_t> (spliced.growth()), isLarge ? 8 : 4);
+
+    if (numberIn (whole, 0, whole.size(), false) < size)
+        throw Failure (filePath,
+                       "cannot be written: it is too large for a WAV file by a little; --format flac takes it");
+
+    partial.seek (isLarge ? 20 : 4, SEEK_SET);
+    partial.write (whole.data(), std::ssize (whole));
 }
 
 std::span<const float> AudioOutput::write (std::span<const float> interleaved)
@@ -177,6 +274,9 @@ void AudioOutput::commit()
 
     if (closed != SF_ERR_NO_ERROR)
         throw Failure (filePath, std::string ("cannot be written: ") + sf_error_number (closed));
+
+    if (encoding.container == Container::wav && spliced.growth() > 0)
+        stateWholeSize();
 
     if (encoding.container == Container::opus)
         giveSerialNumber (partial, hash.value());

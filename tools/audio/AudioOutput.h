@@ -4,7 +4,9 @@
 #include "audio/AudioShape.h"
 #include "audio/Encoding.h"
 #include "audio/Levels.h"
+#include "audio/Metadata.h"
 #include "audio/OggSerialNumber.h"
+#include "audio/SplicedFile.h"
 #include "base/PartialFile.h"
 
 #include <sndfile.h>
@@ -14,6 +16,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace larkspire
@@ -21,7 +24,10 @@ namespace larkspire
 
 /** Whether that much sound is too long for the 32-bit sizes of an ordinary WAV file. Then, or if the length is not
     known, RF64 is written, which is the same with 64-bit sizes. */
-bool needsLargeWav (const AudioShape& shape, SampleType samples, std::optional<std::int64_t> frames);
+bool needsLargeWav (const AudioShape& shape,
+                    SampleType samples,
+                    std::optional<std::int64_t> frames,
+                    std::int64_t sizeOfMetadata = 0);
 
 /** How many samples a file does not hold as they came. */
 struct Losses
@@ -35,13 +41,18 @@ struct Losses
 class AudioOutput
 {
 public:
-    /** @param frames  the length to come, if it is known.
+    /** @param frames    the length to come, if it is known
+        @param metadata  what the file is to say of it beside the sound
 
         Throws Failure if the file cannot be created or the kind of file has no such sample rate. */
     AudioOutput (const std::filesystem::path& path,
                  const Encoding& wanted,
                  const AudioShape& shape,
-                 std::optional<std::int64_t> frames);
+                 std::optional<std::int64_t> frames,
+                 const Metadata& metadata = {});
+
+    /** What of the metadata this kind of file has no place for, by name. */
+    const std::vector<std::string>& leftBehind() const noexcept { return lost; }
 
     /** Appends whole frames, channels interleaved, linear full scale 1.0. Throws Failure if the disk does not take
         them.
@@ -65,13 +76,19 @@ private:
         void operator() (SNDFILE* opened) const noexcept { sf_close (opened); }
     };
 
+    void setTags (const Metadata& metadata);
+    void putChunks (const std::string& chunks);
+    void putBlocks (const Metadata& metadata, const AudioShape& shape, std::optional<std::int64_t> frames);
+    void stateWholeSize();
     void roundToWholeNumbers();
     void holdWithinFullScale();
     void countLoss (float sample);
 
     std::filesystem::path filePath;
     PartialFile partial;
+    SplicedFile spliced { partial };
     Encoding encoding;
+    std::vector<std::string> lost;
     std::unique_ptr<SNDFILE, Close> file; // below the partial file: closing still writes to it
     std::vector<float> samples;           // of the last block, as they are written
     std::vector<int> wholeNumbers;

@@ -29,7 +29,8 @@ MpegDecoder::MpegDecoder (const std::filesystem::path& path, int descriptor)
 {
     const auto info = findMpegInfo (file);
     const auto tellsAll = info.has_value() && ! goesOnBehind (*info, file);
-    const long flags = MPG123_QUIET | MPG123_FORCE_FLOAT | (tellsAll ? MPG123_GAPLESS : MPG123_IGNORE_INFOFRAME);
+    const long flags =
+        MPG123_QUIET | MPG123_FORCE_FLOAT | MPG123_PICTURE | (tellsAll ? MPG123_GAPLESS : MPG123_IGNORE_INFOFRAME);
 
     if (handle == nullptr || mpg123_param (handle.get(), MPG123_ADD_FLAGS, flags, 0.0) != MPG123_OK
         || mpg123_param (handle.get(), MPG123_REMOVE_FLAGS, MPG123_AUTO_RESAMPLE, 0.0) != MPG123_OK

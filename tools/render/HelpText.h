@@ -33,6 +33,10 @@ inline constexpr const char* helpFoot =
   rate of high quality, Opus 64 kbit/s a channel; each has a few sample rates only. Reports are of the sound as it goes
   into them.
 
+  Tags, cue points, labels, broadcast extension (its time code kept, its history longer by a line), iXML and all other
+  chunks go from WAV to WAV and, as the program flac keeps them, to FLAC and back; comments and pictures from FLAC to
+  FLAC and MP3; what is left behind is said. Measurements such as ReplayGain are dropped, as they would be false.
+
   A recording that was cut off, as all kinds but FLAC tell, is rendered as far as it goes; that is said, and the exit
   status is 1 unless --allow-truncated is given. MP3 files tell it where their encoder noted the length, or where they
   end inside a frame. What cannot be read is named with the command that converts it.

@@ -164,7 +164,10 @@ RenderReport render (const PluginLibrary& library,
 
     const bool probes = settings.measure || job.picture.has_value();
     VoicePath path (library, way, probes ? &measurement->chain : nullptr);
-    auto output = std::make_unique<AudioOutput> (job.output, settings.encoding, shape, length);
+    const auto metadata = source.file().metadata();
+    const auto newOutput = [&]
+    { return std::make_unique<AudioOutput> (job.output, settings.encoding, shape, length, metadata); };
+    auto output = newOutput();
     std::optional<finish::Finisher> finisher;
     std::optional<PartialFile> picture;
 
@@ -235,7 +238,7 @@ RenderReport render (const PluginLibrary& library,
             if (! isFirst)
             {
                 output.reset();
-                output = std::make_unique<AudioOutput> (job.output, settings.encoding, shape, length);
+                output = newOutput();
                 measurement->beginResultAnew();
             }
 
@@ -256,6 +259,8 @@ RenderReport render (const PluginLibrary& library,
              .roundedOnReading = source.file().roundedSamples(),
              .truncation = source.file().truncation(),
              .pictureFault = pictureFault,
+             .leftBehind = output->leftBehind(),
+             .unreadable = metadata.unreadable,
              .shape = shape,
              .seconds = seconds,
              .timesRealTime = seconds / passes.secondsOfWork(),

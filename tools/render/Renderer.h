@@ -13,6 +13,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace larkspire::render
 {
@@ -52,6 +53,8 @@ struct RenderReport
     std::int64_t roundedOnReading = 0;          // samples of which 32-bit floats do not hold every digit
     std::optional<Truncation> truncation {};    // there if the input was cut off
     std::optional<std::string> pictureFault {}; // one line that says why there is no picture, if one was wanted
+    std::vector<std::string> leftBehind {};     // of the input's metadata, what the result has no place for
+    std::vector<std::string> unreadable {};     // and what is damaged or too large
     AudioShape shape {};
     double seconds = 0.0;       // of sound
     double timesRealTime = 0.0; // how many seconds of sound a second of work gave; 0 if there was no sound

@@ -4,6 +4,8 @@
 #include "base/Failure.h"
 #include "base/Texts.h"
 
+#include <algorithm>
+
 namespace larkspire::render
 {
 
@@ -35,6 +37,18 @@ std::string truncationText (const Truncation& truncation, const RenderReport& re
     return truncation.secondsStated.has_value()
                ? "is cut off: only " + there + " of " + secondsText (*truncation.secondsStated) + " s are there"
                : "is cut off: its end is missing after " + there;
+}
+
+/** Names, each once, in one line. */
+std::string listOf (const std::vector<std::string>& names)
+{
+    std::string list;
+
+    for (auto name = names.begin(); name != names.end(); ++name)
+        if (std::find (names.begin(), name, *name) == name)
+            list += (list.empty() ? "" : ", ") + *name;
+
+    return list;
 }
 } // namespace
 
@@ -79,6 +93,14 @@ std::vector<std::string> warningsOf (const Rendering& rendering, const RenderSet
                  countOf (report.losses.rounded) + " rounded to " + std::to_string (bitsOf (settings.encoding.samples))
                      + " bits; --bits 32f keeps them");
     }
+
+    if (! report.leftBehind.empty())
+        say (rendering.job.input,
+             std::string ("left behind, as ") + nameOf (settings.encoding.container)
+                 + " files have no place for it: " + listOf (report.leftBehind));
+
+    if (! report.unreadable.empty())
+        say (rendering.job.input, "left behind, as it is damaged or larger than 16 MB: " + listOf (report.unreadable));
 
     if (report.pictureFault.has_value())
         warnings.push_back (*report.pictureFault);

@@ -129,21 +129,6 @@ TEST_F (CommandLine, SaysWhichPartOfACallIsMissing)
     }
 }
 
-TEST_F (CommandLine, RefusesADashAsAName)
-{
-    writeNoise ("voice.wav");
-    const auto recording = writeNoise ("-");
-
-    for (const auto& arguments : { std::vector<std::string> { "voice.wav", "-o", "-" },
-                                   { "-", "-o", "result.wav" },
-                                   { "voice.wav", "-", "-o", "results" },
-                                   { "voice.wav", "--plot", "-", "-o", "result.wav" } })
-        EXPECT_THAT (expectFailure (2, arguments), StartsWith ("-: sound is not taken from standard input"));
-
-    expectSuccess ({ "--mode", "bypass", "./-", "-o", "result.wav" });
-    EXPECT_EQ (read (folder / "result.wav"), recording);
-}
-
 TEST_F (CommandLine, TakesOptionsInAnyOrder)
 {
     writeNoise ("one.wav");

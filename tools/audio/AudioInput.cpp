@@ -9,6 +9,7 @@
 #include "audio/TagNames.h"
 #include "audio/WavChunks.h"
 #include "base/Failure.h"
+#include "base/StandardStreams.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -96,16 +97,16 @@ bool isOgg (const SF_INFO& info)
 } // namespace
 
 AudioInput::AudioInput (const std::filesystem::path& path)
-    : filePath (path),
+    : filePath (nameOfInput (path)),
       // Without O_NONBLOCK a named pipe would hold the program up before it can be refused.
-      descriptor (open (path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK))
+      descriptor (open (pathOfInput (path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK))
 {
     if (! descriptor.isOpen())
-        throw Failure (path, "cannot be read: " + systemError (errno));
+        throw Failure (filePath, "cannot be read: " + systemError (errno));
 
-    checkThatItCanBeAudio (path, descriptor.get());
+    checkThatItCanBeAudio (filePath, descriptor.get());
 
-    if (checkedKind (path, descriptor.get()).isMpegAudio)
+    if (checkedKind (filePath, descriptor.get()).isMpegAudio)
         openMpeg();
     else
         openOther();
@@ -117,9 +118,9 @@ AudioInput::AudioInput (const std::filesystem::path& path)
     missing = findMissingEnd (descriptor.get());
 
     if (missing.has_value() && length() == 0)
-        throw Failure (path,
+        throw Failure (filePath,
                        missing->bytesStated == 0
-                           ? "is damaged: its header was never completed; repair it first: " + conversionOf (path)
+                           ? "is damaged: its header was never completed; repair it first: " + conversionOf (filePath)
                            : "is damaged: it ends before its first sample");
 }
 

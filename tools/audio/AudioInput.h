@@ -64,7 +64,7 @@ private:
     bool holdsMoreThanFloats() const noexcept;
     sf_count_t readRounded (std::span<float> interleaved, sf_count_t frames);
 
-    std::filesystem::path filePath;
+    std::filesystem::path filePath; // or what standard input is called
     FileDescriptor descriptor;
     SF_INFO info {};
     std::unique_ptr<SNDFILE, Close> file;

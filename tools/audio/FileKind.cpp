@@ -2,6 +2,7 @@
 #include "audio/FileKind.h"
 
 #include "audio/MpegHeader.h"
+#include "base/StandardStreams.h"
 #include "base/Texts.h"
 
 #include <algorithm>
@@ -98,6 +99,9 @@ bool isNamedAsSound (const std::filesystem::path& path)
 
 std::string conversionOf (const std::filesystem::path& path)
 {
+    if (path == nameOfInput ("-"))
+        return "ffmpeg -i - -f wav - ahead of it in the pipe";
+
     auto result = path;
     result.replace_extension (".wav");
 

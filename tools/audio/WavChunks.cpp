@@ -105,6 +105,9 @@ bool isId3 (const Chunk& chunk)
 
 std::string nameOf (const Chunk& chunk)
 {
+    if (isInfo (chunk) || isId3 (chunk))
+        return "tags";
+
     constexpr std::array<std::pair<std::string_view, std::string_view>, 7> names {
         { { "bext", "the broadcast extension with its time code" },
           { "cue ", "cue points" },
@@ -161,7 +164,10 @@ Metadata readWavMetadata (int descriptor)
                 break;
 
             if (size > there || size > largestMetadata || readSoFar + size > 2 * largestMetadata)
+            {
+                chunk.bytes = file.at (place + chunkHeader, 4); // for the name
                 metadata.unreadable.push_back (nameOf (chunk));
+            }
             else
             {
                 chunk.bytes = file.at (place + chunkHeader, size);

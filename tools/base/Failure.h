@@ -38,7 +38,10 @@ public:
 class Interrupted : public Failure
 {
 public:
-    explicit Interrupted (const std::filesystem::path& path) : Failure (path, "interrupted, nothing was written") {}
+    explicit Interrupted (const std::filesystem::path& path, const std::string& extent = "nothing was written")
+        : Failure (path, "interrupted, " + extent)
+    {
+    }
 };
 
 /** The system's words for an errno value. */

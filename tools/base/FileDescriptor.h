@@ -17,6 +17,7 @@ public:
 
     ~FileDescriptor() { reset (-1); }
 
+    FileDescriptor (FileDescriptor&& other) noexcept : descriptor (std::exchange (other.descriptor, -1)) {}
     FileDescriptor (const FileDescriptor&) = delete;
     FileDescriptor& operator= (const FileDescriptor&) = delete;
 

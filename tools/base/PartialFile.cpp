@@ -2,6 +2,7 @@
 #include "base/PartialFile.h"
 
 #include "base/Failure.h"
+#include "base/StandardStreams.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -58,10 +59,13 @@ std::filesystem::path behindLinks (const std::filesystem::path& path)
 }
 
 PartialFile::PartialFile (const std::filesystem::path& name)
-    : shownName (name),
-      finalPath (behindLinks (name)),
-      descriptor (-1)
+    : shownName (nameOfResult (name)),
+      finalPath (isStandardStream (name) ? std::filesystem::path() : behindLinks (name)),
+      descriptor (isStandardStream (name) ? newSpoolFile (shownName) : FileDescriptor (-1))
 {
+    if (descriptor.isOpen())
+        return;
+
     if (const auto* obstacle = obstacleAt (name))
         throw Failure (shownName, std::string ("cannot be written: ") + obstacle);
 
@@ -83,7 +87,7 @@ PartialFile::PartialFile (const std::filesystem::path& name)
 
 PartialFile::~PartialFile()
 {
-    if (! committed)
+    if (! committed && ! partialPath.empty())
         unlink (partialPath.c_str());
 }
 
@@ -133,6 +137,9 @@ void PartialFile::throwOnError() const
 void PartialFile::commit()
 {
     throwOnError();
+
+    if (finalPath.empty())
+        return copyToStandardOutput (descriptor.get());
 
     // Some file systems notice a full disk only when the data has to go there; some cannot be asked.
     if (fsync (descriptor.get()) != 0 && errno != EINVAL && errno != ENOTSUP)

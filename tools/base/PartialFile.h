@@ -16,7 +16,8 @@ std::filesystem::path behindLinks (const std::filesystem::path& path);
 
     Until then it is a hidden file beside that name, ".<name>.partial-<process>", and is removed if commit is never
     reached. A file that had the name before is replaced in one step, so half a result is never seen. Where the name is
-    a symbolic link, the file behind it is made or replaced and the link stays.
+    a symbolic link, the file behind it is made or replaced and the link stays. Where the name is that of standard
+    output, all goes there at the end, and nothing before.
 
     The operations on the content report like the system's own: a count, a position or -1. The first error is kept.
 */
@@ -47,7 +48,7 @@ private:
     std::int64_t checked (std::int64_t result) noexcept;
 
     std::filesystem::path shownName; // as the caller wrote it, for messages
-    std::filesystem::path finalPath;
+    std::filesystem::path finalPath; // this and the next are empty for standard output
     std::filesystem::path partialPath;
     FileDescriptor descriptor;
     int firstError = 0;

@@ -3,6 +3,7 @@
 
 #include "base/Failure.h"
 #include "base/PartialFile.h"
+#include "base/StandardStreams.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -30,8 +31,9 @@ int openNameless (const std::filesystem::path& folder)
 } // namespace
 
 Spool::Spool (const std::filesystem::path& result)
-    : shownName (result),
-      descriptor (openNameless (behindLinks (result).parent_path()))
+    : shownName (nameOfResult (result)),
+      descriptor (isStandardStream (result) ? newSpoolFile (shownName)
+                                            : FileDescriptor (openNameless (behindLinks (result).parent_path())))
 {
     if (! descriptor.isOpen())
         throw Failure (shownName, "cannot be written: " + systemError (errno));

@@ -13,7 +13,8 @@ namespace larkspire
 /** Numbers that wait on the disk: appended once, then read from front to back as often as wanted.
 
     The file has no name, so nothing of it stays however the program ends. It lies in the folder of the result that it
-    becomes a part of, where there has to be room anyway; the folder for temporary files is often memory.
+    becomes a part of, where there has to be room anyway; the folder for temporary files is often memory. That of
+   standard output lies where StandardStreams.h keeps things.
 */
 class Spool
 {

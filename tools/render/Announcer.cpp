@@ -2,6 +2,7 @@
 #include "render/Announcer.h"
 
 #include "base/Failure.h"
+#include "base/StandardStreams.h"
 #include "render/ReportDocument.h"
 #include "render/ReportTable.h"
 #include "render/Warnings.h"
@@ -67,7 +68,7 @@ void Announcer::showLatest()
     const auto& job = plan.jobs[turn()];
 
     if (! bar.has_value())
-        bar.emplace (job.input.filename().string()
+        bar.emplace ((isStandardStream (job.input) ? nameOfInput (job.input) : job.input.filename().string())
                      + (plan.modesPerInput > 1 ? std::string (" ") + nameOf (job.mode) : ""));
 
     bar->show (latest.at (turn()));

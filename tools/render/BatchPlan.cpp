@@ -5,6 +5,9 @@
 #include "base/Failure.h"
 #include "base/FileIdentity.h"
 #include "base/PartialFile.h"
+#include "base/StandardStreams.h"
+
+#include <unistd.h>
 
 #include <algorithm>
 #include <charconv>
@@ -35,7 +38,7 @@ bool hasSeveralInputs (const CommandLine& call)
 /** Whether a name that was given for results or pictures is that of a folder. */
 bool meansFolder (const CommandLine& call, const std::string& name)
 {
-    return hasSeveralInputs (call) || name.ends_with ('/') || isFolder (name);
+    return hasSeveralInputs (call) || name.ends_with ('/') || (! isStandardStream (name) && isFolder (name));
 }
 
 /** Refuses a name for the folder that something else has, or that is meant for a single result. */
@@ -70,19 +73,32 @@ std::optional<Container> containerByName (const fs::path& output)
     return std::nullopt;
 }
 
-/** Refuses the sign for standard input or output, which is no name of a file here. */
-void refuseDash (const std::string& name)
+/** Refuses standard input and output where they make no sense. */
+void checkDashes (const CommandLine& call)
 {
-    if (name == "-")
-        throw WrongCall ("-: sound is not taken from standard input nor written to standard output; name a file, "
-                         "./- for one of this name");
-}
+    const auto refuse = [] (const char* reason) { throw WrongCall (std::string ("-: ") + reason); };
+    const auto fromStandardInput = std::ranges::find (call.inputs, "-") != call.inputs.end();
 
-void refuseDashes (const CommandLine& call)
-{
-    std::for_each (call.inputs.begin(), call.inputs.end(), refuseDash);
-    refuseDash (call.output);
-    refuseDash (call.picture.value_or (""));
+    if (call.picture == "-")
+        refuse ("a picture is not written to standard output; name a file, ./- for one of this name");
+
+    if (fromStandardInput && (meansFolder (call, call.output) || (call.picture && meansFolder (call, *call.picture))))
+        refuse ("standard input has no name that a file in a folder could get; give it alone, and name the result");
+
+    if (fromStandardInput && isatty (STDIN_FILENO) == 1)
+        refuse ("standard input is a terminal; send sound to it, or name a file, ./- for one of this name");
+
+    if (! isStandardStream (call.output))
+        return;
+
+    if (hasSeveralInputs (call) || call.compare)
+        refuse ("standard output takes one result; name a folder");
+
+    if (call.report || call.json || call.stats)
+        refuse ("standard output is taken by the sound; --report, --json and --stats need a file as OUT");
+
+    if (isatty (STDOUT_FILENO) == 1)
+        refuse ("standard output is a terminal; send it into a file or a program, or name a file");
 }
 
 Container chooseContainer (const CommandLine& call, bool intoFolder)
@@ -174,17 +190,20 @@ void refuseReplacedInputs (const std::vector<Job>& jobs)
 {
     std::map<FileIdentity, fs::path> inputs;
 
+    const auto behind = [] (const fs::path& name, const char* stream)
+    { return identityOf (isStandardStream (name) ? fs::path (stream) : name); };
+
     for (const auto& job : jobs)
-        if (const auto identity = identityOf (job.input))
+        if (const auto identity = behind (job.input, "/dev/stdin"))
             inputs.emplace (*identity, job.input);
 
     for (const auto& [target, job] : targetsOf (jobs))
     {
-        const auto identity = identityOf (target);
+        const auto identity = behind (target, "/dev/stdout");
         const auto input = identity ? inputs.find (*identity) : inputs.end();
 
         if (input != inputs.end())
-            throw WrongCall (target.string() + ": is the same file as the input " + input->second.string());
+            throw WrongCall (nameOfResult (target) + ": is the same file as the input " + nameOfInput (input->second));
     }
 }
 
@@ -338,7 +357,7 @@ unsigned workersFor (const CommandLine& call)
 
 BatchPlan planBatch (const CommandLine& call)
 {
-    refuseDashes (call);
+    checkDashes (call);
     const auto container = chooseContainer (call, meansFolder (call, call.output));
 
     if (call.compare && call.mode.has_value())

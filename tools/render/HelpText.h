@@ -26,6 +26,9 @@ inline constexpr const char* helpFoot =
   rendered are reported, films and links to folders are named, other files are counted, all on standard error; hidden
   files and the folder of the results are passed over.
 
+  As IN, - is standard input, and as OUT standard output, a WAV file unless --format says otherwise. A result is written
+  to it when it is complete. Both are kept in the folder TMPDIR or in /var/tmp meanwhile.
+
   A result appears when it is complete; a file that has its name is replaced in one step. Results and inputs must all
   be different files; of recordings that would have one result none is rendered. Whole numbers are rounded to the
   nearest and limited to full scale, also at 16 bits: there is no dither. How many samples that clipped is said, and in
@@ -121,6 +124,8 @@ Examples:
          a folder of recordings with all below it, every result a FLAC file in another folder
   larkspire-render --compare --report --plot voice.png voice.wav -o clear.wav
          clear-bypass.wav to clear-Powerful.wav, a table of their figures and a picture of each
+  ffmpeg -i film.mkv -f wav - | larkspire-render - -o - | ffmpeg -i - voice.m4a
+         between other programs
   larkspire-render --json --jobs 0 takes -o finished
          on all cores, with the figures for another program
 )";

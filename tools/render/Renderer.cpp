@@ -3,6 +3,7 @@
 
 #include "base/Failure.h"
 #include "base/PartialFile.h"
+#include "base/StandardStreams.h"
 #include "base/StopSignal.h"
 #include "plot/Painter.h"
 #include "render/VoicePath.h"
@@ -30,7 +31,9 @@ std::optional<std::string> paint (const meter::Listening& measurement, const Job
 {
     try
     {
-        const plot::Title title { .name = printable (job.input.filename().string()), .mode = nameOf (job.mode) };
+        const plot::Title title { .name = printable (isStandardStream (job.input) ? nameOfInput (job.input)
+                                                                                  : job.input.filename().string()),
+                                  .mode = nameOf (job.mode) };
         const auto png = plot::paintPng (measurement, title);
         file.write (png.data(), std::ssize (png));
         file.commit();
@@ -118,7 +121,7 @@ public:
     void add (std::size_t samples)
     {
         if (stopRequested())
-            throw Interrupted (job.input);
+            throw Interrupted (nameOfInput (job.input));
 
         framesDone += samples / channels;
         soFar.secondsDone = double (framesDone) / framesASecond;

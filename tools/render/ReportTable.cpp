@@ -2,6 +2,7 @@
 #include "render/ReportTable.h"
 
 #include "base/Failure.h"
+#include "base/StandardStreams.h"
 #include "base/Texts.h"
 #include "render/Figures.h"
 
@@ -48,7 +49,7 @@ std::string cellOf (const Figure& figure)
 std::string headline (const Rendering& rendering)
 {
     const auto& report = *rendering.report;
-    return printable (rendering.job.input.string()) + "  " + secondsText (report.seconds) + " s, "
+    return printable (nameOfInput (rendering.job.input)) + "  " + secondsText (report.seconds) + " s, "
            + std::to_string (report.shape.sampleRate) + " Hz, " + (report.shape.channels == 1 ? "mono" : "stereo")
            + "\n";
 }

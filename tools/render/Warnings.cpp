@@ -2,6 +2,7 @@
 #include "render/Warnings.h"
 
 #include "base/Failure.h"
+#include "base/StandardStreams.h"
 #include "base/Texts.h"
 
 #include <algorithm>
@@ -60,47 +61,48 @@ std::vector<std::string> warningsOf (const Rendering& rendering, const RenderSet
         return warnings;
 
     const auto& report = *rendering.report;
-    const auto say = [&warnings] (const std::filesystem::path& file, const std::string& text)
-    { warnings.push_back (printable (file.string() + ": " + text)); };
+    const auto input = nameOfInput (rendering.job.input);
+    const auto output = nameOfResult (rendering.job.output);
+    const auto say = [&warnings] (const std::string& file, const std::string& text)
+    { warnings.push_back (printable (file + ": " + text)); };
 
     if (report.truncation.has_value())
-        say (rendering.job.input, truncationText (*report.truncation, report));
+        say (input, truncationText (*report.truncation, report));
 
     const std::string remedy = holdsSamples (settings.encoding.container) ? "; --bits 32f keeps them" : "";
 
     if (report.losses.clipped > 0)
-        say (rendering.job.output, countOf (report.losses.clipped) + " beyond full scale clipped" + remedy);
+        say (output, countOf (report.losses.clipped) + " beyond full scale clipped" + remedy);
 
     if (report.losses.notNumbers > 0)
-        say (rendering.job.output,
+        say (output,
              countOf (report.losses.notNumbers)
                  + (report.losses.notNumbers == 1 ? " that is no number" : " that are no numbers") + " became silence"
                  + remedy);
 
     if (report.finish.has_value() && report.finish->missed())
-        say (rendering.job.output, finishText (*report.finish));
+        say (output, finishText (*report.finish));
 
     // In a voice mode every sample is new, and rounded to the width that was asked for. In bypass none should change,
     // unless something else was asked for that changes them.
     if (rendering.job.mode == KnobMode::bypass && settings.isPlain())
     {
         if (report.roundedOnReading > 0)
-            say (rendering.job.input,
-                 countOf (report.roundedOnReading) + " rounded to 32-bit floats, which the plug-in works in");
+            say (input, countOf (report.roundedOnReading) + " rounded to 32-bit floats, which the plug-in works in");
 
         if (report.losses.rounded > 0)
-            say (rendering.job.output,
+            say (output,
                  countOf (report.losses.rounded) + " rounded to " + std::to_string (bitsOf (settings.encoding.samples))
                      + " bits; --bits 32f keeps them");
     }
 
     if (! report.leftBehind.empty())
-        say (rendering.job.input,
+        say (input,
              std::string ("left behind, as ") + nameOf (settings.encoding.container)
                  + " files have no place for it: " + listOf (report.leftBehind));
 
     if (! report.unreadable.empty())
-        say (rendering.job.input, "left behind, as it is damaged or larger than 16 MB: " + listOf (report.unreadable));
+        say (input, "left behind, as it is damaged or larger than 16 MB: " + listOf (report.unreadable));
 
     if (report.pictureFault.has_value())
         warnings.push_back (*report.pictureFault);

@@ -54,6 +54,8 @@ TEST_F (CommandLine, HelpNamesEveryOptionAndWhatMaySurprise)
                                       "--allow-truncated",
                                       "--stats",
                                       "-j, --jobs N",
+                                      "-q, --quiet",
+                                      "--skip-existing",
                                       "--block N",
                                       "--plugin PATH",
                                       "--version" })
@@ -62,8 +64,7 @@ TEST_F (CommandLine, HelpNamesEveryOptionAndWhatMaySurprise)
     // Broken anywhere, texts are found all the same.
     auto flowing = std::regex_replace (help, std::regex ("\\s+"), " ");
 
-    for (const std::string text :
-         { "there is no dither", "replaced in one step", "links to folders", "(AES17)", "128+n" })
+    for (const std::string text : { "TPDF dither", "replaced in one step", "links to folders", "(AES17)", "128+n" })
         EXPECT_THAT (flowing, HasSubstr (text));
 
     for (const auto& line : linesOf (help))

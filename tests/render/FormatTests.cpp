@@ -155,6 +155,46 @@ TEST_F (Formats, TakesWhatStandsBehindATagOfMp3Files)
     EXPECT_EQ (read (folder / "result.wav"), recording);
 }
 
+TEST_F (Formats, DithersVoiceAt16BitsAndNothingElse)
+{
+    // A sound below half a step, as the tail of a word: rounded it would be gone.
+    std::vector<float> tail (48000);
+
+    for (std::size_t i = 0; i < tail.size(); ++i)
+        tail[i] = std::sin (static_cast<float> (i) * 0.05f) * 0.4f / 32768.0f;
+
+    writeFloats (folder / "voice.wav", wavFloat, 1, tail);
+    const auto rendered = [this] (const std::vector<std::string>& options)
+    {
+        auto arguments = options;
+        arguments.insert (arguments.end(), { "--plugin", paths::standIn(), "voice.wav", "-o", "result.wav" });
+        runHere (arguments);
+        return readFloats (folder / "result.wav");
+    };
+
+    // The stand-in halves and inverts what it gets. Behind noise of half a step the tone is there in its own size.
+    const auto dithered = rendered ({ "--bits", "16" });
+    double product = 0.0;
+    double energy = 0.0;
+
+    for (std::size_t i = 0; i < tail.size(); ++i)
+    {
+        product += double { dithered[i] } * double { tail[i] };
+        energy += double { tail[i] } * double { tail[i] };
+    }
+
+    EXPECT_NEAR (product / energy, -0.5, 0.05);
+    EXPECT_EQ (rendered ({ "--bits", "16", "--block", "100" }), dithered);
+    EXPECT_EQ (rendered ({ "--bits", "16", "--mode", "bypass" }), std::vector<float> (tail.size()));
+
+    // Where a level is asked for samples change in bypass too.
+    EXPECT_NE (rendered ({ "--bits", "16", "--mode", "bypass", "--gain", "1" }), std::vector<float> (tail.size()));
+
+    // At 24 bits each sample is the nearest.
+    for (std::size_t i = 0; const auto sample : rendered ({ "--bits", "24" }))
+        ASSERT_NEAR (sample, -0.5f * tail[i++], 0.51f / 8388608.0f);
+}
+
 TEST_F (Formats, WritesMp3AndOpusInTheLengthOfTheRecording)
 {
     for (const auto& [extension, format] : { Kind { "mp3", mp3 }, Kind { "opus", opus } })

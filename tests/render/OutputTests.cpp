@@ -193,7 +193,7 @@ TEST_F (Output, OfAnInterruptedCallIsRemoved)
         ASSERT_TRUE (folder.showsSoon ("partial"));
         EXPECT_EQ (bytesOf (folder / "results/long.wav"), "an older result");
         child.sendSignal (signal);
-        const auto outcome = child.wait();
+        const auto outcome = withoutSummary (child.wait());
         EXPECT_EQ (outcome.signal, signal);
         EXPECT_EQ (outcome.errors, "larkspire-render: long.wav: interrupted, nothing was written\n");
         EXPECT_THAT (folder.contents(), ElementsAre ("long.wav", "next.wav", "results", "results/long.wav"));

@@ -87,6 +87,17 @@ TEST_F (Pipe, IsReadOnceForAllModesAndAlsoFromAFile)
                1);
 }
 
+TEST_F (Pipe, IsAlsoBroughtToALoudnessAndReportedOn)
+{
+    const std::string options = "--input-peak best --loudness -20 --settle 1";
+    writeNoise ("voice.wav", 1, 100000);
+    expectSuccess ({ "--input-peak", "best", "--loudness", "-20", "--settle", "1", "voice.wav", "-o", "result.wav" });
+    EXPECT_EQ (runShell ("cat voice.wav | \"$1\" " + options + " - -o - | cat >piped.wav").errors, "");
+    EXPECT_EQ (bytesOf (folder / "piped.wav"), bytesOf (folder / "result.wav"));
+    EXPECT_THAT (runShell (R"(cat voice.wav | "$1" --report -)").output, StartsWith ("standard input  "));
+    EXPECT_THAT (folder.contents(), ElementsAre ("piped.wav", "result.wav", "voice.wav"));
+}
+
 TEST_F (Pipe, WithoutSoundIsReportedByItsName)
 {
     writeBytes (folder / "voice.m4a", std::string ("\0\0\0\x20", 4) + "ftypM4A isomiso2");

@@ -4,6 +4,12 @@
 #include "render/RendererTest.h"
 #include "support/TestTone.h"
 
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
 #include <limits>
 #include <regex>
 
@@ -116,6 +122,134 @@ TEST_F (ProgressBar, ShowsNameAndPercentOnATerminal)
     EXPECT_GE (steps, 10) << text;
     EXPECT_TRUE (std::regex_search (text, last)) << text;
     EXPECT_EQ (linesOf (outcome.errors).size(), 1);
+}
+
+TEST_F (ProgressBar, CutsNamesInTheMiddleAndFitsTheTerminal)
+{
+    // What tells such names from each other is at their ends; each of these letters is two bytes.
+    std::string name = "an interview of ";
+
+    for (int i = 0; i < 60; ++i)
+        name += "\xc3\xa4";
+
+    name += " part 3.wav";
+    writeNoise (name, 1, 50000);
+    writeNoise ("other.wav", 1, 50000);
+
+    for (const auto& [arguments, number] : { std::pair { std::vector<std::string> { name, "-o", "result.wav" }, "" },
+                                             { { "other.wav", name, "-o", "results" }, "file 2 of 2  " } })
+    {
+        const auto outcome = runOnTerminal (arguments);
+        EXPECT_EQ (outcome.exitStatus, 0);
+        EXPECT_THAT (outcome.errors, HasSubstr (std::string ("\r") + number + "an inter"));
+        EXPECT_THAT (outcome.errors, HasSubstr ("t 3.wav  100 % ["));
+        EXPECT_THAT (outcome.errors, HasSubstr ("…"));
+        const auto lines = linesOf (std::regex_replace (outcome.errors, std::regex ("\x1b\\[K|…|\r"), "\n"));
+
+        for (const auto& line : lines)
+            EXPECT_LT (std::ranges::count_if (line, [] (char byte) { return (byte & 0xc0) != 0x80; }), 80) << line;
+    }
+}
+
+class Summary : public RendererTest
+{
+protected:
+    /** All that a call says on standard error. */
+    std::string errorsOf (const std::vector<std::string>& arguments) const
+    {
+        return ::run (Call { .arguments = arguments, .folder = folder.path() }).errors;
+    }
+
+    void writeTakes() const
+    {
+        std::filesystem::create_directory (folder / "takes");
+        writeNoise ("takes/one.wav", 1, 480000);
+        writeNoise ("takes/two.flac", 2, 240000);
+        writeBytes (folder / "takes/bad.wav", "RIFF....WAVEand nothing more");
+        writeBytes (folder / "takes/notes.txt", "which take is best");
+        writeBytes (folder / "takes/film.avi", "RIFF....AVI LIST");
+    }
+};
+
+TEST_F (Summary, SaysWhatHasBecomeOfSeveralFiles)
+{
+    writeTakes();
+    const auto lines = linesOf (errorsOf ({ "takes", "-o", "results" }));
+    ASSERT_EQ (lines.size(), 4U);
+    EXPECT_THAT (lines.back(),
+                 testing::MatchesRegex ("larkspire-render: 2 rendered, 1 failed, 2 left out, 15 s of sound in "
+                                        "[0-9.]+ s"));
+
+    // Of one file there is nothing to sum up.
+    EXPECT_EQ (errorsOf ({ "takes/one.wav", "-o", "result.wav" }), "");
+    EXPECT_EQ (errorsOf ({ "--compare", "takes/one.wav", "-o", "result.wav" }), "");
+}
+
+TEST_F (Summary, CountsWhatAnInterruptionLeftUndone)
+{
+    writeNoise ("one.wav");
+    writeLongSilence (folder / "two.wav");
+    writeNoise ("three.wav");
+    Child child (Call { .arguments = { "one.wav", "two.wav", "three.wav", "-o", "results" }, .folder = folder.path() });
+    ASSERT_TRUE (folder.showsSoon (".two.wav.partial-"));
+    child.sendSignal (SIGINT);
+    EXPECT_THAT (child.wait().errors, HasSubstr ("\nlarkspire-render: 1 rendered, 2 not done, "));
+}
+
+TEST_F (Summary, IsNotSaidWhereNothingButFaultsIsAskedFor)
+{
+    writeTakes();
+    const auto lines = linesOf (errorsOf ({ "--quiet", "takes", "-o", "results" }));
+    ASSERT_EQ (lines.size(), 1U);
+    EXPECT_THAT (lines.front(), testing::StartsWith ("larkspire-render: takes/bad.wav: "));
+
+    // Clipped samples are no fault, a lost end is one.
+    writeFloats (folder / "loud.wav", wavFloat, 1, std::vector<float> (1000, 4.0f));
+    EXPECT_EQ (errorsOf ({ "-q", "--mode", "bypass", "loud.wav", "-o", "result.wav" }), "");
+    std::filesystem::resize_file (folder / "loud.wav", 3000);
+    EXPECT_THAT (errorsOf ({ "-q", "--mode", "bypass", "loud.wav", "-o", "result.wav" }), HasSubstr ("is cut off"));
+    const auto onTerminal = ::run (Call {
+        .arguments = { "-q", "takes/one.wav", "-o", "result.wav" }, .folder = folder.path(), .onTerminal = true });
+    EXPECT_EQ (onTerminal.errors, "");
+}
+
+TEST_F (Summary, CountsWhatWasDoneBefore)
+{
+    writeTakes();
+    std::filesystem::remove (folder / "takes/bad.wav");
+    const std::vector<std::string> call { "--skip-existing", "--json", "--compare", "takes", "-o", "results" };
+    EXPECT_EQ (runHere (call).exitStatus, 0);
+    const auto first = bytesOf (folder / "results/one-Medium.wav");
+    const auto timeOf = [this] (const std::string& name) { return std::filesystem::last_write_time (folder / name); };
+    const auto time = timeOf ("results/one-Medium.wav");
+
+    // All is there: nothing is done.
+    EXPECT_THAT (errorsOf (call), HasSubstr ("\nlarkspire-render: 0 rendered, 2 done before, 2 left out, 0.0 s"));
+    EXPECT_EQ (timeOf ("results/one-Medium.wav"), time);
+
+    // A newer recording, a result that is missing, a picture that is: only what they belong to.
+    std::filesystem::last_write_time (folder / "takes/one.wav", time + std::chrono::seconds (1));
+    EXPECT_THAT (errorsOf (call), HasSubstr ("4 rendered, 1 done before"));
+    EXPECT_EQ (bytesOf (folder / "results/one-Medium.wav"), first);
+    std::filesystem::last_write_time (folder / "takes/one.wav", time - std::chrono::seconds (1));
+    std::filesystem::remove (folder / "results/two-Gentle.wav");
+    EXPECT_THAT (errorsOf (call), HasSubstr ("4 rendered, 1 done before"));
+    auto withPictures = call;
+    withPictures.insert (withPictures.end(), { "--plot", "pictures/" });
+    EXPECT_THAT (errorsOf (withPictures), HasSubstr ("8 rendered, 2 left out"));
+
+    // As old as the recording is not newer; and what is asked for without the option is done.
+    std::filesystem::last_write_time (folder / "takes/one.wav", timeOf ("results/one-Powerful.wav"));
+    EXPECT_THAT (errorsOf (call), HasSubstr ("4 rendered, 1 done before"));
+    EXPECT_THAT (errorsOf ({ "takes", "-o", "results" }), HasSubstr ("2 rendered, 2 left out"));
+
+    const auto outcome = runHere (call);
+    const auto leftOut = nlohmann::json::parse (outcome.output).at ("left_out");
+    EXPECT_EQ (leftOut.size(), 3U) << "and a film";
+    EXPECT_EQ (leftOut.back(),
+               (nlohmann::json { { "path", "takes/two.flac" },
+                                 { "reason", "was done before: results/two-bypass.wav is newer" },
+                                 { "is_error", false } }));
 }
 
 TEST_F (ProgressBar, IsEndedAheadOfAMessage)

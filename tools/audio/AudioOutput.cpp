@@ -292,7 +292,7 @@ void AudioOutput::roundToWholeNumbers()
 
     for (std::size_t i = 0; i < samples.size(); ++i)
     {
-        const auto value = quantiser.toWholeNumber (samples[i]);
+        const auto value = quantiser.toWholeNumber (samples[i], encoding.dithered ? dither.next() : 0.0);
         const auto written = static_cast<float> (quantiser.toSample (value));
 
         if (written != samples[i])

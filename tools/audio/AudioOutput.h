@@ -2,6 +2,7 @@
 #pragma once
 
 #include "audio/AudioShape.h"
+#include "audio/Dither.h"
 #include "audio/Encoding.h"
 #include "audio/Levels.h"
 #include "audio/Metadata.h"
@@ -92,6 +93,7 @@ private:
     std::unique_ptr<SNDFILE, Close> file; // below the partial file: closing still writes to it
     std::vector<float> samples;           // of the last block, as they are written
     std::vector<int> wholeNumbers;
+    Dither dither;
     SoundHash hash;
     Levels writtenLevels;
     Losses samplesLost;

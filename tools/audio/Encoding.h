@@ -29,6 +29,7 @@ struct Encoding
 {
     Container container = Container::wav;
     SampleType samples = SampleType::pcm24;
+    bool dithered = false; // whether whole numbers get noise ahead of rounding
 };
 
 /** Whether a kind of file holds samples, and not something that sounds like them. */

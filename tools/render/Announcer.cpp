@@ -3,6 +3,7 @@
 
 #include "base/Failure.h"
 #include "base/StandardStreams.h"
+#include "base/Texts.h"
 #include "render/ReportDocument.h"
 #include "render/ReportTable.h"
 #include "render/Warnings.h"
@@ -26,6 +27,23 @@ void printStats (const Rendering& rendering)
                  report.seconds,
                  report.timesRealTime);
     std::fflush (stdout);
+}
+
+/** Which of the files a job is, where there are several. */
+std::string numberOf (std::size_t job, const BatchPlan& plan)
+{
+    const auto files = plan.jobs.size() / plan.modesPerInput;
+    return files < 2 ? std::string()
+                     : "file " + std::to_string (job / plan.modesPerInput + 1) + " of " + std::to_string (files) + "  ";
+}
+
+/** A duration in the unit that people would name. */
+std::string spanText (double seconds)
+{
+    if (seconds < 99.5)
+        return fixed (seconds, seconds < 9.95 ? 1 : 0) + " s";
+
+    return seconds < 99.5 * 60.0 ? fixed (seconds / 60.0, 0) + " min" : fixed (seconds / 3600.0, 1) + " h";
 }
 } // namespace
 
@@ -61,6 +79,9 @@ void Announcer::end()
         const auto document = reportDocument (told, plan);
         std::fwrite (document.data(), 1, document.size(), stdout);
     }
+
+    if (plan.hasSeveralInputs && ! plan.outputs.quiet)
+        printSummary();
 }
 
 void Announcer::showLatest()
@@ -68,8 +89,9 @@ void Announcer::showLatest()
     const auto& job = plan.jobs[turn()];
 
     if (! bar.has_value())
-        bar.emplace ((isStandardStream (job.input) ? nameOfInput (job.input) : job.input.filename().string())
-                     + (plan.modesPerInput > 1 ? std::string (" ") + nameOf (job.mode) : ""));
+        bar.emplace (numberOf (turn(), plan),
+                     (isStandardStream (job.input) ? nameOfInput (job.input) : job.input.filename().string())
+                         + (plan.modesPerInput > 1 ? std::string (" ") + nameOf (job.mode) : ""));
 
     bar->show (latest.at (turn()));
 }
@@ -86,8 +108,9 @@ void Announcer::announce (Rendering rendering)
     if (! rendering.report.has_value())
         say (rendering.fault);
 
-    for (const auto& warning : warningsOf (rendering, plan.settings))
-        say (warning);
+    if (! plan.outputs.quiet || isFault (rendering, plan.settings))
+        for (const auto& warning : warningsOf (rendering, plan.settings))
+            say (warning);
 
     if (rendering.report.has_value() && plan.outputs.stats && ! plan.outputs.json)
         printStats (rendering);
@@ -114,6 +137,38 @@ void Announcer::printReport()
     std::printf ("%s%s", tablesBefore && ! table.empty() ? "\n" : "", table.c_str());
     std::fflush (stdout);
     tablesBefore = tablesBefore || ! table.empty();
+}
+
+void Announcer::printSummary() const
+{
+    std::size_t rendered = 0;
+    std::size_t failed = 0;
+    double seconds = 0.0;
+
+    for (const auto& rendering : told)
+        if (rendering.report.has_value())
+        {
+            ++rendered;
+            seconds += rendering.report->seconds;
+        }
+        else if (! rendering.isInterrupted)
+            ++failed;
+
+    std::string line = std::to_string (rendered) + " rendered";
+
+    for (const auto& [count, what] : { std::pair { failed, "failed" },
+                                       { plan.jobs.size() - rendered - failed, "not done" },
+                                       { plan.doneBefore.size(), "done before" },
+                                       { plan.leftOut.size() + plan.withoutSound, "left out" } })
+        if (count > 0)
+            line += ", " + std::to_string (count) + " " + what;
+
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begun;
+    std::fprintf (stderr,
+                  "larkspire-render: %s, %s of sound in %s\n",
+                  line.c_str(),
+                  spanText (seconds).c_str(),
+                  spanText (taken.count()).c_str());
 }
 
 } // namespace larkspire::render

@@ -4,6 +4,7 @@
 #include "render/BatchPlan.h"
 #include "render/ProgressBar.h"
 
+#include <chrono>
 #include <cstddef>
 #include <map>
 #include <mutex>
@@ -33,7 +34,8 @@ public:
     /** A job has come to an end. */
     void finished (std::size_t index, Rendering rendering);
 
-    /** No job will follow: prints the report of an input whose jobs were not all begun, and the document. */
+    /** No job will follow: prints the report of an input whose jobs were not all begun, and the document; and of
+       several inputs what has become of all. */
     void end();
 
 private:
@@ -46,8 +48,10 @@ private:
     /** Prints a line on stderr, once, however many modes of an input have the same to say. */
     void say (const std::string& line);
     void printReport();
+    void printSummary() const;
 
     const BatchPlan& plan;
+    std::chrono::steady_clock::time_point begun = std::chrono::steady_clock::now();
     std::mutex mutex;
     std::map<std::size_t, Rendering> waiting; // finished, but not in turn
     std::map<std::size_t, RenderProgress> latest;

@@ -74,10 +74,10 @@ public:
 private:
     void doJob (std::size_t index)
     {
-        Rendering rendering { .job = plan.jobs[index], .report = {}, .fault = {} };
+        Rendering rendering { .job = plan.jobs[index], .report = {}, .fault = {}, .isInterrupted = false };
         std::function<void (const RenderProgress&)> progress = [] (const RenderProgress&) {};
 
-        if (ProgressBar::wouldBeSeen())
+        if (ProgressBar::wouldBeSeen() && ! plan.outputs.quiet)
             progress = [this, index] (const RenderProgress& soFar) { announcer.progress (index, soFar); };
 
         try
@@ -94,6 +94,7 @@ private:
         catch (const Interrupted& interruption)
         {
             rendering.fault = interruption.what();
+            rendering.isInterrupted = true;
             interrupted = true;
         }
         catch (const std::exception& fault)
@@ -122,9 +123,10 @@ void printError (const std::exception& fault)
 BatchEnd runBatch (const PluginLibrary& library, const BatchPlan& plan)
 {
     for (const auto& left : plan.leftOut)
-        std::fprintf (stderr, "larkspire-render: %s\n", lineOf (left).c_str());
+        if (left.isFault || ! plan.outputs.quiet)
+            std::fprintf (stderr, "larkspire-render: %s\n", lineOf (left).c_str());
 
-    if (plan.withoutSound > 0)
+    if (plan.withoutSound > 0 && ! plan.outputs.quiet)
         std::fprintf (stderr,
                       "larkspire-render: %zu %s without sound left out\n",
                       plan.withoutSound,

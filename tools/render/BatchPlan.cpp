@@ -349,6 +349,44 @@ InputLevel inputLevelOf (const CommandLine& call)
     return level;
 }
 
+/** Whether a file is there and newer than another. */
+bool isNewer (const fs::path& file, const fs::path& other)
+{
+    std::error_code error;
+    std::error_code otherError;
+    const auto time = fs::last_write_time (file, error);
+    const auto otherTime = fs::last_write_time (other, otherError);
+    return ! error && ! otherError && fs::is_regular_file (file, error) && time > otherTime;
+}
+
+/** Takes the jobs of recordings out of which all files are there and newer. A result has its name only when it is
+    whole. */
+void leaveOutDone (BatchPlan& plan)
+{
+    const auto isDone = [] (const Job& job)
+    {
+        return ! job.refusal.has_value() && isNewer (job.output, job.input)
+               && (! job.picture.has_value() || isNewer (*job.picture, job.input));
+    };
+    std::vector<Job> left;
+
+    for (auto first = plan.jobs.begin(); first != plan.jobs.end();)
+    {
+        const auto last = first + static_cast<std::ptrdiff_t> (plan.modesPerInput);
+
+        if (std::all_of (first, last, isDone))
+            plan.doneBefore.push_back ({ .path = first->input,
+                                         .reason = "was done before: " + first->output.string() + " is newer",
+                                         .isFault = false });
+        else
+            left.insert (left.end(), first, last);
+
+        first = last;
+    }
+
+    plan.jobs = std::move (left);
+}
+
 unsigned workersFor (const CommandLine& call)
 {
     return call.workers > 0 ? static_cast<unsigned> (call.workers) : std::max (1U, std::thread::hardware_concurrency());
@@ -378,7 +416,8 @@ BatchPlan planBatch (const CommandLine& call)
                       .voices = call.split ? meter::Voices::split : meter::Voices::together,
                       .processRate = call.processRate,
                       .target = target };
-    plan.outputs = { .stats = call.stats, .report = call.report || call.json, .json = call.json };
+    plan.outputs = { .stats = call.stats, .report = call.report || call.json, .json = call.json, .quiet = call.quiet };
+    plan.hasSeveralInputs = hasSeveralInputs (call);
     plan.workers = workersFor (call);
 
     const Place results (call, call.output, std::string (".") + extensionOf (container));
@@ -400,6 +439,9 @@ BatchPlan planBatch (const CommandLine& call)
 
     refuseReplacedInputs (plan.jobs);
     refuseSharedResults (plan);
+
+    if (call.skipExisting)
+        leaveOutDone (plan);
 
     for (const auto& job : plan.jobs)
     {

@@ -12,12 +12,13 @@
 namespace larkspire::render
 {
 
-/** What is printed on stdout. */
+/** What is printed, on stdout but for the last. */
 struct OutputChoice
 {
     bool stats = false;
     bool report = false; // as a table, unless json
     bool json = false;
+    bool quiet = false; // on stderr nothing but what failed
 };
 
 /** All that a call will do. */
@@ -31,7 +32,9 @@ struct BatchPlan
     std::set<std::filesystem::path> folders;    // to be made ahead of the jobs
     std::set<std::filesystem::path> subfolders; // below those, made if that works
     std::vector<LeftOut> leftOut;               // of the folders, and folders without a recording
-    std::size_t withoutSound = 0;               // files in the folders that nobody takes for a recording
+    std::vector<LeftOut> doneBefore;            // recordings whose results are there, where those are not made again
+    bool hasSeveralInputs = false;
+    std::size_t withoutSound = 0; // files in the folders that nobody takes for a recording
 };
 
 /** Works out which file goes where. It looks into folders and writes nothing. Inputs whose results would get the same

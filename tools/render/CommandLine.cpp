@@ -137,6 +137,7 @@ void addCommonOptions (CLI::App& parser, CommandLine& call)
         "--report",
         call.report,
         "Print loudness, true peak and noise before and after, and what each stage did; without -o advice");
+    parser.add_flag ("-q,--quiet", call.quiet, "Say on standard error nothing but what failed");
     parser.add_option ("-j,--jobs", call.workers, "Files to render at once, 0 for one on each core; without it 1")
         ->check (CLI::Range (0, 256))
         ->option_text ("N");
@@ -196,6 +197,11 @@ void addFileOptions (CLI::App& parser, CommandLine& call)
     bits->group (group);
     takeNames<SampleType> (
         bits, { { "16", SampleType::pcm16 }, { "24", SampleType::pcm24 }, { "32f", SampleType::float32 } });
+    parser
+        .add_flag ("--skip-existing",
+                   call.skipExisting,
+                   "Leave out recordings whose results are there and newer, as make does")
+        ->group (group);
     parser
         .add_flag ("--allow-truncated", call.allowTruncated, "Take recordings that were cut off as if they were whole")
         ->group (group);

@@ -37,6 +37,8 @@ struct CommandLine
     bool stats = false;
     bool report = false;
     bool json = false;
+    bool quiet = false;
+    bool skipExisting = false;
 };
 
 /** Parses a call, or gives the text that it asks for (help, version). Throws WrongCall. */

@@ -30,11 +30,11 @@ inline constexpr const char* helpFoot =
   to it when it is complete. Both are kept in the folder TMPDIR or in /var/tmp meanwhile.
 
   A result appears when it is complete; a file that has its name is replaced in one step. Results and inputs must all
-  be different files; of recordings that would have one result none is rendered. Whole numbers are rounded to the
-  nearest and limited to full scale, also at 16 bits: there is no dither. How many samples that clipped is said, and in
-  bypass how many were rounded. WAV files that would be larger than 4 GB are written as RF64. MP3 has a variable bit
-  rate of high quality, Opus 64 kbit/s a channel; each has a few sample rates only. Reports are of the sound as it goes
-  into them.
+  be different files; of recordings that would have one result none is rendered. Whole numbers are limited to full scale
+  and rounded to the nearest, at 16 bits behind noise of the same kind each time (TPDF dither; in bypass there is none).
+  How many samples were clipped is said, and in bypass how many were rounded. WAV files that would be larger than 4 GB
+  are written as RF64. MP3 has a variable bit rate of high quality, Opus 64 kbit/s a channel; each has a few sample
+  rates only. Reports are of the sound as it goes into them.
 
   Tags, cue points, labels, broadcast extension (its time code kept, its history longer by a line), iXML and all other
   chunks go from WAV to WAV and, as the program flac keeps them, to FLAC and back; comments and pictures from FLAC to
@@ -43,6 +43,9 @@ inline constexpr const char* helpFoot =
   A recording that was cut off, as all kinds but FLAC tell, is rendered as far as it goes; that is said, and the exit
   status is 1 unless --allow-truncated is given. MP3 files tell it where their encoder noted the length, or where they
   end inside a frame. What cannot be read is named with the command that converts it.
+
+  With --skip-existing recordings are left out whose results, and pictures, are there and newer. With which options
+  they were made is not known. Of several recordings a line at the end counts what has become of them.
 
   Every file gets a plug-in of its own. Without --plugin, "Quendal Larkspire.so" is looked for beside this program, in
   ~/.vst, in the folders of VST_PATH and in /usr/lib/vst. The results and what is printed do not depend on --jobs, but
@@ -83,18 +86,18 @@ Report:
   A dash, or null in JSON, is a figure that there is not: of silence, or of less than 0.4 s (loudness) or 4 s (range).
 
   The JSON document is an object with version, 2; results, an object for each in the order of the inputs; left_out,
-  what the folders hold and is not rendered, each with path, reason and is_error; and files_without_sound, a count. A
-  result has input, output, mode, picture (if there is one), sample_rate_hz, channels, length_s, truncated,
-  stated_length_s (if the recording was cut off and says so), clipped_samples and warnings, as on standard error;
-  input_gain_db, if a level was asked for; before and after, each with integrated_lufs, loudness_range_lu,
-  true_peak_dbtp and quietest_tenth_dbfs; gains, with high_pass_db, expander_mean_db, stereo_fold_db, air_and_body_db,
-  leveller_mean_db, make_up_db and soft_clip_db, or null with the reason in gains_missing; with --loudness finish,
-  with target_lufs, ceiling_dbtp, reached_lufs, gain_db, limiter_share_of_time (with more than 0.1 dB off),
-  limiter_times and limiter_deepest_db; and with --stats stats, with peak_dbfs, rms_dbfs and times_real_time. Where a
-  file failed, error follows mode and is the last. Without -o, advice, a list of sentences, and trials, what they rest
-  on, follow before: a list of objects with mode, gain_db, voice_before_dbfs, room_before_dbfs, voice_after_dbfs,
-  room_after_dbfs and expander_closes. A path that is no UTF-8 is there a second time, as input_bytes and the like,
-  with \xNN for all but printable ASCII and for the backslash.
+  what the folders hold and is not rendered and what was done before, each with path, reason and is_error; and
+  files_without_sound, a count. A result has input, output, mode, picture (if there is one), sample_rate_hz, channels,
+  length_s, truncated, stated_length_s (if the recording was cut off and says so), clipped_samples and warnings, as on
+  standard error; input_gain_db, if a level was asked for; before and after, each with integrated_lufs,
+  loudness_range_lu, true_peak_dbtp and quietest_tenth_dbfs; gains, with high_pass_db, expander_mean_db,
+  stereo_fold_db, air_and_body_db, leveller_mean_db, make_up_db and soft_clip_db, or null with the reason in
+  gains_missing; with --loudness finish, with target_lufs, ceiling_dbtp, reached_lufs, gain_db, limiter_share_of_time
+  (with more than 0.1 dB off), limiter_times and limiter_deepest_db; and with --stats stats, with peak_dbfs, rms_dbfs
+  and times_real_time. Where a file failed, error follows mode and is the last. Without -o, advice, a list of
+  sentences, and trials, what they rest on, follow before: a list of objects with mode, gain_db, voice_before_dbfs,
+  room_before_dbfs, voice_after_dbfs, room_after_dbfs and expander_closes. A path that is no UTF-8 is there a second
+  time, as input_bytes and the like, with \xNN for all but printable ASCII and for the backslash.
 
 Pictures:
   A picture shows waveforms and loudness before and after, and the gains of expander and leveller. Of more than two

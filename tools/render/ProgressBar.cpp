@@ -11,14 +11,17 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <vector>
 
 namespace larkspire::render
 {
 
 namespace
 {
-constexpr int barWidth = 20;
-constexpr int widthBesideName = barWidth + 37; // "  100 % [", "]  12345x  1:23:45 left" and a free column
+constexpr int longestBar = 20;
+constexpr int shortestBar = 5;
+constexpr int shortestName = 16;
+constexpr int widthOfFigures = 37; // "  100 % [", "]  12345x  1:23:45 left" and a free column
 
 int terminalWidth()
 {
@@ -27,21 +30,32 @@ int terminalWidth()
     return known ? size.ws_col : 80;
 }
 
-/** The first characters of a text, whole ones where it is UTF-8. */
+/** Where each character of a text begins, and its end; whole ones where it is UTF-8. */
+std::vector<std::size_t> boundariesIn (const std::string& text)
+{
+    std::vector<std::size_t> boundaries;
+
+    for (std::size_t i = 0; i < text.size(); ++i)
+        if ((static_cast<unsigned char> (text[i]) & 0xc0) != 0x80)
+            boundaries.push_back (i);
+
+    boundaries.push_back (text.size());
+    return boundaries;
+}
+
+/** A text of at most so many characters, at least three: what names differ in stands at their ends, so the middle goes.
+ */
 std::string shortened (const std::string& text, int mostCharacters)
 {
-    int characters = 0;
-    std::size_t end = 0;
+    const auto boundaries = boundariesIn (text);
+    const auto most = static_cast<std::size_t> (std::max (3, mostCharacters));
 
-    for (; end < text.size(); ++end)
-    {
-        const auto startsCharacter = (static_cast<unsigned char> (text[end]) & 0xc0) != 0x80;
+    if (boundaries.size() - 1 <= most)
+        return text;
 
-        if (startsCharacter && ++characters > mostCharacters)
-            break;
-    }
-
-    return text.substr (0, end);
+    const auto behind = (most - 1) / 2;
+    return text.substr (0, boundaries[most - 1 - behind]) + "…"
+           + text.substr (boundaries[boundaries.size() - 1 - behind]);
 }
 
 /** A duration as a clock counts it down, with hours where there are any. */
@@ -77,9 +91,11 @@ bool ProgressBar::wouldBeSeen()
     return isatty (STDERR_FILENO) == 1;
 }
 
-ProgressBar::ProgressBar (const std::string& title)
-    : name (shortened (printable (title), std::max (8, terminalWidth() - widthBesideName)))
+ProgressBar::ProgressBar (const std::string& number, const std::string& title)
 {
+    const auto room = terminalWidth() - widthOfFigures - static_cast<int> (number.size());
+    barWidth = std::clamp (room - shortestName, shortestBar, longestBar);
+    name = number + shortened (printable (title), room - barWidth);
 }
 
 ProgressBar::~ProgressBar()
@@ -102,9 +118,9 @@ void ProgressBar::show (const RenderProgress& progress)
     shown = true;
     shownPercent = percent;
     shownAt = now;
+    const auto width = static_cast<std::size_t> (barWidth);
     const auto filled = static_cast<std::size_t> (percent * barWidth / 100);
-    const auto bar =
-        known ? std::string (filled, '#') + std::string (barWidth - filled, '.') : std::string (barWidth, '?');
+    const auto bar = known ? std::string (filled, '#') + std::string (width - filled, '.') : std::string (width, '?');
     const auto percentText = known ? std::to_string (percent) : "?";
 
     // What an earlier, longer text left behind is cleared.

@@ -9,17 +9,18 @@
 namespace larkspire::render
 {
 
-/** A line on the terminal behind stderr that shows how far one file is: its name, percent, how many times faster
-    than real time, and the time left, or at the end the time taken. The destructor ends the line. Create one only if
-    stderr is a terminal. */
+/** A line on the terminal behind stderr that shows how far one file is: which it is, its name, percent, how many times
+   faster than real time, and the time left, or at the end the time taken. The destructor ends the line. Create one only
+   if stderr is a terminal. */
 class ProgressBar
 {
 public:
     /** Whether stderr is a terminal. */
     static bool wouldBeSeen();
 
-    /** @param title  a file's name, shortened if the terminal is narrow */
-    explicit ProgressBar (const std::string& title);
+    /** @param number  which of several files it is, in words; may be empty
+        @param title   a file's name, cut in the middle if the terminal is narrow */
+    ProgressBar (const std::string& number, const std::string& title);
     ~ProgressBar();
 
     ProgressBar (const ProgressBar&) = delete;
@@ -32,6 +33,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     std::string name;
+    int barWidth;
     int shownPercent = -1;
     bool shown = false;
     Clock::time_point shownAt;

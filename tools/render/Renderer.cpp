@@ -26,6 +26,15 @@ double secondsSince (Clock::time_point start)
     return std::chrono::duration<double> (Clock::now() - start).count();
 }
 
+/** How a result is stored. At 16 bits what rounding does is heard in quiet passages, so that is dithered; in bypass
+    nothing may change that was not asked for. */
+Encoding encodingOf (const Job& job, const RenderSettings& settings)
+{
+    auto encoding = settings.encoding;
+    encoding.dithered = encoding.samples == SampleType::pcm16 && (job.mode != KnobMode::bypass || ! settings.isPlain());
+    return encoding;
+}
+
 /** Draws the picture and gives it its name, or gives the line that says why that is impossible. */
 std::optional<std::string> paint (const meter::Listening& measurement, const Job& job, PartialFile& file)
 {
@@ -169,7 +178,7 @@ RenderReport render (const PluginLibrary& library,
     VoicePath path (library, way, probes ? &measurement->chain : nullptr);
     const auto metadata = source.file().metadata();
     const auto newOutput = [&]
-    { return std::make_unique<AudioOutput> (job.output, settings.encoding, shape, length, metadata); };
+    { return std::make_unique<AudioOutput> (job.output, encodingOf (job, settings), shape, length, metadata); };
     auto output = newOutput();
     std::optional<finish::Finisher> finisher;
     std::optional<PartialFile> picture;

@@ -70,6 +70,7 @@ struct Rendering
     Job job;
     std::optional<RenderReport> report; // there if it was done
     std::string fault;                  // else one line that says why not
+    bool isInterrupted = false;         // whether that is because a signal asked for an end
 };
 
 /** How far a job is. */

@@ -179,8 +179,9 @@ std::string reportDocument (std::span<const Rendering> renderings, const BatchPl
     for (const auto& rendering : renderings)
         document["results"].push_back (describe (rendering, plan));
 
-    for (const auto& left : plan.leftOut)
-        document["left_out"].push_back (describe (left));
+    for (const auto* list : { &plan.leftOut, &plan.doneBefore })
+        for (const auto& left : *list)
+            document["left_out"].push_back (describe (left));
 
     return document.dump (2, ' ', false, Json::error_handler_t::replace) + "\n";
 }

@@ -110,7 +110,7 @@ TEST_F (Display, MayEndInTheMiddleOfARendering)
     write (folder / "long.wav", wav16, makeNoise (2, 960000, 16));
     expectSuccess ({ "long.wav", "-o", "expected.wav" });
     std::optional<larkspire::window::VirtualDisplay> server (std::in_place);
-    Child child (Call { .arguments = { "--block", "1", "long.wav", "voice.wav", "-o", "results" },
+    Child child (Call { .arguments = { "--quiet", "--block", "1", "long.wav", "voice.wav", "-o", "results" },
                         .environment = { { "DISPLAY", std::getenv ("DISPLAY") } },
                         .folder = folder.path() });
     ASSERT_TRUE (folder.showsSoon (".long.wav.partial-"));

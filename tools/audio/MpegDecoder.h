@@ -46,7 +46,7 @@ public:
 private:
     struct Delete
     {
-        void operator() (mpg123_handle* handle) const noexcept { mpg123_delete (handle); }
+        void operator() (mpg123_handle* opened) const noexcept { mpg123_delete (opened); }
     };
 
     bool readShape();

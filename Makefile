@@ -49,8 +49,8 @@ screenshot: configure ## the pictures of the window in docs/
 docs: screenshot ## the measurements and pictures of docs/sound.md
 	@scripts/setup scripts/docs/packages.txt
 	@cmake --build --preset $(PRESET) --target larkspire-measure
-	@scripts/voice build/$(PRESET)/voice.wav
-	@build/$(PRESET)/tools/larkspire-measure "$(LIBRARY)" build/$(PRESET)/voice.wav docs/sound/data docs/sound.md
+	@scripts/voices build/$(PRESET)/voices
+	@build/$(PRESET)/tools/larkspire-measure "$(LIBRARY)" build/$(PRESET)/voices docs/sound/data docs/sound.md
 	@scripts/docs/draw docs/sound/data docs/sound
 
 lint: configure ## clang-format and clang-tidy over all our own files

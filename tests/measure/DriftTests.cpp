@@ -35,16 +35,16 @@ class Committed : public testing::TestWithParam<Measurement>
 TEST_P (Committed, IsWhatTheLibraryAsBuiltGives)
 {
     const TemporaryFolder folder;
-    const auto voice = folder / "voice.wav";
+    const auto voices = folder / "voices";
 
     if (GetParam().name.starts_with ("voice"))
     {
-        const auto made = run (Call { .arguments = { voice }, .program = paths::source ("scripts/voice") });
+        const auto made = run (Call { .arguments = { voices }, .program = paths::source ("scripts/voices") });
         ASSERT_EQ (made.exitStatus, 0) << made.errors;
     }
 
     const PluginLibrary library (paths::plugin());
-    const auto measured = GetParam().measure ({ .library = library, .voice = voice });
+    const auto measured = GetParam().measure ({ .library = library, .voices = voices });
     const auto moved = drift (committed (GetParam().name), measured);
     EXPECT_TRUE (moved.empty())
         << moved

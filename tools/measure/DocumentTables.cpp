@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// The tables of docs/sound.md.
+// The tables of docs/sound.md, but for those of voices.
 #include "base/Texts.h"
 #include "measure/Document.h"
+#include "measure/Markdown.h"
 #include "measure/Tone.h"
-#include "measure/VoiceModes.h"
+#include "measure/VoiceTables.h"
 
 #include <algorithm>
 #include <array>
@@ -20,62 +21,6 @@ namespace
 constexpr std::array<std::pair<const char*, const char*>, 3> rates {
     { { "44100", "44.1 kHz" }, { "48000", "48 kHz" }, { "96000", "96 kHz" } }
 };
-
-std::string decibels (double value)
-{
-    return numberText (value, 1) + " dB";
-}
-
-std::string fullScale (double level)
-{
-    return numberText (level, 1) + " dBFS";
-}
-
-/** A name as the knob and a heading have it. */
-std::string capitalised (std::string_view name)
-{
-    std::string text (name);
-    text.front() = static_cast<char> (text.front() - 'a' + 'A');
-    return text;
-}
-
-std::string line (const std::vector<std::string>& cells)
-{
-    std::string text = "|";
-
-    for (const auto& cell : cells)
-        text.append (" ").append (cell).append (" |");
-
-    return text + "\n";
-}
-
-/** The heading and the line below it. */
-std::string heading (const std::vector<std::string>& cells)
-{
-    std::string rule = "|---|";
-
-    for (std::size_t i = 1; i < cells.size(); ++i)
-        rule += "---:|";
-
-    return line (cells) + rule + "\n";
-}
-
-/** A row with one cell a mode. */
-template <typename Cell>
-std::string lineForModes (const std::string& what, Cell cell)
-{
-    std::vector<std::string> cells { what };
-
-    for (const auto& mode : voiceModes)
-        cells.push_back (cell (mode));
-
-    return line (cells);
-}
-
-std::string headingForModes (const std::string& corner)
-{
-    return heading ({ corner, "Gentle", "Medium", "Powerful" });
-}
 
 /** Where a curve crosses a value for the first time, between its points. */
 double crossing (const std::vector<double>& x, const std::vector<double>& y, double value)
@@ -264,24 +209,6 @@ std::string foldTable (const Tables& tables)
     return text;
 }
 
-std::string voiceTable (const Tables& tables)
-{
-    const auto& voice = tables.at ("voice-summary");
-    auto text = heading ({ "", "Peak", "10 % of the speech is softer than", "Half", "5 % is louder than", "Range" });
-
-    for (const auto& row : voice.rows)
-    {
-        const auto level = [&] (const char* column) { return voice.at (row.key, column); };
-        text += line ({ row.key == "input" ? "Recording" : capitalised (row.key),
-                        fullScale (level ("peak_dbfs")),
-                        fullScale (level ("soft_dbfs")),
-                        fullScale (level ("median_dbfs")),
-                        fullScale (level ("loud_dbfs")),
-                        decibels (level ("loud_dbfs") - level ("soft_dbfs")) });
-    }
-
-    return text;
-}
 } // namespace
 
 std::string documentTable (const std::string& name, const Tables& tables)
@@ -289,8 +216,11 @@ std::string documentTable (const std::string& name, const Tables& tables)
     static const std::map<std::string, std::string (*) (const Tables&)> known {
         { "response", responseTable }, { "air under a voice", airTable }, { "levels", levelTable },
         { "times", timesTable },       { "opening", openingTable },       { "harmonics", harmonicsTable },
-        { "fold", foldTable },         { "voice", voiceTable },
+        { "fold", foldTable },
     };
+
+    if (const auto found = voiceTables().find (name); found != voiceTables().end())
+        return found->second (tables);
 
     if (const auto found = known.find (name); found != known.end())
         return found->second (tables);

@@ -59,7 +59,7 @@ std::string driftOf (std::size_t column, const Table& committed, const Table& me
 
 double toleranceOf (std::string_view column, double value)
 {
-    if (column.ends_with ("_db") || column.ends_with ("_dbfs"))
+    if (isInDecibels (column))
         return 0.05;
 
     if (column.ends_with ("_frames"))

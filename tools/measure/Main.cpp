@@ -7,6 +7,7 @@
 #include "host/NoDisplay.h"
 #include "measure/Document.h"
 #include "measure/Measurements.h"
+#include "measure/VoicesInRoom.h"
 
 #include <cstdio>
 #include <exception>
@@ -38,15 +39,19 @@ void write (const std::filesystem::path& path, const std::string& text)
 }
 
 void run (const std::filesystem::path& libraryPath,
-          const std::filesystem::path& voice,
+          const std::filesystem::path& voices,
           const std::filesystem::path& folder,
           const std::filesystem::path& document)
 {
     const auto text = textOf (document);
     const PluginLibrary library (libraryPath);
     library.check();
-    const AudioInput recording (voice); // it is measured last, and a wrong name should not cost the time before
-    const Subject subject { .library = library, .voice = voice };
+
+    // They are measured last, and a wrong name should not cost the time before.
+    for (const auto voice : voiceNames)
+        const AudioInput recording (recordingOf (voices, voice));
+
+    const Subject subject { .library = library, .voices = voices };
     Tables tables;
 
     for (const auto& measurement : measurements())
@@ -72,7 +77,7 @@ int main (int argumentCount, char** arguments)
 {
     if (argumentCount != 5)
     {
-        std::fputs ("usage: larkspire-measure LIBRARY VOICE FOLDER DOCUMENT\n", stderr);
+        std::fputs ("usage: larkspire-measure LIBRARY VOICES FOLDER DOCUMENT\n", stderr);
         return 2;
     }
 

@@ -16,7 +16,7 @@ namespace larkspire::measure
 struct Subject
 {
     const PluginLibrary& library;
-    std::filesystem::path voice; // a recording of speech with one channel
+    std::filesystem::path voices; // a folder of recordings of speech, each with one channel, as scripts/voices makes it
 };
 
 /** The curves of the filters alone at 48 kHz, in dB, as the chain's own design code makes them. Nothing is run. */
@@ -78,6 +78,27 @@ Table measureVoiceWave (const Subject& subject);
 /** The same in a few numbers: peak, and the level of the speech, of its loud and of its soft parts. */
 Table measureVoiceSummary (const Subject& subject);
 
+// The voices below speak in pink noise, as measure/Take.h lays it out, and are heard a second time: the gains are those
+// of somewhere in a long recording. Each column is of a mode and a voice.
+
+/** The voices: at what rate they were recorded, how much they speak, their level below their peak, their brightness,
+   and how far they are from a room 60 dB below their peak. */
+Table measureVoices (const Subject& subject);
+
+/** By the voice's peak, in dBFS, with a room 60 dB below it: by how much voice and room are further apart than before,
+    the loudness, and by how much the voice is brighter than before. */
+Table measureVoicesByLevel (const Subject& subject);
+
+/** By the voice's peak and the level of the room: the level that the pauses come out at, and by how much voice and room
+    are further apart than before. */
+Table measureVoicesByRoom (const Subject& subject);
+
+/** By the voice's peak: how much of its gain the leveller takes back in a pause of a second. */
+Table measureVoicesDrift (const Subject& subject);
+
+/** By the voice's peak: the true peak of what a new instance makes of it, at 48 and at 8 kHz. */
+Table measureVoicesTruePeak (const Subject& subject);
+
 /** One of the measurements and the name of the table that it gives. */
 struct Measurement
 {
@@ -106,6 +127,11 @@ inline std::span<const Measurement> measurements()
         Measurement { "voice-level", measureVoiceLevel },
         Measurement { "voice-wave", measureVoiceWave },
         Measurement { "voice-summary", measureVoiceSummary },
+        Measurement { "voices", measureVoices },
+        Measurement { "voices-by-level", measureVoicesByLevel },
+        Measurement { "voices-by-room", measureVoicesByRoom },
+        Measurement { "voices-drift", measureVoicesDrift },
+        Measurement { "voices-true-peak", measureVoicesTruePeak },
     };
     return all;
 }

@@ -4,6 +4,7 @@
 #include "base/Texts.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -15,6 +16,8 @@ namespace larkspire::measure
 
 namespace
 {
+constexpr std::array<std::string_view, 5> decibelUnits { "_db", "_dbfs", "_dbtp", "_lu", "_lufs" };
+
 constexpr double none = std::numeric_limits<double>::quiet_NaN();
 
 std::vector<std::string> fieldsOf (const std::string& line)
@@ -114,12 +117,18 @@ std::vector<double> Table::keys() const
     return values;
 }
 
+bool isInDecibels (std::string_view column)
+{
+    return std::any_of (
+        decibelUnits.begin(), decibelUnits.end(), [column] (std::string_view unit) { return column.ends_with (unit); });
+}
+
 int digitsOf (std::string_view column)
 {
     if (column.ends_with ("_frames"))
         return 0;
 
-    return column.ends_with ("_db") || column.ends_with ("_dbfs") ? 3 : 4;
+    return isInDecibels (column) ? 3 : 4;
 }
 
 std::string toCsv (const Table& table)

@@ -18,7 +18,7 @@ struct Row
 };
 
 /** A measurement: rows of numbers under keys. The end of a column's name is its unit, which says how exactly it is
-    written and compared: _db, _dbfs, _frames; none for a plain number, linear full scale 1.0. */
+    written and compared: _db, _dbfs, _dbtp, _lu, _lufs, _frames; none for a plain number, linear full scale 1.0. */
 struct Table
 {
     std::string name = {}; // the file's, without its ending; a new measurement is named by its list
@@ -44,6 +44,9 @@ struct Table
     /** The keys as numbers. Throws std::invalid_argument if one is not a number. */
     std::vector<double> keys() const;
 };
+
+/** Whether a column's numbers are decibels of some kind. */
+bool isInDecibels (std::string_view column);
 
 /** How many digits behind the point a column is written with. */
 int digitsOf (std::string_view column);

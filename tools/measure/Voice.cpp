@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // A real voice before and after, of the built library.
-#include "audio/AudioInput.h"
-#include "base/Failure.h"
 #include "base/Texts.h"
 #include "measure/Instance.h"
 #include "measure/Measurements.h"
+#include "measure/Recording.h"
 #include "measure/Tone.h"
 #include "measure/VoiceModes.h"
+#include "measure/VoicesInRoom.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
 #include <span>
+#include <utility>
 
 namespace larkspire::measure
 {
@@ -28,17 +28,8 @@ struct Voices
 
 Voices voicesOf (const Subject& subject)
 {
-    AudioInput file (subject.voice);
-
-    if (file.shape().channels != 1)
-        throw Failure (subject.voice, "has more than one channel");
-
-    Voices voices { .rate = file.shape().sampleRate, .versions = { {} } };
-    auto& recording = voices.versions.front();
-    std::array<float, 4096> part {};
-
-    while (const auto count = file.read (part))
-        recording.insert (recording.end(), part.begin(), part.begin() + static_cast<std::ptrdiff_t> (count));
+    auto recording = readRecording (recordingOf (subject.voices, "announcer"));
+    Voices voices { .rate = recording.sampleRate, .versions = { std::move (recording.samples) } };
 
     for (const auto& mode : voiceModes)
         voices.versions.push_back (

@@ -2,6 +2,7 @@
 // docs/sound.md, its tables and pictures, and the program that writes them.
 #include "measure/CommittedTables.h"
 #include "measure/Document.h"
+#include "measure/VoicesInRoom.h"
 #include "support/Child.h"
 #include "support/Paths.h"
 #include "support/Recording.h"
@@ -10,11 +11,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace
 {
@@ -61,6 +64,26 @@ TEST (Document, KeepsWhatIsNoTable)
     EXPECT_TRUE (after.ends_with (" |\n\n<!-- end of table -->\nMore.\n")) << after;
     EXPECT_EQ (withTables (after, allCommitted()), after);
     EXPECT_EQ (withTables ("No table.\n", allCommitted()), "No table.\n");
+}
+
+TEST (Document, ShowsARangeOverVoicesAndNoneThatHasNoNumber)
+{
+    Table table { .name = "voices-by-level", .keyColumn = "peak_dbfs", .columns = {} };
+    std::vector<double> values;
+
+    for (const auto& mode : voiceModes)
+        for (const auto voice : voiceNames)
+        {
+            table.columns.push_back (voiceColumn (mode, voice, "brightness_db"));
+            values.push_back (voice == "operator"     ? NAN
+                              : mode.name == "gentle" ? (voice == "player" ? -1.6 : 0.2)
+                              : mode.name == "medium" ? (voice == "player" ? 2.4 : 11.5)
+                                                      : 3.0);
+        }
+
+    table.add ("-24", values);
+    const auto text = documentTable ("brightness of voices", { { "voices-by-level", table } });
+    EXPECT_THAT (text, HasSubstr ("| −24 dBFS | −2 to 0 dB | +2 to +12 dB | +3 dB |\n"));
 }
 
 TEST (Document, IsRefusedIfATableIsUnknownOrHasNoEnd)

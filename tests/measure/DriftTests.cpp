@@ -103,6 +103,14 @@ TEST (Drift, SeesFramesFactorsAndWhatHasComeOrGone)
     EXPECT_NE (drift (sample(), there), "");
 }
 
+TEST (Drift, OfEveryKindOfDecibelIsHeldToTheSame)
+{
+    for (const auto* const column : { "a_db", "a_dbfs", "a_dbtp", "a_lu", "a_lufs" })
+        EXPECT_EQ (toleranceOf (column, 1.0), 0.05) << column;
+
+    EXPECT_EQ (toleranceOf ("a_bulb", 1.0), 0.002);
+}
+
 TEST (Drift, SeesOtherRowsAndColumns)
 {
     auto shorter = sample();

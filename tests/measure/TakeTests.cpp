@@ -16,7 +16,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
+#include <numeric>
+#include <span>
 #include <vector>
 
 namespace
@@ -119,6 +120,26 @@ TEST (Take, PartsPhrasesBySecondsOfSilenceAndKnowsWhere)
 
     EXPECT_NEAR (peakOf (take.voice), 1.0, 1e-6);
     EXPECT_EQ (take.room.size(), take.voice.size());
+}
+
+TEST (Take, HasNoDirectCurrentAndNoEdges)
+{
+    const TemporaryFolder folder;
+    auto sound = twoPhrases();
+
+    for (auto& sample : sound)
+        sample += sample == 0.0f ? 0.0f : 0.02f;
+
+    writeFloats (folder / "voice.wav", wavFloat, 1, sound);
+    const auto take = layOut (folder / "voice.wav", rate);
+    const auto& phrase = take.phrases.front();
+    const std::span voice (take.voice);
+    const auto spoken = voice.subspan (phrase.begin, lengthOf (phrase));
+    EXPECT_NEAR (std::accumulate (spoken.begin(), spoken.end(), 0.0) / static_cast<double> (spoken.size()), 0.0, 1e-3);
+
+    // The hum swells from nothing and dies away.
+    EXPECT_LT (peakOf (spoken.first (second / 200)), 0.3 * peakOf (spoken.subspan (second / 25, second / 200)));
+    EXPECT_LT (peakOf (spoken.last (second / 200)), 0.3 * peakOf (spoken.last (second / 20).first (second / 200)));
 }
 
 TEST (Take, PutsVoiceAndRoomAtTheirLevels)

@@ -60,6 +60,19 @@ TEST (Sentence, TheExpanderOpensSome20AndStaysOpenFor8Decibels)
     }
 }
 
+TEST (Sentence, TheExpanderLowersTheRoomBy10To14Decibels)
+{
+    const auto levels = committed ("static-level");
+
+    for (const auto& mode : modes)
+    {
+        const auto gainAt = [&] (const char* input)
+        { return levels.at (input, mode + "_rising_dbfs") - std::stod (input); };
+        EXPECT_GT (gainAt ("-46.0") - gainAt ("-80.0"), 9.9) << mode;
+        EXPECT_LT (gainAt ("-46.0") - gainAt ("-80.0"), 14.1) << mode;
+    }
+}
+
 TEST (Sentence, SixDecibelsMoreHalveTheTimeToOpen)
 {
     const auto opening = committed ("opening");

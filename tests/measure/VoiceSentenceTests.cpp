@@ -152,6 +152,13 @@ TEST (LevelAdvice, LetsTheExpanderCloseOnNoise)
     EXPECT_LT (most (inRoom (-24, -60, gentle, "distance_lu")), 0.0);
 }
 
+TEST (LevelAdvice, SaysItsNumbers)
+{
+    const larkspire::meter::LevelAdvice advice { .mode = "", .lowestPeak = -3, .highestPeak = -1, .highestRoom = -50 };
+    EXPECT_EQ (adviceOnPeak (advice), "let the voice peak between -3 and -1 dBFS");
+    EXPECT_EQ (adviceOnRoom (advice), "keep the room below -50 dBFS");
+}
+
 TEST (VoiceSentence, AVoiceComesOutEquallyLoudWithinAbout1And3And4)
 {
     const double within[] = { 1.1, 3.2, 4.2 };
@@ -214,11 +221,15 @@ TEST (VoiceSentence, FedSoftlyEveryModeFurtherAndFedHotMediumAndPowerfulNearer)
     EXPECT_GT (least (distances (-12, measure::voiceModes[0])), least (distances (-24, measure::voiceModes[2])));
 }
 
-TEST (VoiceSentence, InGentleTheGainRisesBy2To3DecibelsInAPause)
+TEST (VoiceSentence, InAPauseTheGainRisesBy2To3DecibelsInGentleAndBy3To7InMedium)
 {
-    const auto rises = ofVoices (committed ("voices-drift"), "-12", measure::voiceModes[0], "db");
-    EXPECT_GT (least (rises), 1.5);
-    EXPECT_LT (most (rises), 3.0);
+    const auto drift = committed ("voices-drift");
+    const auto gentle = ofVoices (drift, "-12", measure::voiceModes[0], "db");
+    const auto medium = ofVoices (drift, "-12", measure::voiceModes[1], "db");
+    EXPECT_GT (least (gentle), 1.5);
+    EXPECT_LT (most (gentle), 3.0);
+    EXPECT_GT (least (medium), 2.5);
+    EXPECT_LT (most (medium), 7.5);
 }
 
 TEST (VoiceSentence, IfTheExpanderDoesNotCloseTheRoomComesNearerAndInGentleLeast)

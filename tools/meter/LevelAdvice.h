@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 #pragma once
 
-#include "base/Texts.h"
-
 #include <array>
 #include <string>
 #include <string_view>
@@ -32,16 +30,16 @@ inline constexpr std::array<LevelAdvice, 3> levelAdvice { {
     { .mode = "Powerful", .lowestPeak = -27, .highestPeak = -24, .highestRoom = -61 },
 } };
 
-/** The same in words, as the rest of a sentence. */
+/** The same in words, each the rest of a sentence. */
 inline std::string adviceOnPeak (const LevelAdvice& advice)
 {
-    return "let the voice peak between " + numberText (advice.lowestPeak, 0) + " and "
-           + numberText (advice.highestPeak, 0) + " dBFS";
+    return "let the voice peak between " + std::to_string (advice.lowestPeak) + " and "
+           + std::to_string (advice.highestPeak) + " dBFS";
 }
 
 inline std::string adviceOnRoom (const LevelAdvice& advice)
 {
-    return "keep the room below " + numberText (advice.highestRoom, 0) + " dBFS";
+    return "keep the room below " + std::to_string (advice.highestRoom) + " dBFS";
 }
 
 } // namespace larkspire::meter

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// What is no WAV file: FLAC, MP3, M4A, Ogg and whatever else the browser knows.
+
+import { Fault } from '../common/fault.js';
+import { longestFileSeconds, mostChannels, mostDecodedFrames } from '../common/limits.js';
+
+/** @typedef {{ samples: Float32Array<ArrayBuffer>[], rate: number }} Decoded */
+
+const usualRate = 48000;
+
+/** @param {Blob} file @returns {Promise<number>} the rate of a FLAC file; of others the browser tells none */
+async function rateOf(file) {
+    const head = new DataView(await file.slice(0, 42).arrayBuffer());
+    const isFlac = head.byteLength === 42 && head.getUint32(0) === 0x664c6143;
+    return isFlac ? head.getUint32(18) >>> 12 : usualRate;
+}
+
+/**
+ * @param {number} rate in Hz
+ * @returns {OfflineAudioContext} one that decodes to that rate
+ * @throws {Fault} strangeRate
+ */
+function decoderAt(rate) {
+    try {
+        return new OfflineAudioContext(1, 1, rate);
+    } catch {
+        throw new Fault('strangeRate', { rate });
+    }
+}
+
+/** @param {Blob} file @returns {Promise<number>} its length in seconds, read from its head; NaN if there is none */
+function lengthOf(file) {
+    return new Promise(resolve => {
+        const url = URL.createObjectURL(file);
+        const media = new Audio();
+        const done = () => {
+            URL.revokeObjectURL(url);
+            resolve(media.duration);
+        };
+        media.onloadedmetadata = done;
+        media.onerror = done;
+        media.preload = 'metadata';
+        media.src = url;
+    });
+}
+
+/**
+ * @param {Blob} file
+ * @returns {Promise<Decoded>}
+ * @throws {Fault} notSound, tooLongToDecode, tooManyChannels, strangeRate
+ */
+export async function decode(file) {
+    const rate = await rateOf(file);
+    const decoder = decoderAt(rate);
+    const seconds = await lengthOf(file);
+
+    if (seconds * rate > mostDecodedFrames)
+        throw new Fault('tooLongToDecode', {
+            minutes: Math.round(seconds / 60),
+            most: Math.floor(mostDecodedFrames / rate / 60),
+            mostOfWav: longestFileSeconds / 60,
+        });
+
+    const sound = await decoder.decodeAudioData(await file.arrayBuffer()).catch(() => {
+        throw new Fault('notSound');
+    });
+
+    if (sound.numberOfChannels > mostChannels) throw new Fault('tooManyChannels', { channels: sound.numberOfChannels });
+
+    return {
+        rate,
+        samples: Array.from({ length: sound.numberOfChannels }, (_, channel) => sound.getChannelData(channel).slice()),
+    };
+}

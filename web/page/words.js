@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: AGPL-3.0-only
+// What the page says, in English and in German; advice.js has what it says about level.
+
+/** @typedef {import('../common/fault.js').FaultKind} FaultKind */
+/** @typedef {'en' | 'de'} Language */
+
+/**
+ * @typedef {object} Words
+ * @property {Record<string, string>} fixed what stands on the page all the time, by the element's data-text or
+ *     data-label
+ * @property {readonly string[]} modes what each position is for
+ * @property {string} play
+ * @property {string} pause
+ * @property {string} record
+ * @property {string} stopRecording
+ * @property {string} recording
+ * @property {(seconds: string, most: string) => string} recorded
+ * @property {string} ownVoice the name of what was recorded here, which results are called after too
+ * @property {(name: string) => string} reading
+ * @property {(name: string, length: string, rate: string, isStereo: boolean) => string} opened
+ * @property {string} cut
+ * @property {string} decoded
+ * @property {string} saving
+ * @property {(name: string) => string} saved
+ * @property {(at: string, length: string) => string} position
+ * @property {string} none
+ * @property {Record<FaultKind, (details: Record<string, string | number>) => string>} faults
+ */
+
+/** @type {Words} */
+const english = {
+    fixed: {
+        title: 'Quendal Larkspire: hear it on your own voice',
+        lead: 'Hear what one knob does to your own voice.',
+        privacy: 'Nothing is installed, and nothing you record or open leaves this page.',
+        chooseHeading: 'Your voice',
+        choose: 'Open a recording',
+        drop: 'Or drop one here. WAV, FLAC, MP3 and M4A, up to half an hour; WAV up to an hour and a half.',
+        start: 'Record a few sentences, or open a recording.',
+        knobHeading: 'The knob',
+        amount: 'Amount',
+        byName: 'Amount, by name',
+        listenHeading: 'Listen',
+        compare: 'What you hear',
+        original: 'Original',
+        result: 'With Larkspire',
+        equal: 'Both play equally loud, so that you compare the sound and not the level.',
+        position: 'Position',
+        save: 'Save as WAV',
+        figures: 'Before and after',
+        loudness: 'Loudness, LUFS',
+        truePeak: 'True peak, dBTP',
+        working: 'Progress',
+        plugin:
+            'Larkspire is a plug-in for recording programs. What you hear is its own code, and what you save has the bits ' +
+            'that it would give.',
+        licence: 'Free software under the GNU AGPL, version 3: whoever gives you this page also gives you its source.',
+        source: 'Source',
+        licences: 'Licences of what others wrote',
+    },
+    modes: [
+        'Nothing is changed.',
+        'For a good recording that has to sit level: it finds one gain and keeps it.',
+        'For an ordinary voice in an ordinary room: levels from phrase to phrase.',
+        'For a dull or distant voice in a noisy room: levels from syllable to syllable.',
+    ],
+    play: 'Play',
+    pause: 'Pause',
+    record: 'Record your voice',
+    stopRecording: 'Stop and listen',
+    recording: 'Speak now, as you would in a recording.',
+    recorded: (seconds, most) => `${seconds} of ${most} s`,
+    ownVoice: 'Your voice',
+    reading: name => `Reading ${name}…`,
+    opened: (name, length, rate, isStereo) => `${name}: ${length}, ${rate} kHz, ${isStereo ? 'stereo' : 'mono'}.`,
+    cut: 'The file was cut off; this is what there is of it.',
+    decoded: 'The browser has decoded it, at this rate.',
+    saving: 'Writing the file…',
+    saved: name => `${name} is saved where your browser keeps downloads.`,
+    position: (at, length) => `${at} of ${length}`,
+    none: '–',
+    faults: {
+        oldBrowser: () =>
+            'This browser is too old for this page: it has no WebAssembly. Any browser from 2024 on will do.',
+        notSound: ({ name }) => `${name} is no recording that this browser can read.`,
+        empty: ({ name }) => `${name} is empty: there is no sound in it.`,
+        tooManyChannels: ({ name, channels }) => `${name} has ${channels} channels. Larkspire takes mono and stereo.`,
+        tooLong: ({ name, minutes, most }) =>
+            `${name} is ${minutes} minutes long. This page takes up to ${most} minutes.`,
+        tooLongToDecode: ({ name, minutes, most, mostOfWav }) =>
+            `${name} is ${minutes} minutes long. Of this kind this page takes up to ${most} minutes, of WAV files ${mostOfWav}.`,
+        strangeRate: ({ name, rate }) => `${name} has a sample rate of ${rate} Hz. This page takes 8 to 192 kHz.`,
+        noMicrophone: () => 'No microphone was found. Plug one in, or open a recording instead.',
+        microphoneRefused: () =>
+            'The browser may not use the microphone. Allow it by the sign beside the address, or open a recording.',
+        microphoneBusy: () => 'The microphone cannot be opened. Another program may be using it.',
+        microphoneNeedsSafePage: () =>
+            'Browsers give the microphone only to pages from disk or from https. Open a recording instead.',
+        nothingRecorded: () => 'Nothing was recorded. Try once more, a little longer.',
+        notPlayable: ({ rate }) => `This browser plays nothing at ${rate} Hz. Saving works all the same.`,
+        noLoudspeaker: () =>
+            'This browser finds no loudspeaker and no headphones, and without one it neither plays nor records. Saving works ' +
+            'all the same.',
+        fileGone: ({ name }) => `${name} can no longer be read. It may have been changed or moved; open it once more.`,
+        noSpace: () => 'There is no space left for the file.',
+        unexpected: ({ what }) => `That did not work: ${what}`,
+    },
+};
+
+/** @type {Words} */
+const german = {
+    fixed: {
+        title: 'Quendal Larkspire: an der eigenen Stimme hören',
+        lead: 'Hören Sie, was ein Knopf aus Ihrer Stimme macht.',
+        privacy: 'Nichts wird installiert, und nichts, was Sie aufnehmen oder öffnen, verlässt diese Seite.',
+        chooseHeading: 'Ihre Stimme',
+        choose: 'Aufnahme öffnen',
+        drop: 'Oder hier ablegen. WAV, FLAC, MP3 und M4A, bis zu einer halben Stunde; WAV bis zu anderthalb Stunden.',
+        start: 'Nehmen Sie ein paar Sätze auf, oder öffnen Sie eine Aufnahme.',
+        knobHeading: 'Der Knopf',
+        amount: 'Amount',
+        byName: 'Amount, nach Namen',
+        listenHeading: 'Hören',
+        compare: 'Was Sie hören',
+        original: 'Original',
+        result: 'Mit Larkspire',
+        equal: 'Beides spielt gleich laut, damit Sie den Klang vergleichen und nicht den Pegel.',
+        position: 'Stelle',
+        save: 'Als WAV speichern',
+        figures: 'Vorher und nachher',
+        loudness: 'Lautheit, LUFS',
+        truePeak: 'True Peak, dBTP',
+        working: 'Fortschritt',
+        plugin:
+            'Larkspire ist ein Plug-in für Aufnahmeprogramme. Was Sie hören, ist sein eigener Code, und was Sie speichern, hat die ' +
+            'Bits, die es liefern würde.',
+        licence:
+            'Freie Software unter der GNU AGPL, Version 3: Wer Ihnen diese Seite gibt, gibt Ihnen auch ihren Quelltext.',
+        source: 'Quelltext',
+        licences: 'Lizenzen dessen, was andere geschrieben haben',
+    },
+    modes: [
+        'Nichts wird verändert.',
+        'Für eine gute Aufnahme, die nur gleichmäßig liegen soll: findet eine Verstärkung und bleibt dabei.',
+        'Für eine gewöhnliche Stimme in einem gewöhnlichen Raum: gleicht von Phrase zu Phrase aus.',
+        'Für eine dumpfe oder ferne Stimme in einem lauten Raum: gleicht von Silbe zu Silbe aus.',
+    ],
+    play: 'Abspielen',
+    pause: 'Pause',
+    record: 'Stimme aufnehmen',
+    stopRecording: 'Beenden und hören',
+    recording: 'Sprechen Sie jetzt wie in einer Aufnahme.',
+    recorded: (seconds, most) => `${seconds} von ${most} s`,
+    ownVoice: 'Ihre Stimme',
+    reading: name => `${name} wird gelesen…`,
+    opened: (name, length, rate, isStereo) => `${name}: ${length}, ${rate} kHz, ${isStereo ? 'stereo' : 'mono'}.`,
+    cut: 'Die Datei ist abgeschnitten; das ist, was von ihr da ist.',
+    decoded: 'Der Browser hat sie entschlüsselt, mit dieser Rate.',
+    saving: 'Die Datei wird geschrieben…',
+    saved: name => `${name} liegt dort, wo Ihr Browser Downloads ablegt.`,
+    position: (at, length) => `${at} von ${length}`,
+    none: '–',
+    faults: {
+        oldBrowser: () =>
+            'Dieser Browser ist zu alt für diese Seite: Er hat kein WebAssembly. Jeder Browser ab 2024 genügt.',
+        notSound: ({ name }) => `${name} ist keine Aufnahme, die dieser Browser lesen kann.`,
+        empty: ({ name }) => `${name} ist leer: Es ist kein Ton darin.`,
+        tooManyChannels: ({ name, channels }) => `${name} hat ${channels} Kanäle. Larkspire nimmt Mono und Stereo.`,
+        tooLong: ({ name, minutes, most }) =>
+            `${name} ist ${minutes} Minuten lang. Diese Seite nimmt bis zu ${most} Minuten.`,
+        tooLongToDecode: ({ name, minutes, most, mostOfWav }) =>
+            `${name} ist ${minutes} Minuten lang. Von dieser Art nimmt diese Seite bis zu ${most} Minuten, von WAV-Dateien ${mostOfWav}.`,
+        strangeRate: ({ name, rate }) => `${name} hat eine Abtastrate von ${rate} Hz. Diese Seite nimmt 8 bis 192 kHz.`,
+        noMicrophone: () => 'Es wurde kein Mikrofon gefunden. Schließen Sie eines an, oder öffnen Sie eine Aufnahme.',
+        microphoneRefused: () =>
+            'Der Browser darf das Mikrofon nicht benutzen. Erlauben Sie es beim Zeichen neben der Adresse, oder öffnen ' +
+            'Sie eine Aufnahme.',
+        microphoneBusy: () => 'Das Mikrofon lässt sich nicht öffnen. Vielleicht benutzt es ein anderes Programm.',
+        microphoneNeedsSafePage: () =>
+            'Browser geben das Mikrofon nur Seiten von der Platte oder von https. Öffnen Sie eine Aufnahme.',
+        nothingRecorded: () => 'Es wurde nichts aufgenommen. Versuchen Sie es noch einmal, etwas länger.',
+        notPlayable: ({ rate }) => `Dieser Browser spielt nichts mit ${rate} Hz ab. Speichern geht trotzdem.`,
+        noLoudspeaker: () =>
+            'Dieser Browser findet weder Lautsprecher noch Kopfhörer, und ohne spielt er nichts ab und nimmt nichts auf. ' +
+            'Speichern geht trotzdem.',
+        fileGone: ({ name }) =>
+            `${name} lässt sich nicht mehr lesen. Vielleicht wurde die Datei geändert oder verschoben; öffnen Sie sie noch ` +
+            'einmal.',
+        noSpace: () => 'Für die Datei ist kein Platz mehr.',
+        unexpected: ({ what }) => `Das ging nicht: ${what}`,
+    },
+};
+
+/** @type {Language} the browser's, as far as there are words */
+export const language = navigator.language.toLowerCase().startsWith('de') ? 'de' : 'en';
+
+export const words = language === 'de' ? german : english;
+
+/** @param {number} value @param {number} digits behind the point @returns {string} with a true minus */
+export function written(value, digits) {
+    return new Intl.NumberFormat(language, {
+        minimumFractionDigits: digits,
+        maximumFractionDigits: digits,
+        useGrouping: false,
+    })
+        .format(value)
+        .replace('-', '−');
+}
+
+/** @param {number} seconds @returns {string} such as 7 s or 61:05 min */
+export function writtenTime(seconds) {
+    const whole = Math.floor(seconds);
+    return whole < 60 ? `${whole} s` : `${Math.floor(whole / 60)}:${String(whole % 60).padStart(2, '0')} min`;
+}
+
+/** Writes the fixed words into a page. @param {Document} page */
+export function writeFixedWords(page) {
+    page.documentElement.lang = language;
+
+    for (const element of page.querySelectorAll('[data-text]'))
+        element.textContent = words.fixed[element.getAttribute('data-text') ?? ''];
+
+    for (const element of page.querySelectorAll('[data-label]'))
+        element.setAttribute('aria-label', words.fixed[element.getAttribute('data-label') ?? '']);
+}

@@ -1,7 +1,8 @@
 # What people type. The build itself is CMake's; see CMakePresets.json for other builds.
 .DEFAULT_GOAL := build
 .PHONY: help setup configure build demo screenshot docs lint test check fuzz fuzzer test-asan test-tsan torture \
-	exhaustive bench performance test-hosts windows test-windows package test-packages install uninstall clean
+	exhaustive bench performance test-hosts windows test-windows page test-page page-picture package test-packages \
+	install uninstall clean
 
 PRESET := release
 LIBRARY := dist/linux/Quendal Larkspire.so
@@ -130,7 +131,22 @@ test-windows: windows configure ## reads the Windows libraries' files and runs t
 	@cmake --build --preset $(PRESET) --target larkspire-windows-tests
 	@build/$(PRESET)/tests/windows/larkspire-windows-tests
 
-package: build windows ## packages for Debian, other Linux systems and Windows, in dist/packages
+# Everything inside one file, for every system; packages hold it too.
+page: setup ## the page that runs the chain in a browser, dist/web/larkspire.html
+	@scripts/setup scripts/web/packages.txt
+	$(call configure-preset,$(PRESET))
+	@cmake --build --preset $(PRESET) --target larkspire-page
+
+test-page: page ## installs browsers, and tests the page in them beside the library and the renderer
+	@scripts/web/setup-tests
+	@cmake --build --preset $(PRESET) --target Larkspire_VST larkspire-render
+	@scripts/web/test
+
+page-picture: page ## the picture of the page in docs/
+	@scripts/web/setup-tests
+	@node tests/web/picture.mjs docs/page.png
+
+package: build windows page ## packages for Debian, other Linux systems and Windows, in dist/packages
 	@scripts/setup scripts/packaging/packages.txt
 	@scripts/packaging/package
 

@@ -33,6 +33,7 @@ endfunction ()
 if (WIN32)
     larkspire_package (windows .
         "$<TARGET_FILE:Larkspire_VST>"
+        "${LARKSPIRE_PAGE}"
         "${documents}/INSTALL.txt"
         "${documents}/LICENSE.txt"
         "${documents}/THIRD-PARTY.txt")
@@ -53,6 +54,7 @@ endfunction ()
 
 larkspire_package (portable .
     "$<TARGET_FILE:Larkspire_VST>"
+    "${LARKSPIRE_PAGE}"
     "${documents}/larkspire-microphone.1"
     "${documents}/larkspire-render.1"
     "${documents}/INSTALL.txt"
@@ -66,6 +68,7 @@ larkspire_package (debian lib/vst "$<TARGET_FILE:Larkspire_VST>")
 larkspire_package_bundle (debian lib/vst3 x86_64-linux)
 larkspire_package_lv2 (debian lib/lv2)
 larkspire_package_programs (debian bin)
-larkspire_package (debian share/doc/quendal-larkspire "${documents}/changelog.gz" "${documents}/copyright")
+larkspire_package (debian share/doc/quendal-larkspire
+    "${documents}/changelog.gz" "${documents}/copyright" "${LARKSPIRE_PAGE}")
 larkspire_package (debian share/man/man1 "${documents}/larkspire-microphone.1.gz" "${documents}/larkspire-render.1.gz")
 larkspire_package (debian share/metainfo "${documents}/com.quendal.larkspire.metainfo.xml")

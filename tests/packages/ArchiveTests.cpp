@@ -24,6 +24,7 @@ const std::string vst3Library = "/Quendal Larkspire.vst3/Contents/x86_64-linux/Q
 const std::string lv2Library = "/larkspire.lv2/larkspire.so";
 const std::string windowsVst3Library = "/Quendal Larkspire.vst3/Contents/x86_64-win/Quendal Larkspire.vst3";
 const std::string renderer = "/larkspire-render";
+const std::string page = "/larkspire.html";
 
 /** The largest number behind a prefix such as "GLIBC_2." in what a file asks of the libraries that it loads. */
 int newest (const std::string& file, const std::string& prefix)
@@ -63,6 +64,7 @@ TEST (LinuxArchive, HoldsTheseFilesAndNoOthers)
                      "-rw-r--r-- " + linuxFolder + "/larkspire-microphone.1",
                      "-rwxr-xr-x " + linuxFolder + "/larkspire-render",
                      "-rw-r--r-- " + linuxFolder + "/larkspire-render.1",
+                     "-rw-r--r-- " + linuxFolder + page,
                      "drwxr-xr-x " + linuxFolder + "/larkspire.lv2/",
                      "-rw-r--r-- " + linuxFolder + lv2Library,
                      "-rw-r--r-- " + linuxFolder + "/larkspire.lv2/larkspire.ttl",
@@ -155,7 +157,8 @@ TEST (WindowsArchive, HoldsTheseFilesAndNoOthers)
                               windowsFolder + "/Quendal Larkspire.vst3/Contents/Resources/moduleinfo.json",
                               windowsFolder + "/Quendal Larkspire.vst3/Contents/x86_64-win",
                               windowsFolder + windowsVst3Library,
-                              windowsFolder + "/THIRD-PARTY.txt"));
+                              windowsFolder + "/THIRD-PARTY.txt",
+                              windowsFolder + page));
 }
 
 TEST (WindowsArchive, HasLibrariesThatExportTheirEntriesAndNothingElse)
@@ -197,7 +200,9 @@ TEST (Archives, NameWhatOthersWrote)
                                     "VST 3 SDK",
                                     "VST is a trademark of Steinberg Media Technologies GmbH",
                                     "Neither the name of the Steinberg Media Technologies nor the names",
-                                    "GNU GENERAL PUBLIC LICENSE" })
+                                    "GNU GENERAL PUBLIC LICENSE",
+                                    "musl",
+                                    "Developed at SunPro" })
         EXPECT_THAT ((std::vector { onLinux, onWindows }), testing::Each (HasSubstr (text)));
 
     for (const std::string text : { "CLI11", "JSON for Modern C++" })

@@ -59,6 +59,7 @@ TEST (DebianPackage, HoldsTheseFilesAndNoOthers)
              { "drwxr-xr-x", "./usr/share/doc/quendal-larkspire/" },
              { "-rw-r--r--", "./usr/share/doc/quendal-larkspire/changelog.gz" },
              { "-rw-r--r--", "./usr/share/doc/quendal-larkspire/copyright" },
+             { "-rw-r--r--", "./usr/share/doc/quendal-larkspire/larkspire.html" },
              { "drwxr-xr-x", "./usr/share/man/" },
              { "drwxr-xr-x", "./usr/share/man/man1/" },
              { "-rw-r--r--", "./usr/share/man/man1/larkspire-microphone.1.gz" },
@@ -164,6 +165,7 @@ TEST (DebianPackage, NamesTheLicenceOfEverythingThatIsLinkedIn)
                                     "JSON for Modern C++",
                                     "GCC RUNTIME LIBRARY EXCEPTION",
                                     "VST 3 SDK",
+                                    "developed at SunPro",
                                     "VST is a trademark of Steinberg Media Technologies GmbH",
                                     "Neither the name of the Steinberg Media Technologies nor the names",
                                     "/usr/share/common-licenses/GPL-3" })

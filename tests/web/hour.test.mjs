@@ -6,7 +6,7 @@ import { closeSync, createReadStream, openSync, readFileSync, readdirSync, rmSyn
 import { join } from 'node:path';
 import test from 'node:test';
 
-import { addressOf, kinds, open, openRecording, save } from './support/browsers.mjs';
+import { addressOf, kinds, open, openRecording, save, waitUntil } from './support/browsers.mjs';
 import { render } from './support/renderer.mjs';
 import { speechLike, wavFile } from './support/sounds.mjs';
 import { inBrowser } from './support/suite.mjs';
@@ -82,12 +82,11 @@ async function hashOf(file) {
 }
 
 for (const kind of kinds)
-    inBrowser(kind, { isHeard: true, patience: 600000 }, stage => {
+    inBrowser(kind, { isHeard: true }, stage => {
         test(`an hour takes less than ${mostMegabytes} MB, and the page stays awake`, async t => {
             const file = join(stage.folder, 'hour.wav');
             writeHour(file);
             const { page } = await open(stage.browser, addressOf('http', stage.server));
-            page.setDefaultTimeout(300000);
             await page.evaluate(() => {
                 let last = performance.now();
                 const look = () => {
@@ -116,7 +115,8 @@ for (const kind of kinds)
                 input.dispatchEvent(new Event('input'));
             });
             await page.click('#play');
-            await page.waitForFunction(
+            await waitUntil(
+                page,
                 () => Number(/** @type {HTMLInputElement} */ (document.getElementById('position')).value) > 3592,
             );
             const saving = performance.now();
@@ -138,7 +138,7 @@ for (const kind of kinds)
 
             // What is on disk for the sake of a page goes when the next one is opened.
             const { page: next } = await open(stage.browser, addressOf('http', stage.server));
-            await next.waitForFunction(async () => (await indexedDB.databases()).length === 0);
+            await waitUntil(next, async () => (await indexedDB.databases()).length === 0);
             await next.close();
         });
     });

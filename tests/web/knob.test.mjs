@@ -4,7 +4,7 @@ import assert from 'node:assert/strict';
 import test from 'node:test';
 
 import { modeNames } from '../../web/common/modes.js';
-import { addressOf, chooseMode, kinds, open } from './support/browsers.mjs';
+import { addressOf, chooseMode, kinds, open, waitUntil } from './support/browsers.mjs';
 import { inBrowser } from './support/suite.mjs';
 
 /** @typedef {import('puppeteer-core').Page} Page */
@@ -107,10 +107,10 @@ for (const kind of kinds)
             const { x, y } = await middleOfKnob(page);
             await page.mouse.move(x, y);
             await page.mouse.wheel({ deltaY: -120 });
-            await page.waitForFunction(() => document.documentElement.dataset.mode === 'Powerful');
+            await waitUntil(page, () => document.documentElement.dataset.mode === 'Powerful');
             await page.mouse.wheel({ deltaY: 120 });
             await page.mouse.wheel({ deltaY: 120 });
-            await page.waitForFunction(() => document.documentElement.dataset.mode === 'Gentle');
+            await waitUntil(page, () => document.documentElement.dataset.mode === 'Gentle');
             assert.equal(await modeOf(page), 'Gentle');
             assert.equal(await page.evaluate(() => scrollY), 0);
         });

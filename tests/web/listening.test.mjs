@@ -10,7 +10,7 @@ import { setTimeout as sleep } from 'node:timers/promises';
 import { modeNames } from '../../web/common/modes.js';
 import { Chain } from '../../web/worker/chain.js';
 import { Loudness } from '../../web/worker/loudness.js';
-import { addressOf, chooseMode, kinds, listenTo, open, openRecording } from './support/browsers.mjs';
+import { addressOf, chooseMode, kinds, listenTo, open, openRecording, waitUntil } from './support/browsers.mjs';
 import { chainOfThePage } from './support/page.mjs';
 import { speechLike, wavFile } from './support/sounds.mjs';
 import { forgetHeard, heardAtSpeaker, listenIn, placeOf } from './support/speaker.mjs';
@@ -76,11 +76,7 @@ for (const kind of kinds)
             await rewind();
             await forgetHeard(page);
             await page.click('#play');
-            await page.waitForFunction(
-                word => document.getElementById('play')?.textContent === word,
-                { polling: 50 },
-                'Play',
-            );
+            await waitUntil(page, word => document.getElementById('play')?.textContent === word, 'Play');
             await sleep(300);
             return heardAtSpeaker(page);
         }

@@ -16,6 +16,7 @@ import {
     statusOf,
     untilHeard,
     waitForStatus,
+    waitUntil,
 } from './support/browsers.mjs';
 import { speechLike, wavFile } from './support/sounds.mjs';
 import { inBrowser } from './support/suite.mjs';
@@ -107,7 +108,8 @@ for (const kind of kinds)
         onPage('another recording takes the place of the first, also while that plays', async page => {
             await openRecording(page, speechFile('first.wav', 5));
             await page.click('#play');
-            await page.waitForFunction(
+            await waitUntil(
+                page,
                 () => Number(/** @type {HTMLInputElement} */ (document.getElementById('position')).value) > 0.2,
             );
             await openRecording(page, speechFile('second.wav', 2, 0.05));
@@ -115,8 +117,8 @@ for (const kind of kinds)
             assert.equal(await textOf(page, 'time'), '0 s of 2 s');
             assert.match(await textOf(page, 'advice'), /^This voice peaks at −2\d/);
             await page.click('#play');
-            await page.waitForFunction(() => document.getElementById('time')?.textContent?.startsWith('1 s'));
-            await page.waitForFunction(() => document.getElementById('play')?.textContent === 'Play'); // at its end
+            await waitUntil(page, () => document.getElementById('time')?.textContent?.startsWith('1 s'));
+            await waitUntil(page, () => document.getElementById('play')?.textContent === 'Play'); // at its end
             assert.equal(await textOf(page, 'time'), '0 s of 2 s');
         });
 
@@ -134,7 +136,7 @@ for (const kind of kinds)
 
             for (const mode of ['Gentle', 'Powerful', 'bypass', 'Gentle', 'Powerful']) await chooseMode(page, mode);
 
-            await page.waitForFunction(() => document.getElementById('lane-mode')?.textContent === 'Powerful');
+            await waitUntil(page, () => document.getElementById('lane-mode')?.textContent === 'Powerful');
             assert.equal(await textOf(page, 'figures-mode'), 'Powerful');
             assert.match(await statusOf(page), /^long\.wav/);
             assert.equal(await textOf(page, 'play'), 'Pause');

@@ -6,7 +6,7 @@ import { join } from 'node:path';
 import test from 'node:test';
 import { setTimeout as sleep } from 'node:timers/promises';
 
-import { addressOf, kinds, listenTo, open, openRecording, places, save } from './support/browsers.mjs';
+import { addressOf, kinds, listenTo, open, openRecording, places, save, waitUntil } from './support/browsers.mjs';
 import { speechLike, wavFile } from './support/sounds.mjs';
 import { inBrowser } from './support/suite.mjs';
 
@@ -22,7 +22,8 @@ for (const kind of kinds)
                 await openRecording(page, file);
                 await listenTo(page, 'Gentle');
                 await page.click('#play');
-                await page.waitForFunction(
+                await waitUntil(
+                    page,
                     () => Number(/** @type {HTMLInputElement} */ (document.getElementById('position')).value) > 0.3,
                 );
                 await save(page, stage.folder, 'speech-Gentle.wav');

@@ -8,7 +8,17 @@ import { join } from 'node:path';
 import test, { after } from 'node:test';
 import { setTimeout as sleep } from 'node:timers/promises';
 
-import { addressOf, chooseMode, kinds, open, places, save, untilHeard, waitForStatus } from './support/browsers.mjs';
+import {
+    addressOf,
+    chooseMode,
+    kinds,
+    open,
+    places,
+    save,
+    untilHeard,
+    waitForStatus,
+    waitUntil,
+} from './support/browsers.mjs';
 import { realVoice } from './support/sounds.mjs';
 import { inBrowser } from './support/suite.mjs';
 
@@ -48,11 +58,12 @@ for (const kind of kinds)
                 assert.ok(await page.$eval('#take', line => /** @type {HTMLElement} */ (line).hidden));
 
                 // "Stop and listen": it plays at once.
-                await page.waitForFunction(() => {
+                await waitUntil(page, () => {
                     const play = document.getElementById('play');
                     return play?.textContent === 'Pause' && play === document.activeElement;
                 });
-                await page.waitForFunction(
+                await waitUntil(
+                    page,
                     () => Number(/** @type {HTMLInputElement} */ (document.getElementById('position')).value) > 0.2,
                 );
                 await chooseMode(page, 'bypass');

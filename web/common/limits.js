@@ -4,8 +4,9 @@
 /** A WAV file is read from its place in pieces, so that this is a matter of patience, not of memory. */
 export const longestFileSeconds = 90 * 60;
 
-/** What the browser decodes has to be in memory as a whole: half an hour at 48 kHz. */
-export const mostDecodedFrames = 30 * 60 * 48000;
+/** What the browser decodes has to be in memory as a whole; at more than 48 kHz it is as much less long. */
+export const longestDecodedSeconds = 30 * 60;
+export const mostDecodedFrames = longestDecodedSeconds * 48000;
 
 export const longestTakeSeconds = 60;
 

@@ -2,7 +2,7 @@
 // What is no WAV file: FLAC, MP3, M4A, Ogg and whatever else the browser knows.
 
 import { Fault } from '../common/fault.js';
-import { longestFileSeconds, mostChannels, mostDecodedFrames } from '../common/limits.js';
+import { longestDecodedSeconds, longestFileSeconds, mostChannels, mostDecodedFrames } from '../common/limits.js';
 
 /** @typedef {{ samples: Float32Array<ArrayBuffer>[], rate: number }} Decoded */
 
@@ -54,10 +54,12 @@ export async function decode(file) {
     const decoder = decoderAt(rate);
     const seconds = await lengthOf(file);
 
-    if (seconds * rate > mostDecodedFrames)
+    const longestSeconds = Math.min(longestDecodedSeconds, mostDecodedFrames / rate);
+
+    if (seconds > longestSeconds)
         throw new Fault('tooLongToDecode', {
             minutes: Math.round(seconds / 60),
-            most: Math.floor(mostDecodedFrames / rate / 60),
+            most: Math.floor(longestSeconds / 60),
             mostOfWav: longestFileSeconds / 60,
         });
 

@@ -29,7 +29,6 @@ const programs = { chrome: '/usr/bin/chromium', firefox: '/usr/bin/firefox-esr' 
  * @property {string} [downloads] the folder for what is saved
  * @property {Record<string, string>} [environment] in addition to this one's
  * @property {string[]} [more] more options of Chromium
- * @property {number} [patience] how long a question to the page may take, in ms
  */
 
 /** @param {Wishes} wishes @returns {string[]} */
@@ -73,7 +72,7 @@ export async function start(kind, wishes = {}) {
         browser: kind,
         executablePath: programs[kind],
         headless: true,
-        protocolTimeout: wishes.patience ?? 60000,
+        protocolTimeout: 60000,
         args: kind === 'chrome' ? optionsOfChromium(wishes) : [],
         extraPrefsFirefox: preferencesOfFirefox(wishes),
         env: { ...process.env, ...wishes.environment },
@@ -131,8 +130,24 @@ export async function open(browser, address, ahead) {
 
     await page.setViewport({ width: 1200, height: 900 });
     await page.goto(address);
-    await page.waitForFunction(() => !/2024 or later with/.test(document.getElementById('status')?.textContent ?? ''));
+    await waitUntil(page, () => !/2024 or later with/.test(document.getElementById('status')?.textContent ?? ''));
     return { page, requests, errors };
+}
+
+/**
+ * Asks the page again and again, each time anew: a browser that no longer answers is found out within a minute.
+ *
+ * @template Argument
+ * @param {import('puppeteer-core').Page} page
+ * @param {(argument: Argument) => unknown} isSo runs in the page
+ * @param {Argument} [argument]
+ * @param {number} [timeout] in ms
+ */
+export async function waitUntil(page, isSo, argument, timeout = 30000) {
+    for (const start = performance.now(); performance.now() - start < timeout; await sleep(30))
+        if (await page.evaluate(/** @type {(argument: unknown) => unknown} */ (isSo), argument)) return;
+
+    throw new Error(`the page says "${await statusOf(page)}" after ${timeout / 1000} s, and not yet: ${isSo}`);
 }
 
 /** @param {Place} place @param {{ port: number }} server @returns {string} */
@@ -147,15 +162,13 @@ export function statusOf(page) {
 
 /** @param {import('puppeteer-core').Page} page @param {RegExp} expected */
 export async function waitForStatus(page, expected) {
-    await page
-        .waitForFunction(
-            pattern => new RegExp(pattern).test(document.getElementById('status')?.textContent ?? ''),
-            { polling: 50 },
-            expected.source,
-        )
-        .catch(async () => {
-            throw new Error(`the page says "${await statusOf(page)}" and not ${expected}`);
-        });
+    await waitUntil(
+        page,
+        pattern => new RegExp(pattern).test(document.getElementById('status')?.textContent ?? ''),
+        expected.source,
+    ).catch(async () => {
+        throw new Error(`the page says "${await statusOf(page)}" and not ${expected}`);
+    });
 }
 
 /** @param {import('puppeteer-core').Page} page @param {string} file */
@@ -179,9 +192,11 @@ export async function openRecording(page, file, timeout) {
 
 /** @param {import('puppeteer-core').Page} page @param {number} [timeout] in ms */
 export async function untilHeard(page, timeout = 30000) {
-    await page.waitForFunction(
+    await waitUntil(
+        page,
         () => !(/** @type {HTMLFieldSetElement} */ (document.getElementById('listening')).disabled),
-        { polling: 50, timeout },
+        undefined,
+        timeout,
     );
 }
 
@@ -194,11 +209,7 @@ export async function chooseMode(page, name) {
 /** Chooses a mode and waits until it can be heard. @param {import('puppeteer-core').Page} page @param {string} name */
 export async function listenTo(page, name) {
     await chooseMode(page, name);
-    await page.waitForFunction(
-        mode => document.getElementById('lane-mode')?.textContent === mode,
-        { polling: 20 },
-        name,
-    );
+    await waitUntil(page, mode => document.getElementById('lane-mode')?.textContent === mode, name);
 }
 
 /**

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // What the program says of a recording's level, held to what the library then does.
+#include "meter/LevelAdvice.h"
 #include "render/RendererTest.h"
 #include "support/TestTone.h"
 
@@ -75,6 +76,19 @@ TEST_F (Advice, IsTrueOfWhetherTheExpanderCloses)
 
             EXPECT_EQ (saysNot, text.find ("lies above -61: the expander will not close") != std::string::npos) << text;
         }
+}
+
+TEST_F (Advice, SaysWhatPeakAndWhatRoomTheModeWants)
+{
+    writeRecording (-50.0);
+
+    for (const auto& advice : larkspire::meter::levelAdvice)
+    {
+        const std::string mode (advice.mode);
+        const auto text = adviceFor (mode);
+        EXPECT_THAT (text, HasSubstr ("for " + mode + " " + adviceOnPeak (advice) + "; this one "));
+        EXPECT_THAT (text, HasSubstr ("lies above " + std::to_string (advice.highestRoom) + ": "));
+    }
 }
 
 TEST_F (Advice, NamesAGainThatLetsTheExpanderClose)

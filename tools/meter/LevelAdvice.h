@@ -13,7 +13,7 @@ namespace larkspire::meter
     Between these peaks the mode puts every voice that was measured further from its room, by 1 LU or more, and none
     comes out more than 7 LU softer than a hot one does. Hotter, the leveller brings the room nearer; softer, the voice
     is lost in part. A room above its limit keeps the expander open. docs/sound.md has the measurements, and the tests
-    hold these numbers to them.
+    hold these numbers to them; the documents, the report and the page in the browser have them from here.
 */
 struct LevelAdvice
 {
@@ -23,7 +23,7 @@ struct LevelAdvice
     int highestRoom;
 };
 
-/** One row a mode, in the knob's order. */
+/** One row a mode, in the knob's order behind bypass. web/build.mjs reads the rows as they stand. */
 inline constexpr std::array<LevelAdvice, 3> levelAdvice { {
     { .mode = "Gentle", .lowestPeak = -24, .highestPeak = -12, .highestRoom = -67 },
     { .mode = "Medium", .lowestPeak = -27, .highestPeak = -24, .highestRoom = -61 },

@@ -2,6 +2,7 @@
 #include "render/Advice.h"
 
 #include "base/Texts.h"
+#include "meter/LevelAdvice.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,10 +12,10 @@ namespace larkspire::render
 
 namespace
 {
-/** The room's level from which on the expander is not sure to close, as the documents name it. */
-double roomLimit (KnobMode mode)
+/** What a mode wants; not for bypass, which wants nothing. */
+const meter::LevelAdvice& levelAdviceFor (KnobMode mode)
 {
-    return mode == KnobMode::gentle ? -67.0 : -61.0;
+    return meter::levelAdvice.at (static_cast<std::size_t> (mode) - 1);
 }
 
 std::string decibels (double value)
@@ -72,14 +73,15 @@ std::string expanderSentence (const std::vector<Trial>& trials, double peakDbfs)
         return "the expander closes in " + mode + " where only the room is heard";
 
     const auto room = *now.before.roomDbfs;
-    const auto limit = roomLimit (now.mode);
+    const auto limit = double (levelAdviceFor (now.mode).highestRoom);
     const auto remedies = remediesIn (trials, peakDbfs);
     return "room at " + fixed (room, 0) + " dBFS" + (room > limit ? " lies above " + fixed (limit, 0) : "")
            + ": the expander will not close in " + mode + "; "
            + (remedies.empty() ? "nor will it in another mode, or with less gain" : remedies + " will do");
 }
 
-std::string bestSentence (const std::vector<Trial>& trials, double peakDbfs)
+/** The level that most voices want, and the one that this recording does. */
+std::string levelSentence (const std::vector<Trial>& trials, double peakDbfs)
 {
     std::vector<Trial> ofMode;
     std::copy_if (trials.begin(),
@@ -88,12 +90,14 @@ std::string bestSentence (const std::vector<Trial>& trials, double peakDbfs)
                   [&trials] (const Trial& trial) { return trial.mode == trials.front().mode; });
     const auto& best = *bestOf (ofMode);
     const auto gained = *best.after.distanceDb() - *trials.front().after.distanceDb();
+    const auto general =
+        "for " + std::string (nameOf (best.mode)) + " " + adviceOnPeak (levelAdviceFor (best.mode)) + "; ";
 
     if (gained < 0.5)
-        return std::string (nameOf (best.mode)) + " keeps voice and room no further apart at another level";
+        return general + "this one keeps voice and room no further apart at another level";
 
-    return std::string (nameOf (best.mode)) + " keeps voice and room furthest apart, "
-           + decibels (*best.after.distanceDb()) + ", with " + peakOption (peakDbfs, best);
+    return general + "this one keeps voice and room furthest apart, " + decibels (*best.after.distanceDb()) + ", with "
+           + peakOption (peakDbfs, best);
 }
 } // namespace
 
@@ -127,7 +131,7 @@ Advice adviceFrom (std::vector<Trial> trials, double peakDbfs)
     else
         advice.sentences = { distanceSentence (now, peakDbfs),
                              expanderSentence (advice.trials, peakDbfs),
-                             bestSentence (advice.trials, peakDbfs) };
+                             levelSentence (advice.trials, peakDbfs) };
 
     return advice;
 }

@@ -6,6 +6,8 @@ import { mkdirSync, readFileSync, renameSync, writeFileSync } from 'node:fs';
 import { dirname, join, relative } from 'node:path';
 import { fileURLToPath } from 'node:url';
 
+import { modeNames } from './common/modes.js';
+
 const web = dirname(fileURLToPath(import.meta.url));
 const importLine = /^import \{[^}]*\} from '(\.[^']*)';\n/gm;
 
@@ -53,6 +55,23 @@ function checked(script) {
     return script;
 }
 
+/** @returns {import('./page/advice.js').LevelAdvice[]} what tools/meter/LevelAdvice.h has for all programs */
+export function levelAdvice() {
+    const text = readFileSync(join(web, '../tools/meter/LevelAdvice.h'), 'utf8');
+    const row = /\{ \.mode = "(\w+)", \.lowestPeak = (-\d+), \.highestPeak = (-\d+), \.highestRoom = (-\d+) \}/g;
+    const rows = [...text.matchAll(row)].map(([, mode, lowestPeak, highestPeak, highestRoom]) => ({
+        mode,
+        lowestPeak: Number(lowestPeak),
+        highestPeak: Number(highestPeak),
+        highestRoom: Number(highestRoom),
+    }));
+
+    if (rows.map(({ mode }) => mode).join() !== modeNames.slice(1).join())
+        throw new Error('LevelAdvice.h has not one row for each mode in the shape that this script knows');
+
+    return rows;
+}
+
 /**
  * @param {{ chain: Buffer, licences: string, release: string, sourceAddress: string }} parts
  * @returns {string} the page
@@ -74,6 +93,7 @@ export function page({ chain, licences, release, sourceAddress }) {
         capture: checked(bundle('worklet/capture.js')),
         worker: checked(`'use strict';\n${bundle('worker/worker.js')}`),
         chain: chain.toString('base64'),
+        levelAdvice: JSON.stringify(levelAdvice()),
         page: script,
     };
 

@@ -5,11 +5,12 @@ import { writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import test from 'node:test';
 
+import { levelAdvice } from '../../web/build.mjs';
 import { advice } from '../../web/page/advice.js';
 import { gainsFor } from '../../web/page/equal-loudness.js';
 import { Meter } from '../../web/worker/meter.js';
 import { Studio } from '../../web/worker/studio.js';
-import { chainOfThePage } from './support/page.mjs';
+import { chainOfThePage, partOfThePage } from './support/page.mjs';
 import { temporaryFolder } from './support/paths.mjs';
 import { measure } from './support/renderer.mjs';
 import { randomNumbers, realVoice, speechLike, wavFile } from './support/sounds.mjs';
@@ -109,37 +110,51 @@ test('the louder one is lowered to the softer, and none is raised', () => {
     assert.deepEqual(gainsFor({ original: silent, result: loud }, true), { original: 1, result: 0 });
 });
 
-for (const [peak, quietestTenth, expected] of /** @type {[number | null, number | null, RegExp][]} */ ([
+const [bypass, gentle, medium, powerful] = [0, 1, 2, 3];
+
+for (const [mode, peak, quietestTenth, expected] of /** @type {[number, number | null, number | null, RegExp][]} */ ([
     [
+        medium,
         -2.5,
         -70,
-        /peaks at −2.5 dBFS\. Turn it down by 4 dB .* between −18 and −6: .* only duller\. The room lies at −70.* quiet enough\.$/,
+        /^This voice peaks at −2.5 dBFS\. For Medium, turn it down by 22 dB .* between −27 and −24: .* The room lies at −70 dBFS, and then at −92, which is low enough\.$/,
     ],
-    [-5.97, -70, /That is a good level/],
-    [-18, -64, /good level.* The room lies at −64.* For Gentle it should lie below −67\.$/],
+    [gentle, -11.97, -68, /For Gentle that is a good level: between −24 and −12 is best\. .* −68 dBFS, which is low/],
+    [gentle, -11.9, -68, /turn it down by 1 dB .* −68 dBFS, and then at −69, which is low enough\.$/],
+    [gentle, -12, -66.9, /good level.* −66.9 dBFS\. For Gentle it should lie below −67, or it is not held down/],
+    [powerful, -27, -61, /For Powerful that is a good level.* −61 dBFS, which is low enough\.$/],
+    [powerful, -27, -60.9, /For Powerful that is a good level.* below −61, or it is not held down/],
     [
+        powerful,
         -30.2,
-        -50,
-        /peaks at −30.2 dBFS\. Turn it up by 13 dB .* The room lies at −50 dBFS\. It should lie below −61, for Gentle below −67/,
+        -63,
+        /turn it up by 4 dB .* between −27 and −24: .* −63 dBFS, and then at −59\. For Powerful it should lie below −61/,
     ],
-    [-12, null, /good level: between −18 and −6 is best\.$/],
-    [null, null, /nothing to be heard/],
+    [medium, -25, null, /good level: between −27 and −24 is best\.$/],
+    [bypass, -2.5, -70, /^This voice peaks at −2.5 dBFS\. Bypass leaves it as it is\.$/],
+    [medium, null, null, /nothing to be heard/],
 ]))
-    test(`a peak of ${peak} and a room of ${quietestTenth} dBFS are spoken of truly`, () => {
+    test(`in mode ${mode} a peak of ${peak} and a room of ${quietestTenth} dBFS are spoken of truly`, () => {
         const figures = { ...figuresOf([new Float32Array(10)], 48000), peak, quietestTenth };
-        assert.match(
-            advice(figures, 'en', level => String(level).replace('-', '−')),
-            expected,
-        );
-        assert.ok(advice(figures, 'de', String).length > 20);
+        /** @param {import('../../web/page/words.js').Language} language */
+        const said = language =>
+            advice(levelAdvice(), mode, figures, language, level => String(level).replace('-', '−'));
+        assert.match(said('en'), expected);
+        /** @param {string} text */
+        const numbersIn = text => text.match(/[\d.]*\d/g)?.sort();
+        assert.deepEqual(numbersIn(said('de')), numbersIn(said('en')));
     });
+
+test('the page has the levels that the other programs have', () => {
+    assert.deepEqual(partOfThePage('level-advice'), JSON.stringify(levelAdvice()));
+});
 
 test('a real voice is spoken of as the renderer measures it', async () => {
     const studio = new Studio(chainOfThePage());
     await studio.openFile(new Blob([new Uint8Array(realVoice())]));
     const heard = await studio.hear(2, () => {});
     assert.match(
-        advice(/** @type {any} */ (heard).original, 'en', level => level.toFixed(1)),
-        /room lies at -65\.3 dBFS\. For Gentle/,
+        advice(levelAdvice(), gentle, /** @type {any} */ (heard).original, 'en', level => level.toFixed(1)),
+        /room lies at -65\.3 dBFS/,
     );
 });

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// What the README's first step says about level, about one recording. The README, docs/sound.md and this go together.
+// What a mode wants of the level ahead of it, said about one recording.
 
-/** Where the voice should peak, in dBFS. */
-const bestPeak = { lowest: -18, highest: -6 };
-
-/** Below this the expander closes on the room, in dBFS; Gentle's does later. */
-const highestRoom = -61;
-const highestRoomOfGentle = -67;
+/**
+ * At what level a mode wants a recording, in dBFS: the voice by its peak, the room by its RMS. tools/meter/LevelAdvice.h
+ * has these numbers for all programs, and the page carries them as a part.
+ *
+ * @typedef {{ mode: string, lowestPeak: number, highestPeak: number, highestRoom: number }} LevelAdvice
+ */
 
 /** @typedef {(decibels: number) => string} Written */
 
@@ -15,50 +15,53 @@ const highestRoomOfGentle = -67;
  *
  * @typedef {object} AdviceTexts
  * @property {string} silent
- * @property {(peak: string, lowest: string, highest: string, difference: string) => string} tooLoud
- * @property {(peak: string, lowest: string, highest: string, difference: string) => string} tooSoft
- * @property {(peak: string, lowest: string, highest: string) => string} good
- * @property {(room: string, highest: string, highestOfGentle: string) => string} roomTooLoud
- * @property {(room: string, highestOfGentle: string) => string} roomTooLoudForGentle
- * @property {(room: string) => string} roomQuiet
+ * @property {(peak: string) => string} peak
+ * @property {string} bypass
+ * @property {(mode: string, lowest: string, highest: string, difference: string) => string} tooLoud
+ * @property {(mode: string, lowest: string, highest: string, difference: string) => string} tooSoft
+ * @property {(mode: string, lowest: string, highest: string) => string} good
+ * @property {(room: string) => string} room
+ * @property {(room: string) => string} roomThen once the gain is as it was asked for
+ * @property {string} roomQuiet
+ * @property {(mode: string, highest: string) => string} roomTooLoud
  */
 
 /** @type {Record<import('./words.js').Language, AdviceTexts>} */
 const texts = {
     en: {
         silent: 'There is nothing to be heard in this recording.',
-        tooLoud: (peak, lowest, highest, difference) =>
-            `This voice peaks at ${peak} dBFS. Turn it down by ${difference} dB ahead of ` +
-            `Larkspire, so that it peaks between ${lowest} and ${highest}: a hotter voice does not come out louder, only duller.`,
-        tooSoft: (peak, lowest, highest, difference) =>
-            `This voice peaks at ${peak} dBFS. Turn it up by ${difference} dB ahead of ` +
-            `Larkspire, so that it peaks between ${lowest} and ${highest}.`,
-        good: (peak, lowest, highest) =>
-            `This voice peaks at ${peak} dBFS. That is a good level: between ${lowest} and ${highest} is best.`,
-        roomTooLoud: (room, highest, highestOfGentle) =>
-            `The room lies at ${room} dBFS. It should lie below ${highest}, for Gentle below ` +
-            `${highestOfGentle}, or the noise between the words is not lowered.`,
-        roomTooLoudForGentle: (room, highestOfGentle) =>
-            `The room lies at ${room} dBFS. For Gentle it should lie below ${highestOfGentle}.`,
-        roomQuiet: room => `The room lies at ${room} dBFS, which is quiet enough.`,
+        peak: peak => `This voice peaks at ${peak} dBFS.`,
+        bypass: 'Bypass leaves it as it is.',
+        tooLoud: (mode, lowest, highest, difference) =>
+            `For ${mode}, turn it down by ${difference} dB ahead of Larkspire, so that it peaks between ${lowest} and ` +
+            `${highest}: the hotter it goes in, the nearer the room comes.`,
+        tooSoft: (mode, lowest, highest, difference) =>
+            `For ${mode}, turn it up by ${difference} dB ahead of Larkspire, so that it peaks between ${lowest} and ` +
+            `${highest}: softer, it does not come out as loud.`,
+        good: (mode, lowest, highest) => `For ${mode} that is a good level: between ${lowest} and ${highest} is best.`,
+        room: room => `The room lies at ${room} dBFS`,
+        roomThen: room => `, and then at ${room}`,
+        roomQuiet: ', which is low enough.',
+        roomTooLoud: (mode, highest) =>
+            `. For ${mode} it should lie below ${highest}, or it is not held down between the words.`,
     },
     de: {
         silent: 'In dieser Aufnahme ist nichts zu hören.',
-        tooLoud: (peak, lowest, highest, difference) =>
-            `Diese Stimme hat Spitzen von ${peak} dBFS. Vor Larkspire ${difference} dB leiser ` +
-            `gestellt, läge sie zwischen ${lowest} und ${highest}: Eine heißere Stimme wird nicht lauter, nur dumpfer.`,
-        tooSoft: (peak, lowest, highest, difference) =>
-            `Diese Stimme hat Spitzen von ${peak} dBFS. Vor Larkspire ${difference} dB lauter ` +
-            `gestellt, läge sie zwischen ${lowest} und ${highest}, wo es am besten ist.`,
-        good: (peak, lowest, highest) =>
-            `Diese Stimme hat Spitzen von ${peak} dBFS. Das ist ein guter Pegel: Am besten ist es zwischen ` +
-            `${lowest} und ${highest}.`,
-        roomTooLoud: (room, highest, highestOfGentle) =>
-            `Der Raum liegt bei ${room} dBFS. Er sollte unter ${highest} liegen, für Gentle unter ` +
-            `${highestOfGentle}, sonst wird das Rauschen zwischen den Wörtern nicht leiser.`,
-        roomTooLoudForGentle: (room, highestOfGentle) =>
-            `Der Raum liegt bei ${room} dBFS. Für Gentle sollte er unter ${highestOfGentle} liegen.`,
-        roomQuiet: room => `Der Raum liegt bei ${room} dBFS, das ist leise genug.`,
+        peak: peak => `Diese Stimme hat Spitzen von ${peak} dBFS.`,
+        bypass: 'Bypass lässt sie, wie sie ist.',
+        tooLoud: (mode, lowest, highest, difference) =>
+            `Stellen Sie sie für ${mode} vor Larkspire um ${difference} dB leiser, auf Spitzen zwischen ${lowest} und ` +
+            `${highest}: Je lauter sie hineingeht, desto näher kommt der Raum.`,
+        tooSoft: (mode, lowest, highest, difference) =>
+            `Stellen Sie sie für ${mode} vor Larkspire um ${difference} dB lauter, auf Spitzen zwischen ${lowest} und ` +
+            `${highest}: Geht sie leiser hinein, kommt sie auch leiser heraus.`,
+        good: (mode, lowest, highest) =>
+            `Für ${mode} ist das ein guter Pegel: Am besten ist es zwischen ${lowest} und ${highest}.`,
+        room: room => `Der Raum liegt bei ${room} dBFS`,
+        roomThen: room => `, dann bei ${room}`,
+        roomQuiet: ', das ist leise genug.',
+        roomTooLoud: (mode, highest) =>
+            `. Für ${mode} sollte er unter ${highest} liegen, sonst wird er zwischen den Wörtern nicht leiser.`,
     },
 };
 
@@ -68,34 +71,48 @@ function toTenth(level) {
 }
 
 /**
+ * @param {LevelAdvice} wanted
+ * @param {number} peak in dBFS
+ * @returns {number} the gain that brings a voice to where it is wanted, in whole dB
+ */
+function wantedGain({ lowestPeak, highestPeak }, peak) {
+    if (peak > highestPeak) return -Math.ceil(toTenth(peak - highestPeak));
+
+    return peak < lowestPeak ? Math.ceil(toTenth(lowestPeak - peak)) : 0;
+}
+
+/**
+ * @param {LevelAdvice[]} levels a row a mode, without bypass
+ * @param {number} mode
  * @param {import('../worker/meter.js').Figures} original
  * @param {import('./words.js').Language} language
  * @param {Written} write a level as people of that language read it, to a tenth
  * @returns {string} a sentence or two about the level of this recording
  */
-export function advice(original, language, write) {
+export function advice(levels, mode, original, language, write) {
     const say = texts[language];
 
     if (original.peak === null) return say.silent;
 
     const peak = toTenth(original.peak); // what is written and what is said about it agree
-    const quietestTenth = original.quietestTenth === null ? null : toTenth(original.quietestTenth);
-    const { lowest, highest } = bestPeak;
-    const range = /** @type {const} */ ([write(lowest), write(highest)]);
+    const wanted = levels[mode - 1]; // none for bypass
+
+    if (!wanted) return `${say.peak(write(peak))} ${say.bypass}`;
+
+    const gain = wantedGain(wanted, peak);
+    const range = /** @type {const} */ ([wanted.mode, write(wanted.lowestPeak), write(wanted.highestPeak)]);
     const aboutVoice =
-        peak > highest
-            ? say.tooLoud(write(peak), ...range, write(Math.ceil(peak - highest)))
-            : peak < lowest
-              ? say.tooSoft(write(peak), ...range, write(Math.ceil(lowest - peak)))
-              : say.good(write(peak), ...range);
+        gain < 0
+            ? say.tooLoud(...range, write(-gain))
+            : gain > 0
+              ? say.tooSoft(...range, write(gain))
+              : say.good(...range);
+    const sentences = `${say.peak(write(peak))} ${aboutVoice}`;
 
-    if (quietestTenth === null) return aboutVoice;
+    if (original.quietestTenth === null) return sentences;
 
+    const room = toTenth(original.quietestTenth);
     const aboutRoom =
-        quietestTenth > highestRoom
-            ? say.roomTooLoud(write(quietestTenth), write(highestRoom), write(highestRoomOfGentle))
-            : quietestTenth > highestRoomOfGentle
-              ? say.roomTooLoudForGentle(write(quietestTenth), write(highestRoomOfGentle))
-              : say.roomQuiet(write(quietestTenth));
-    return `${aboutVoice} ${aboutRoom}`;
+        room + gain > wanted.highestRoom ? say.roomTooLoud(wanted.mode, write(wanted.highestRoom)) : say.roomQuiet;
+    return `${sentences} ${say.room(write(room))}${gain ? say.roomThen(write(toTenth(room + gain))) : ''}${aboutRoom}`;
 }

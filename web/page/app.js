@@ -24,6 +24,9 @@ import { language, words, writeFixedWords, written, writtenTime } from './words.
  * @typedef {import('./engine.js').Heard} Heard
  */
 
+/** @type {import('./advice.js').LevelAdvice[]} */
+const levelAdvice = JSON.parse(partOfThisFile('level-advice'));
+
 const stillMotion = matchMedia('(prefers-reduced-motion: reduce)');
 const stillFramesPerSecond = 4;
 const lowestLevel = -60; // dBFS, as far down as the meter of the microphone goes
@@ -240,8 +243,12 @@ class App {
         this.#showTake();
         this.#drawWaveforms();
         showFigures(mode, this.#heard[mode]);
-        element('advice', HTMLElement).textContent = advice(this.#heard[mode].original, language, level =>
-            written(level, level % 1 ? 1 : 0),
+        element('advice', HTMLElement).textContent = advice(
+            levelAdvice,
+            mode,
+            this.#heard[mode].original,
+            language,
+            level => written(level, level % 1 ? 1 : 0),
         );
 
         if (this.#isToPlay) {

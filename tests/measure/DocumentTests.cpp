@@ -11,10 +11,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <set>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -54,6 +57,60 @@ TEST (Document, ShowsEveryPictureAndEveryPictureHasItsScript)
 
     for (const auto& name : scripts)
         EXPECT_NE (text.find ("(sound/" + name + ".png)"), std::string::npos) << name;
+}
+
+/** The addresses of a page's sections, as those who show Markdown make them of the headings. */
+std::set<std::string> sectionsOf (const std::string& text)
+{
+    std::set<std::string> sections;
+    std::istringstream lines (text);
+
+    for (std::string line; std::getline (lines, line);)
+    {
+        if (! line.starts_with ('#'))
+            continue;
+
+        std::string section;
+
+        for (const auto letter : line.substr (line.find_first_not_of ('#') + 1))
+            if (letter == ' ')
+                section += '-';
+            else if (std::isalnum (static_cast<unsigned char> (letter)) != 0 || letter == '-' || letter == '_')
+                section += static_cast<char> (std::tolower (static_cast<unsigned char> (letter)));
+
+        sections.insert (section);
+    }
+
+    return sections;
+}
+
+TEST (Documents, PointOnlyToWhatIsThere)
+{
+    std::vector<std::filesystem::path> pages { paths::source ("README.md"), paths::source ("CONTRIBUTING.md") };
+
+    for (const auto& page : stemsIn (docs, ".md"))
+        pages.push_back (docs / (page + ".md"));
+
+    const std::regex link (R"(\]\(([^)#]*)(?:#([^)]*))?\))");
+    std::size_t links = 0;
+
+    for (const auto& page : pages)
+    {
+        const auto text = bytesOf (page);
+
+        for (std::sregex_iterator match (text.begin(), text.end(), link), end; match != end; ++match, ++links)
+        {
+            const auto target = match->str (1).empty() ? page : page.parent_path() / match->str (1);
+            ASSERT_TRUE (std::filesystem::exists (target)) << page << ": " << match->str();
+
+            if (! match->str (2).empty())
+            {
+                EXPECT_EQ (sectionsOf (bytesOf (target)).count (match->str (2)), 1u) << page << ": " << match->str();
+            }
+        }
+    }
+
+    EXPECT_GT (links, 50u);
 }
 
 TEST (Document, KeepsWhatIsNoTable)

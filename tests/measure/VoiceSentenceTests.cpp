@@ -4,7 +4,10 @@
 #include "measure/CommittedTables.h"
 #include "measure/VoicesInRoom.h"
 #include "meter/LevelAdvice.h"
+#include "support/Paths.h"
+#include "support/Recording.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -157,6 +160,21 @@ TEST (LevelAdvice, SaysItsNumbers)
     const larkspire::meter::LevelAdvice advice { .mode = "", .lowestPeak = -3, .highestPeak = -1, .highestRoom = -50 };
     EXPECT_EQ (adviceOnPeak (advice), "let the voice peak between -3 and -1 dBFS");
     EXPECT_EQ (adviceOnRoom (advice), "keep the room below -50 dBFS");
+}
+
+TEST (LevelAdvice, IsThatOfTheReadme)
+{
+    const auto readme = bytesOf (paths::source ("README.md"));
+
+    for (const auto& advice : levelAdvice)
+    {
+        const auto minus = [] (int level) { return "\u2212" + std::to_string (-level); };
+        const auto row = readme.find ("| " + std::string (advice.mode) + " | ");
+        ASSERT_NE (row, std::string::npos) << advice.mode;
+        EXPECT_THAT (readme.substr (row, readme.find ('\n', row) - row),
+                     testing::EndsWith (" | " + minus (advice.lowestPeak) + " to " + minus (advice.highestPeak)
+                                        + " dBFS | " + minus (advice.highestRoom) + " dBFS |"));
+    }
 }
 
 TEST (VoiceSentence, AVoiceComesOutEquallyLoudWithinAbout1And3And4)

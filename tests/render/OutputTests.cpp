@@ -76,7 +76,7 @@ TEST_F (Output, ThatLosesSamplesSaysHowManyOnce)
     // NaN ends in the plug-in; in one that halves what it gets it does not.
     writeFloats (folder / "broken.wav", wavFloat, 1, { 0.5f, std::numeric_limits<float>::quiet_NaN() });
     EXPECT_EQ (runHere ({ "--plugin", paths::standIn(), "broken.wav", "-o", "result.wav" }).errors,
-               name + "1 sample that is no number became silence" + remedy);
+               name + "1 sample of NaN became silence" + remedy);
 
     // Nothing to say: of what fits, of floats, and in a mode that makes every sample anew.
     expectSuccess ({ "--mode", "bypass", "fits.wav", "-o", "result.wav" });

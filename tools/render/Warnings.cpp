@@ -75,10 +75,7 @@ std::vector<std::string> warningsOf (const Rendering& rendering, const RenderSet
         say (output, countOf (report.losses.clipped) + " beyond full scale clipped" + remedy);
 
     if (report.losses.notNumbers > 0)
-        say (output,
-             countOf (report.losses.notNumbers)
-                 + (report.losses.notNumbers == 1 ? " that is no number" : " that are no numbers") + " became silence"
-                 + remedy);
+        say (output, countOf (report.losses.notNumbers) + " of NaN became silence" + remedy);
 
     if (report.finish.has_value() && report.finish->missed())
         say (output, finishText (*report.finish));

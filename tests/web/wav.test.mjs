@@ -74,6 +74,29 @@ test('the long form of the format chunk names its kind further behind', async ()
     assert.deepEqual(await recording.read(0, 1001), noise);
 });
 
+test('the kind for long recordings, RF64, states the size of the samples in a chunk of its own', async t => {
+    const folder = temporaryFolder(t);
+    const plain = wavFile(noise, { rate: 48000, encoding: 'pcm16', statedSize: 0xffffffff });
+    const sizes = Buffer.alloc(28);
+    sizes.writeBigUInt64LE(4004n, 8);
+    const file = Buffer.concat([
+        Buffer.from('RF64\xff\xff\xff\xffWAVE', 'latin1'),
+        chunk('ds64', sizes),
+        plain.subarray(12),
+        chunk('LIST', Buffer.from('behind the samples')),
+    ]);
+    writeFileSync(join(folder, 'in.wav'), file);
+    const { recording, isCut } = await opened(file);
+    assert.deepEqual([recording.frames, isCut], [1001, false]);
+    const expected = floatSamples(
+        render(join(folder, 'in.wav'), join(folder, 'out.wav'), '--mode', 'bypass', '--bits', '32f'),
+    );
+    assert.deepEqual(
+        await recording.read(0, 1001),
+        [0, 1].map(c => expected.filter((_, i) => i % 2 === c)),
+    );
+});
+
 for (const [name, statedSize, isCut, frames] of /** @type {[string, number, boolean, number][]} */ ([
     ['of the true size', 2002, false, 1001],
     ['shorter than its head says', 4000, true, 1001],

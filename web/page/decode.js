@@ -28,17 +28,22 @@ function decoderAt(rate) {
     }
 }
 
-/** @param {Blob} file @returns {Promise<number>} its length in seconds, read from its head; NaN if there is none */
+/** @param {Blob} file @returns {Promise<number>} its length in seconds, without decoding it; NaN if it is no sound */
 function lengthOf(file) {
     return new Promise(resolve => {
         const url = URL.createObjectURL(file);
         const media = new Audio();
-        const done = () => {
+        const done = (/** @type {number} */ seconds) => {
             URL.revokeObjectURL(url);
-            resolve(media.duration);
+            resolve(seconds);
         };
-        media.onloadedmetadata = done;
-        media.onerror = done;
+        media.onloadedmetadata = () => {
+            // What was written while it was recorded states no length: the end of it has to be looked for.
+            if (media.duration === Infinity) media.currentTime = 2 * longestFileSeconds;
+            else done(media.duration);
+        };
+        media.onseeked = () => done(media.currentTime);
+        media.onerror = () => done(NaN);
         media.preload = 'metadata';
         media.src = url;
     });

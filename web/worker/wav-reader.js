@@ -78,16 +78,21 @@ function readFormat(chunk) {
 
 /**
  * Finds the format and the samples. Chunks begin at even places. A recorder that was stopped hard leaves 0 as the size
- * of the samples.
+ * of the samples; in the kind for long recordings, RF64, their size stands in a chunk of its own.
  *
  * @param {Blob} file
  */
 async function findChunks(file) {
     let format;
+    let longSize;
 
     for (let at = 12, count = 0; at + 8 <= file.size && count < mostChunks; ++count) {
         const head = await bytesOf(file, at, 8);
-        const size = head.getUint32(4, true);
+        const stated = head.getUint32(4, true);
+        const size = tag(head, 0) === 'data' && stated === 0xffffffff ? (longSize ?? stated) : stated;
+
+        if (tag(head, 0) === 'ds64' && size >= 16 && at + 24 <= file.size)
+            longSize = Number((await bytesOf(file, at + 8, 16)).getBigUint64(8, true));
 
         if (tag(head, 0) === 'fmt ' && size >= 16 && at + 24 <= file.size)
             format = readFormat(await bytesOf(file, at + 8, Math.min(size, 40)));
@@ -111,7 +116,7 @@ async function findChunks(file) {
 export async function openWav(file) {
     const head = await bytesOf(file, 0, 12);
 
-    if (head.byteLength < 12 || tag(head, 0) !== 'RIFF' || tag(head, 8) !== 'WAVE') return undefined;
+    if (head.byteLength < 12 || !/^(RIFF|RF64)$/.test(tag(head, 0)) || tag(head, 8) !== 'WAVE') return undefined;
 
     const chunks = await findChunks(file);
 

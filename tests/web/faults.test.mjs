@@ -73,12 +73,12 @@ const badFiles = [
     [
         'two-hours.flac',
         file => sox(file, 8000, '-c', '1', 'trim', '0', '7200'),
-        /is 120 minutes long\. Of this kind this page takes up to 30 minutes/,
+        /is 120 minutes long\. In this format this page takes up to 30 minutes/,
     ],
     [
         'twenty-minutes-at-96-kHz.flac',
         file => sox(file, 96000, '-c', '1', 'trim', '0', '1200'),
-        /is 20 minutes long\. Of this kind this page takes up to 15 minutes, of WAV files 90\.$/,
+        /is 20 minutes long\. In this format this page takes up to 15 minutes, as WAV 90\.$/,
     ],
     [
         'slow.wav',
@@ -186,6 +186,19 @@ for (const kind of kinds) {
             });
 
         if (kind === 'chrome')
+            onPage('what stops half-way leaves no bar behind', async page => {
+                const file = join(stage.folder, 'stopping.wav');
+                const isBarHidden = () =>
+                    /** @type {HTMLElement} */ (document.getElementById('progress')).hidden;
+                writeLongWav(file, 5000);
+                await choose(page, file);
+                await waitUntil(page, () => !(/** @type {HTMLElement} */ (document.getElementById('progress')).hidden));
+                writeLongWav(file, 4000);
+                await waitForStatus(page, /^stopping\.wav can no longer be read/);
+                assert.ok(await page.evaluate(isBarHidden));
+            });
+
+        if (kind === 'chrome')
             test('without a script there is a sentence', async () => {
                 const page = await stage.browser.newPage();
                 await page.setJavaScriptEnabled(false);
@@ -213,7 +226,7 @@ for (const kind of kinds) {
                     .overridePermissions(`http://127.0.0.1:${stage.server.port}`, []);
 
             await page.click('#record');
-            await waitForStatus(page, /^The browser may not use the microphone\. Allow it/);
+            await waitForStatus(page, /^The browser may not use the microphone\. Allow it with the icon/);
             assert.equal(await page.$eval('#record', button => button.textContent), 'Record your voice');
             await page.close();
         });

@@ -26,8 +26,14 @@ function writeHour(file) {
     const out = openSync(file, 'w');
     writeSync(out, head);
 
-    for (let i = 0; i < minutes; ++i)
-        writeSync(out, Buffer.from(Int16Array.from(minute, x => (x * (1 + i) * 32768) / minutes).buffer));
+    const louder = new Int16Array(minute.length);
+
+    for (let i = 0; i < minutes; ++i) {
+        minute.forEach((x, at) => {
+            louder[at] = (x * (1 + i) * 32768) / minutes;
+        });
+        writeSync(out, new Uint8Array(louder.buffer));
+    }
 
     closeSync(out);
 }

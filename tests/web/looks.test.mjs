@@ -2,12 +2,13 @@
 // Whether everybody can read and work it: contrast, names and roles by axe-core, keys, phones, large letters,
 // languages.
 import assert from 'node:assert/strict';
-import { readFileSync, writeFileSync } from 'node:fs';
+import { mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { createRequire } from 'node:module';
+import { tmpdir } from 'node:os';
 import { join } from 'node:path';
-import test from 'node:test';
+import { after, test } from 'node:test';
 
-import { addressOf, choose, kinds, listenTo, open, openRecording, waitForStatus } from './support/browsers.mjs';
+import { addressOf, choose, focusOf, kinds, listenTo, open, openRecording, waitForStatus, waitUntil } from './support/browsers.mjs';
 import { speechLike, wavFile } from './support/sounds.mjs';
 import { inBrowser } from './support/suite.mjs';
 
@@ -15,6 +16,10 @@ import { inBrowser } from './support/suite.mjs';
 
 const axe = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
 const speech = wavFile([speechLike(96000, 48000, 1)], { rate: 48000, encoding: 'pcm16' });
+const folder = mkdtempSync(join(tmpdir(), 'larkspire-page-'));
+const voice = join(folder, 'voice.wav');
+writeFileSync(voice, speech);
+after(() => rmSync(folder, { recursive: true, force: true }));
 
 /** @param {Page} page @param {string} folder */
 async function openSpeech(page, folder) {
@@ -63,7 +68,7 @@ function whatDoesNotFit(page) {
 
 for (const kind of kinds)
     for (const language of ['en-US', 'de-AT'])
-        inBrowser(kind, { language }, stage => {
+        inBrowser(kind, { language, voice, isHeard: true }, stage => {
             test('axe-core finds nothing, in any state', async () => {
                 const { page } = await open(stage.browser, addressOf('http', stage.server));
                 await expectNoViolation(page, 'empty');
@@ -83,6 +88,11 @@ for (const kind of kinds)
                 await choose(page, join(stage.folder, 'bad.wav'));
                 await waitForStatus(page, /bad\.wav/);
                 await expectNoViolation(page, 'with a fault');
+                await page.setViewport({ width: 390, height: 844 });
+                await page.click('#record');
+                await waitUntil(page, () => !(/** @type {HTMLElement} */ (document.getElementById('take')).hidden));
+                await expectNoViolation(page, 'while it records');
+                assert.deepEqual(await whatDoesNotFit(page), [], 'while it records');
                 await page.close();
             });
 
@@ -145,11 +155,7 @@ for (const kind of kinds)
 
                     for (let i = 0; i < 12; ++i) {
                         await page.keyboard.press('Tab');
-                        reached.push(
-                            await page.evaluate(
-                                () => document.activeElement?.id || document.activeElement?.textContent,
-                            ),
-                        );
+                        reached.push(await focusOf(page));
                     }
 
                     assert.deepEqual(reached, [
@@ -164,7 +170,7 @@ for (const kind of kinds)
                         'play',
                         'choose-result',
                         'save',
-                        'Licences of what others wrote',
+                        'Licences of the parts that others wrote',
                     ]);
                     await page.close();
                 });

@@ -5,6 +5,7 @@ import { execFileSync } from 'node:child_process';
 import { writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import test from 'node:test';
+import { setTimeout as sleep } from 'node:timers/promises';
 
 import {
     addressOf,
@@ -94,7 +95,7 @@ for (const kind of kinds)
                     await waitForStatus(
                         page,
                         new RegExp(
-                            `^${name.replace('.', '\\.')}: [12] s, ${said} kHz, stereo\\. The browser has decoded it, at this rate\\.$`,
+                            `^${name.replace('.', '\\.')}: [12] s, ${said} kHz, stereo\\. The browser has decoded it to this rate\\.$`,
                         ),
                     );
                     await untilHeard(page);
@@ -104,6 +105,61 @@ for (const kind of kinds)
                 }
             },
         );
+
+        if (kind === 'chrome')
+            onPage('a recording of another page, which states no length, is opened', async page => {
+                await page.click('h1'); // browsers let no page make a sound that nobody has touched
+                await page.evaluate(async () => {
+                    const context = new AudioContext();
+                    const tone = new OscillatorNode(context);
+                    const end = new MediaStreamAudioDestinationNode(context);
+                    tone.connect(end);
+                    tone.start();
+                    const recorder = new MediaRecorder(end.stream, { mimeType: 'audio/webm' });
+                    recorder.ondataavailable = ({ data }) => {
+                        const transfer = new DataTransfer();
+                        transfer.items.add(new File([data], 'memo.webm'));
+                        document.body.dispatchEvent(new DragEvent('drop', { dataTransfer: transfer }));
+                    };
+                    recorder.start();
+                    setTimeout(() => recorder.stop(), 1500);
+                });
+                await waitForStatus(page, /^memo\.webm: \d s, 48\.0 kHz/);
+                await untilHeard(page);
+            });
+
+        onPage('what is dropped and is no file changes nothing', async page => {
+            const said = await statusOf(page);
+            const isTaken = await page.evaluate(() => {
+                const data = new DataTransfer();
+                data.setData('text/plain', 'some words');
+                const over = new DragEvent('dragover', { dataTransfer: data, bubbles: true, cancelable: true });
+                document.body.dispatchEvent(over);
+                const drop = new DragEvent('drop', { dataTransfer: data, bubbles: true, cancelable: true });
+                document.body.dispatchEvent(drop);
+                return over.defaultPrevented || document.body.classList.contains('dropping');
+            });
+            assert.equal(isTaken, false);
+            assert.equal(await statusOf(page), said);
+        });
+
+        onPage('no level is written as minus zero', async page => {
+            const file = join(stage.folder, 'full.wav');
+            const tone = Float32Array.from({ length: rate }, (_, i) => 0.997 * Math.sin(i / 20));
+            writeFileSync(file, wavFile([tone], { rate, encoding: 'pcm24' }));
+            await openRecording(page, file);
+            assert.equal(await textOf(page, 'true-peak-before'), '0.0');
+        });
+
+        onPage('another recording takes the place of the first, also while that is heard through', async page => {
+            await choose(page, speechFile('slow.wav', 300, 0.1));
+            await waitForStatus(page, /^slow\.wav: /);
+            await openRecording(page, speechFile('quick.wav', 2, 0.05));
+            await sleep(500);
+            assert.equal(await textOf(page, 'time'), '0 s of 2 s');
+            assert.match(await textOf(page, 'advice'), /^This voice peaks at −2\d/);
+            assert.ok(await page.$eval('#progress', bar => /** @type {HTMLElement} */ (bar).hidden));
+        });
 
         onPage('another recording takes the place of the first, also while that plays', async page => {
             await openRecording(page, speechFile('first.wav', 5));

@@ -6,13 +6,14 @@ import { mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import test, { after } from 'node:test';
-import { setTimeout as sleep } from 'node:timers/promises';
 
 import {
     addressOf,
     chooseMode,
+    focusOf,
     kinds,
     open,
+    openRecording,
     places,
     save,
     untilHeard,
@@ -40,20 +41,42 @@ function levelOf(samples, from, to) {
     return Math.sqrt(samples.subarray(from, to).reduce((sum, x) => sum + x * x, 0) / (to - from));
 }
 
+/** Runs in the page ahead of its script: keeps what it gets from the microphone, and lets the browser go on asking. */
+function keepMicrophones() {
+    const state = Object.assign(/** @type {any} */ (globalThis), { microphones: [], isAsking: false });
+    const getUserMedia = navigator.mediaDevices.getUserMedia.bind(navigator.mediaDevices);
+    navigator.mediaDevices.getUserMedia = async wishes => {
+        const stream = await getUserMedia(wishes);
+        state.microphones.push(stream);
+        const [track] = stream.getTracks();
+        // Firefox hands on no such event but its own.
+        track.addEventListener = (/** @type {string} */ kind, /** @type {any} */ action) => {
+            if (kind === 'ended') state.unplug = action;
+        };
+
+        while (state.isAsking) await new Promise(resolve => setTimeout(resolve, 20));
+
+        return stream;
+    };
+}
+
 for (const kind of kinds)
     for (const place of places)
         inBrowser(kind, { voice: voiceFile, isHeard: true }, stage => {
             test(`from ${place}, what is spoken is recorded as it is`, async () => {
                 const { page, errors } = await open(stage.browser, addressOf(place, stage.server));
-                await page.click('#record');
+                await page.focus('#record');
+                await page.keyboard.press('Enter');
                 await waitForStatus(page, /^Speak now/);
+                assert.equal(await focusOf(page), 'record', 'the next key would not stop it');
                 assert.equal(await page.$eval('#record', button => button.textContent), 'Stop and listen');
                 assert.ok(await page.$eval('#listening', part => /** @type {HTMLFieldSetElement} */ (part).disabled));
-                await sleep(3500);
-                assert.match(await page.$eval('#take-time', line => line.textContent ?? ''), /^[1-9] of 60 s$/);
+                await waitUntil(page, () =>
+                    /^[3-9] of 60 s$/.test(document.getElementById('take-time')?.textContent ?? ''),
+                );
                 assert.ok(await page.$eval('#file', input => /** @type {HTMLInputElement} */ (input).disabled));
-                await page.click('#record');
-                await waitForStatus(page, /^Your voice: [2-9] s, 4[48]\.[01] kHz, mono\./);
+                await page.keyboard.press('Enter');
+                await waitForStatus(page, /^Your voice: [3-9] s, 4[48]\.[01] kHz, mono\./);
                 await untilHeard(page);
                 assert.ok(await page.$eval('#take', line => /** @type {HTMLElement} */ (line).hidden));
 
@@ -134,4 +157,61 @@ for (const kind of kinds)
                     );
                     await page.close();
                 });
+
+            if (place === 'http') {
+                test('a microphone that is unplugged ends the recording, and what there is of it is kept', async () => {
+                    const { page, errors } = await open(stage.browser, addressOf(place, stage.server), keepMicrophones);
+                    await page.click('#record');
+                    await waitForStatus(page, /^Speak now/);
+                    await waitUntil(page, () => /^[2-9]/.test(document.getElementById('take-time')?.textContent ?? ''));
+                    await page.evaluate(() => /** @type {any} */ (globalThis).unplug());
+                    await waitForStatus(page, /^Your voice: [1-9] s, .* The microphone went away/);
+                    await untilHeard(page);
+                    assert.equal(await page.$eval('#record', button => button.textContent), 'Record your voice');
+                    assert.deepEqual(errors, []);
+                    await page.close();
+                });
+
+                test('while the browser asks, a second click asks no second time; then nothing plays', async () => {
+                    const { page } = await open(stage.browser, addressOf(place, stage.server), keepMicrophones);
+                    await openRecording(page, voiceFile);
+                    await page.evaluate(() => {
+                        /** @type {any} */ (globalThis).isAsking = true;
+                    });
+                    await page.click('#record');
+                    await page.click('#record');
+                    await page.click('#play');
+                    await waitUntil(page, () => document.getElementById('play')?.textContent === 'Pause');
+                    await page.evaluate(() => {
+                        /** @type {any} */ (globalThis).isAsking = false;
+                    });
+                    await waitForStatus(page, /^Speak now/);
+                    assert.equal(await page.$eval('#play', button => button.textContent), 'Play');
+                    assert.equal(await page.evaluate(() => /** @type {any} */ (globalThis).microphones.length), 1);
+                    await page.close();
+                });
+
+                test('a recording that is ready only while the next one is made stays silent', async () => {
+                    const { page } = await open(stage.browser, addressOf(place, stage.server), () => {
+                        // A slow machine.
+                        const { postMessage } = Worker.prototype;
+                        Worker.prototype.postMessage = function (/** @type {any} */ message, /** @type {any} */ transfer) {
+                            setTimeout(
+                                () => postMessage.call(this, message, transfer),
+                                message.method === 'hear' ? 2000 : 0,
+                            );
+                        };
+                    });
+                    await page.click('#record');
+                    await waitForStatus(page, /^Speak now/);
+                    await waitUntil(page, () => /^[2-9]/.test(document.getElementById('take-time')?.textContent ?? ''));
+                    await page.click('#record');
+                    await waitForStatus(page, /^Your voice/);
+                    await page.click('#record');
+                    await waitForStatus(page, /^Speak now/);
+                    await waitUntil(page, () => document.getElementById('lane-mode')?.textContent === 'Medium');
+                    assert.equal(await page.$eval('#play', button => button.textContent), 'Play');
+                    await page.close();
+                });
+            }
         });

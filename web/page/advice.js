@@ -51,17 +51,17 @@ const texts = {
         bypass: 'Bypass lässt sie, wie sie ist.',
         tooLoud: (mode, lowest, highest, difference) =>
             `Stellen Sie sie für ${mode} vor Larkspire um ${difference} dB leiser, auf Spitzen zwischen ${lowest} und ` +
-            `${highest}: Je lauter sie hineingeht, desto näher kommt der Raum.`,
+            `${highest}: Je lauter sie hineingeht, desto näher kommt das Raumgeräusch.`,
         tooSoft: (mode, lowest, highest, difference) =>
             `Stellen Sie sie für ${mode} vor Larkspire um ${difference} dB lauter, auf Spitzen zwischen ${lowest} und ` +
             `${highest}: Geht sie leiser hinein, kommt sie auch leiser heraus.`,
         good: (mode, lowest, highest) =>
-            `Für ${mode} ist das ein guter Pegel: Am besten ist es zwischen ${lowest} und ${highest}.`,
-        room: room => `Der Raum liegt bei ${room} dBFS`,
+            `Für ${mode} ist das ein guter Pegel: Am besten liegt sie zwischen ${lowest} und ${highest}.`,
+        room: room => `Das Raumgeräusch liegt bei ${room} dBFS`,
         roomThen: room => `, dann bei ${room}`,
         roomQuiet: ', das ist leise genug.',
         roomTooLoud: (mode, highest) =>
-            `. Für ${mode} sollte er unter ${highest} liegen, sonst wird er zwischen den Wörtern nicht leiser.`,
+            `. Für ${mode} sollte es unter ${highest} liegen, sonst wird es zwischen den Wörtern nicht leiser.`,
     },
 };
 

@@ -15,6 +15,7 @@ import { showFigures } from './figures.js';
 import { Microphone } from './microphone.js';
 import { Panel } from './panel.js';
 import { Player } from './player.js';
+import { onPress } from './press.js';
 import { Status } from './status.js';
 import { Waveform } from './waveform.js';
 import { language, words, writeFixedWords, written, writtenTime } from './words.js';
@@ -66,12 +67,12 @@ class App {
         this.#showPlaying();
         showFigures(this.#panel.mode);
 
-        this.#recordButton.addEventListener('click', () =>
+        onPress(this.#recordButton, () =>
             this.#microphone ? this.#endTake(this.#microphone) : this.#beginTake(),
         );
         this.#file.addEventListener('change', () => this.#openChosen());
         this.#playButton.addEventListener('click', () => this.#playOrPause());
-        this.#saveButton.addEventListener('click', () => this.#save());
+        onPress(this.#saveButton, () => this.#save());
         this.#position.addEventListener('input', () => this.#seek(Number(this.#position.value)));
         this.#listening.addEventListener('change', () => this.#switchSound());
         this.#takeDrops();
@@ -137,21 +138,20 @@ class App {
     }
 
     async #beginTake() {
-        this.#player.pause();
-        this.#showPlaying();
-        this.#recordButton.disabled = true;
-
         try {
-            this.#microphone = await Microphone.open(partOfThisFile('capture-script'), (seconds, peak) =>
-                this.#hearTake(seconds, peak),
+            this.#microphone = await Microphone.open(
+                partOfThisFile('capture-script'),
+                (seconds, peak) => this.#hearTake(seconds, peak),
+                () => this.#microphone && this.#endTake(this.#microphone, words.microphoneGone),
             );
+            this.#player.pause(); // only now: while the browser asked, something may have begun to play
+            this.#showPlaying();
             this.#recordButton.textContent = words.stopRecording;
             this.#status.say(words.recording);
         } catch (error) {
             this.#status.sayFault(error);
         }
 
-        this.#recordButton.disabled = false;
         this.#showTake();
     }
 
@@ -159,25 +159,25 @@ class App {
     #hearTake(seconds, peak) {
         if (!this.#microphone) return; // the last pieces come when it is closed already
 
-        element('take-time', HTMLElement).textContent = words.recorded(written(seconds, 0), String(longestTakeSeconds));
+        element('take-time', HTMLElement).textContent = words.recorded(String(Math.floor(seconds)), String(longestTakeSeconds));
         element('take-level', HTMLMeterElement).value = amplitudeDecibels(peak) ?? lowestLevel;
 
         if (seconds >= longestTakeSeconds) this.#endTake(this.#microphone);
     }
 
-    /** @param {Microphone} microphone */
-    #endTake(microphone) {
+    /** @param {Microphone} microphone @param {string} [remark] */
+    #endTake(microphone, remark = '') {
         this.#microphone = undefined;
         this.#recordButton.textContent = words.record;
         this.#showTake();
-        this.#inTurn(() => this.#openTake(microphone));
+        this.#inTurn(() => this.#openTake(microphone, remark));
     }
 
-    /** @param {Microphone} microphone */
-    async #openTake(microphone) {
+    /** @param {Microphone} microphone @param {string} remark */
+    async #openTake(microphone, remark) {
         try {
             const { samples, rate } = await microphone.close();
-            this.#opened(words.ownVoice, await this.#engine.openSamples([samples], rate), '', true);
+            this.#opened(words.ownVoice, await this.#engine.openSamples([samples], rate), remark, true);
         } catch (error) {
             this.#status.sayFault(error, words.ownVoice);
         }
@@ -251,7 +251,7 @@ class App {
             level => written(level, level % 1 ? 1 : 0),
         );
 
-        if (this.#isToPlay) {
+        if (this.#isToPlay && !this.#microphone) {
             this.#isToPlay = false;
             this.#playButton.focus();
             this.#playOrPause();
@@ -275,6 +275,7 @@ class App {
             { peaks: original.outline, colour: style.getPropertyValue('--original'), isHeard: isOriginal },
             { peaks: result.outline, colour: style.getPropertyValue('--mode'), isHeard: !isOriginal },
         ]);
+        element('lane-original', HTMLElement).textContent = words.fixed.original;
         element('lane-mode', HTMLElement).textContent = modeNames[this.#heardMode];
     }
 
@@ -339,7 +340,6 @@ class App {
         const { name } = /** @type {{ name: string }} */ (this.#recording);
         const mode = this.#panel.mode;
         const fileName = `${name.replace(/\.[^.]*$/, '')}-${modeNames[mode]}.wav`;
-        this.#saveButton.disabled = true;
 
         try {
             this.#status.begin();
@@ -349,8 +349,6 @@ class App {
         } catch (error) {
             this.#status.sayFault(error, name);
         }
-
-        this.#saveButton.disabled = false;
     }
 }
 

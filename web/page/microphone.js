@@ -45,19 +45,22 @@ export class Microphone {
      *
      * @param {string} script of the audio worklet
      * @param {(seconds: number, peak: number) => void} heard called with what there is so far and the latest peak
+     * @param {() => void} gone called if the microphone is unplugged, or its permission taken back
      * @throws {Fault}
      */
-    static async open(script, heard) {
+    static async open(script, heard, gone) {
         const stream = await openMicrophone();
         let context;
 
         try {
             // At the microphone's own rate nothing is resampled.
-            const { sampleRate } = stream.getAudioTracks()[0].getSettings();
+            const [track] = stream.getAudioTracks();
+            const { sampleRate } = track.getSettings();
             context = new AudioContext(sampleRate ? { sampleRate } : {});
             // From a file on disk, Chromium takes no worklet from a blob, but one from a data: address.
             await context.audioWorklet.addModule(`data:text/javascript,${encodeURIComponent(script)}`);
             await wake(context);
+            track.addEventListener('ended', gone);
             return new Microphone(stream, context, heard);
         } catch (error) {
             stream.getTracks().forEach(track => track.stop());

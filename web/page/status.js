@@ -21,6 +21,7 @@ export class Status {
     /** @param {unknown} error @param {string} [name] of the recording that it is about */
     sayFault(error, name = '') {
         const { kind, details } = asFault(error);
+        this.#bar.hidden = true;
         this.#line.classList.add('fault');
         this.#line.textContent = words.faults[kind]({ name, ...details });
     }

@@ -19,6 +19,7 @@
  * @property {(name: string) => string} reading
  * @property {(name: string, length: string, rate: string, isStereo: boolean) => string} opened
  * @property {string} cut
+ * @property {string} microphoneGone
  * @property {string} decoded
  * @property {string} saving
  * @property {(name: string) => string} saved
@@ -35,7 +36,8 @@ const english = {
         privacy: 'Nothing is installed, and nothing you record or open leaves this page.',
         chooseHeading: 'Your voice',
         choose: 'Open a recording',
-        drop: 'Or drop one here. WAV, FLAC, MP3 and M4A, up to half an hour; WAV up to an hour and a half.',
+        drop: 'Or drop one anywhere on this page.',
+        kinds: 'WAV, FLAC, MP3 and M4A up to half an hour, WAV up to an hour and a half.',
         start: 'Record a few sentences, or open a recording.',
         knobHeading: 'The knob',
         amount: 'Amount',
@@ -52,17 +54,17 @@ const english = {
         truePeak: 'True peak, dBTP',
         working: 'Progress',
         plugin:
-            'Larkspire is a plug-in for recording programs. What you hear is its own code, and what you save has the bits ' +
-            'that it would give.',
+            'Larkspire is a plug-in for recording programs. This page runs its own code: what you hear and save is, bit for ' +
+            'bit, what it gives there.',
         licence: 'Free software under the GNU AGPL, version 3: whoever gives you this page also gives you its source.',
         source: 'Source',
-        licences: 'Licences of what others wrote',
+        licences: 'Licences of the parts that others wrote',
     },
     modes: [
         'Nothing is changed.',
-        'For a good recording that has to sit level: it finds one gain and keeps it.',
-        'For an ordinary voice in an ordinary room: levels from phrase to phrase.',
-        'For a dull or distant voice in a noisy room: levels from syllable to syllable.',
+        'For a good recording that only needs the right level: finds one gain and keeps it.',
+        'For an ordinary voice in an ordinary room: evens out the level from phrase to phrase.',
+        'For a dull or distant voice in a noisy room: evens out the level from syllable to syllable.',
     ],
     play: 'Play',
     pause: 'Pause',
@@ -74,7 +76,8 @@ const english = {
     reading: name => `Reading ${name}…`,
     opened: (name, length, rate, isStereo) => `${name}: ${length}, ${rate} kHz, ${isStereo ? 'stereo' : 'mono'}.`,
     cut: 'The file was cut off; this is what there is of it.',
-    decoded: 'The browser has decoded it, at this rate.',
+    microphoneGone: 'The microphone went away; this is what there was until then.',
+    decoded: 'The browser has decoded it to this rate.',
     saving: 'Writing the file…',
     saved: name => `${name} is saved where your browser keeps downloads.`,
     position: (at, length) => `${at} of ${length}`,
@@ -88,11 +91,11 @@ const english = {
         tooLong: ({ name, minutes, most }) =>
             `${name} is ${minutes} minutes long. This page takes up to ${most} minutes.`,
         tooLongToDecode: ({ name, minutes, most, mostOfWav }) =>
-            `${name} is ${minutes} minutes long. Of this kind this page takes up to ${most} minutes, of WAV files ${mostOfWav}.`,
+            `${name} is ${minutes} minutes long. In this format this page takes up to ${most} minutes, as WAV ${mostOfWav}.`,
         strangeRate: ({ name, rate }) => `${name} has a sample rate of ${rate} Hz. This page takes 8 to 192 kHz.`,
         noMicrophone: () => 'No microphone was found. Plug one in, or open a recording instead.',
         microphoneRefused: () =>
-            'The browser may not use the microphone. Allow it by the sign beside the address, or open a recording.',
+            'The browser may not use the microphone. Allow it with the icon beside the address, or open a recording.',
         microphoneBusy: () => 'The microphone cannot be opened. Another program may be using it.',
         microphoneNeedsSafePage: () =>
             'Browsers give the microphone only to pages from disk or from https. Open a recording instead.',
@@ -102,7 +105,7 @@ const english = {
             'This browser finds no loudspeaker and no headphones, and without one it neither plays nor records. Saving works ' +
             'all the same.',
         fileGone: ({ name }) => `${name} can no longer be read. It may have been changed or moved; open it once more.`,
-        noSpace: () => 'There is no space left for the file.',
+        noSpace: () => 'There is no disk space left for the file.',
         unexpected: ({ what }) => `That did not work: ${what}`,
     },
 };
@@ -115,7 +118,8 @@ const german = {
         privacy: 'Nichts wird installiert, und nichts, was Sie aufnehmen oder öffnen, verlässt diese Seite.',
         chooseHeading: 'Ihre Stimme',
         choose: 'Aufnahme öffnen',
-        drop: 'Oder hier ablegen. WAV, FLAC, MP3 und M4A, bis zu einer halben Stunde; WAV bis zu anderthalb Stunden.',
+        drop: 'Oder legen Sie eine irgendwo auf dieser Seite ab.',
+        kinds: 'WAV, FLAC, MP3 und M4A bis zu einer halben Stunde, WAV bis zu anderthalb Stunden.',
         start: 'Nehmen Sie ein paar Sätze auf, oder öffnen Sie eine Aufnahme.',
         knobHeading: 'Der Knopf',
         amount: 'Amount',
@@ -124,26 +128,26 @@ const german = {
         compare: 'Was Sie hören',
         original: 'Original',
         result: 'Mit Larkspire',
-        equal: 'Beides spielt gleich laut, damit Sie den Klang vergleichen und nicht den Pegel.',
-        position: 'Stelle',
+        equal: 'Beide werden gleich laut abgespielt, damit Sie den Klang vergleichen und nicht den Pegel.',
+    position: 'Position',
         save: 'Als WAV speichern',
         figures: 'Vorher und nachher',
         loudness: 'Lautheit, LUFS',
         truePeak: 'True Peak, dBTP',
         working: 'Fortschritt',
         plugin:
-            'Larkspire ist ein Plug-in für Aufnahmeprogramme. Was Sie hören, ist sein eigener Code, und was Sie speichern, hat die ' +
-            'Bits, die es liefern würde.',
+            'Larkspire ist ein Plug-in für Aufnahmeprogramme. Auf dieser Seite läuft sein eigener Code: Was Sie hören und ' +
+            'speichern, ist Bit für Bit, was es dort liefert.',
         licence:
             'Freie Software unter der GNU AGPL, Version 3: Wer Ihnen diese Seite gibt, gibt Ihnen auch ihren Quelltext.',
         source: 'Quelltext',
-        licences: 'Lizenzen dessen, was andere geschrieben haben',
+        licences: 'Lizenzen fremder Bestandteile',
     },
     modes: [
         'Nichts wird verändert.',
-        'Für eine gute Aufnahme, die nur gleichmäßig liegen soll: findet eine Verstärkung und bleibt dabei.',
-        'Für eine gewöhnliche Stimme in einem gewöhnlichen Raum: gleicht von Phrase zu Phrase aus.',
-        'Für eine dumpfe oder ferne Stimme in einem lauten Raum: gleicht von Silbe zu Silbe aus.',
+        'Für eine gute Aufnahme, die nur noch den richtigen Pegel braucht: findet eine Verstärkung und bleibt dabei.',
+        'Für eine normale Stimme in einem normalen Raum: gleicht den Pegel von Satz zu Satz aus.',
+        'Für eine dumpfe oder entfernte Stimme in einem lauten Raum: gleicht den Pegel von Silbe zu Silbe aus.',
     ],
     play: 'Abspielen',
     pause: 'Pause',
@@ -154,8 +158,9 @@ const german = {
     ownVoice: 'Ihre Stimme',
     reading: name => `${name} wird gelesen…`,
     opened: (name, length, rate, isStereo) => `${name}: ${length}, ${rate} kHz, ${isStereo ? 'stereo' : 'mono'}.`,
-    cut: 'Die Datei ist abgeschnitten; das ist, was von ihr da ist.',
-    decoded: 'Der Browser hat sie entschlüsselt, mit dieser Rate.',
+    cut: 'Die Datei ist unvollständig; das ist, was von ihr da ist.',
+    microphoneGone: 'Das Mikrofon ist nicht mehr da; bis dahin wurde aufgenommen.',
+    decoded: 'Der Browser hat sie mit dieser Abtastrate dekodiert.',
     saving: 'Die Datei wird geschrieben…',
     saved: name => `${name} liegt dort, wo Ihr Browser Downloads ablegt.`,
     position: (at, length) => `${at} von ${length}`,
@@ -164,29 +169,30 @@ const german = {
         oldBrowser: () =>
             'Dieser Browser ist zu alt für diese Seite: Er hat kein WebAssembly. Jeder Browser ab 2024 genügt.',
         notSound: ({ name }) => `${name} ist keine Aufnahme, die dieser Browser lesen kann.`,
-        empty: ({ name }) => `${name} ist leer: Es ist kein Ton darin.`,
-        tooManyChannels: ({ name, channels }) => `${name} hat ${channels} Kanäle. Larkspire nimmt Mono und Stereo.`,
+        empty: ({ name }) => `${name} ist leer: Sie enthält keinen Ton.`,
+        tooManyChannels: ({ name, channels }) => `${name} hat ${channels} Kanäle. Larkspire verarbeitet Mono und Stereo.`,
         tooLong: ({ name, minutes, most }) =>
-            `${name} ist ${minutes} Minuten lang. Diese Seite nimmt bis zu ${most} Minuten.`,
+            `${name} ist ${minutes} Minuten lang. Diese Seite verarbeitet bis zu ${most} Minuten.`,
         tooLongToDecode: ({ name, minutes, most, mostOfWav }) =>
-            `${name} ist ${minutes} Minuten lang. Von dieser Art nimmt diese Seite bis zu ${most} Minuten, von WAV-Dateien ${mostOfWav}.`,
-        strangeRate: ({ name, rate }) => `${name} hat eine Abtastrate von ${rate} Hz. Diese Seite nimmt 8 bis 192 kHz.`,
+            `${name} ist ${minutes} Minuten lang. In diesem Format verarbeitet diese Seite bis zu ${most} Minuten, als WAV ${mostOfWav}.`,
+        strangeRate: ({ name, rate }) => `${name} hat eine Abtastrate von ${rate} Hz. Diese Seite verarbeitet 8 bis 192 kHz.`,
         noMicrophone: () => 'Es wurde kein Mikrofon gefunden. Schließen Sie eines an, oder öffnen Sie eine Aufnahme.',
         microphoneRefused: () =>
-            'Der Browser darf das Mikrofon nicht benutzen. Erlauben Sie es beim Zeichen neben der Adresse, oder öffnen ' +
-            'Sie eine Aufnahme.',
+            'Der Browser darf das Mikrofon nicht benutzen. Erlauben Sie es über das Symbol neben der Adresse, oder ' +
+            'öffnen Sie eine Aufnahme.',
         microphoneBusy: () => 'Das Mikrofon lässt sich nicht öffnen. Vielleicht benutzt es ein anderes Programm.',
         microphoneNeedsSafePage: () =>
-            'Browser geben das Mikrofon nur Seiten von der Platte oder von https. Öffnen Sie eine Aufnahme.',
+            'Browser geben das Mikrofon nur für Seiten frei, die von der Festplatte oder über https kommen. Öffnen Sie ' +
+            'stattdessen eine Aufnahme.',
         nothingRecorded: () => 'Es wurde nichts aufgenommen. Versuchen Sie es noch einmal, etwas länger.',
-        notPlayable: ({ rate }) => `Dieser Browser spielt nichts mit ${rate} Hz ab. Speichern geht trotzdem.`,
+        notPlayable: ({ rate }) => `Dieser Browser kann mit ${rate} Hz nichts abspielen. Speichern geht trotzdem.`,
         noLoudspeaker: () =>
             'Dieser Browser findet weder Lautsprecher noch Kopfhörer, und ohne spielt er nichts ab und nimmt nichts auf. ' +
             'Speichern geht trotzdem.',
         fileGone: ({ name }) =>
             `${name} lässt sich nicht mehr lesen. Vielleicht wurde die Datei geändert oder verschoben; öffnen Sie sie noch ` +
             'einmal.',
-        noSpace: () => 'Für die Datei ist kein Platz mehr.',
+        noSpace: () => 'Für die Datei ist kein Speicherplatz mehr frei.',
         unexpected: ({ what }) => `Das ging nicht: ${what}`,
     },
 };
@@ -199,6 +205,7 @@ export const words = language === 'de' ? german : english;
 /** @param {number} value @param {number} digits behind the point @returns {string} with a true minus */
 export function written(value, digits) {
     return new Intl.NumberFormat(language, {
+        signDisplay: 'negative', // none at what is rounded to zero
         minimumFractionDigits: digits,
         maximumFractionDigits: digits,
         useGrouping: false,

@@ -35,7 +35,6 @@ const programs = { chrome: '/usr/bin/chromium', firefox: '/usr/bin/firefox-esr' 
 function optionsOfChromium({ language = 'en-US', voice, isRefused, more = [] }) {
     return [
         '--disable-gpu',
-        '--autoplay-policy=no-user-gesture-required',
         `--lang=${language}`,
         `--accept-lang=${language}`,
         ...(process.getuid?.() === 0 ? ['--no-sandbox'] : []),
@@ -49,7 +48,6 @@ function optionsOfChromium({ language = 'en-US', voice, isRefused, more = [] }) 
 function preferencesOfFirefox({ language = 'en-US', voice, isRefused, downloads }) {
     return {
         'intl.accept_languages': language,
-        'media.autoplay.default': 0,
         'media.navigator.streams.fake': voice !== undefined,
         'media.navigator.permission.disabled': !isRefused,
         'permissions.default.microphone': isRefused ? 2 : 1,
@@ -198,6 +196,11 @@ export async function untilHeard(page, timeout = 30000) {
         undefined,
         timeout,
     );
+}
+
+/** @param {import('puppeteer-core').Page} page @returns {Promise<string>} what the keyboard is at */
+export function focusOf(page) {
+    return page.evaluate(() => document.activeElement?.id || document.activeElement?.textContent || '');
 }
 
 /** @param {import('puppeteer-core').Page} page @param {string} name */

@@ -5,6 +5,7 @@ import { execFileSync } from 'node:child_process';
 import { readFileSync, truncateSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import test from 'node:test';
+import { setTimeout as sleep } from 'node:timers/promises';
 
 import {
     addressOf,
@@ -93,13 +94,14 @@ for (const kind of kinds) {
          * @param {string} name
          * @param {(page: import('puppeteer-core').Page) => Promise<void>} body
          * @param {() => void} [ahead]
+         * @param {RegExp} [expected] what the browser writes down
          */
-        const onPage = (name, body, ahead) =>
+        const onPage = (name, body, ahead, expected = /decod|media resource/i) =>
             test(name, async () => {
                 const { page, errors } = await open(stage.browser, addressOf('disk', stage.server), ahead);
                 await body(page);
                 assert.deepEqual(
-                    errors.filter(error => !/decod|media resource/i.test(error)),
+                    errors.filter(error => !expected.test(error)),
                     [],
                 );
                 await page.close();
@@ -173,6 +175,25 @@ for (const kind of kinds) {
             () => {
                 Reflect.deleteProperty(globalThis, 'WebAssembly');
             },
+        );
+
+        onPage(
+            'a worker that breaks down keeps nobody waiting, then or later',
+            async page => {
+                await waitForStatus(page, /^That did not work: .*broken on purpose/);
+                await choose(page, join(stage.folder, 'good.wav'));
+                await sleep(300); // it is said once more
+                assert.match(await statusOf(page), /^That did not work: .*broken on purpose/);
+            },
+            () => {
+                const Thread = Worker;
+                globalThis.Worker = class extends Thread {
+                    constructor() {
+                        super(URL.createObjectURL(new Blob(["throw new Error('broken on purpose')"])));
+                    }
+                };
+            },
+            /broken on purpose/,
         );
 
         if (kind === 'chrome')

@@ -138,4 +138,16 @@ for (const kind of kinds)
             assert.ok(starts[0] > -20000, 'Medium was not heard');
             assert.deepEqual(starts, [starts[0], starts[0], starts[0]]);
         });
+
+        test('of a recording in stereo each channel stays where it is', async () => {
+            const sides = [original, speechLike(original.length, rate, 2, 0.1)].map(side => side.slice(0, 2 * rate));
+            const stereo = join(folder, 'stereo.wav');
+            writeFileSync(stereo, wavFile(sides, { rate, encoding: 'float32' }));
+            await openRecording(page, stereo);
+            const asOriginal = await playThrough('bypass', 'original');
+            const asResult = await playThrough('bypass', 'result');
+
+            for (const { samples } of [asOriginal, asResult])
+                assert.notEqual(placeOf(samples.subarray(1000), sides[0], 2e-5), -1, 'this is not the left channel');
+        });
     });

@@ -71,6 +71,10 @@ for (const kind of kinds)
                 assert.equal(await focusOf(page), 'record', 'the next key would not stop it');
                 assert.equal(await page.$eval('#record', button => button.textContent), 'Stop and listen');
                 assert.ok(await page.$eval('#listening', part => /** @type {HTMLFieldSetElement} */ (part).disabled));
+                await waitUntil(
+                    page,
+                    () => /** @type {HTMLMeterElement} */ (document.getElementById('take-level')).value > -30,
+                );
                 await waitUntil(page, () =>
                     /^[3-9] of 60 s$/.test(document.getElementById('take-time')?.textContent ?? ''),
                 );

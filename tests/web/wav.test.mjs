@@ -220,6 +220,25 @@ for (const [rate, channels, most] of [
         );
     });
 
+test('what is no number in a recording does not get to the speaker', async () => {
+    const studio = new Studio(chainOfThePage());
+    studio.openSamples([Float32Array.from([0.5, NaN, Infinity, -0.5])], 48000);
+    const { original, result } = await studio.piece(0, 0);
+    assert.deepEqual(original, [Float32Array.from([0.5, 0, 0, -0.5])]);
+    assert.ok(result[0].every(Number.isFinite));
+});
+
+test('a file that has become shorter is said to be gone', async () => {
+    const bytes = wavFile(noise, { rate: 48000, encoding: 'pcm16' });
+    const slice = (/** @type {number} */ from, /** @type {number} */ to) =>
+        blobOf(bytes.subarray(0, from < 44 ? bytes.length : 1000)).slice(from, to);
+    const wav = await openWav(/** @type {any} */ ({ size: bytes.length, slice }));
+    await assert.rejects(
+        /** @type {any} */ (wav).recording.read(0, 1001),
+        error => error instanceof Fault && error.kind === 'fileGone',
+    );
+});
+
 test('a later wish ends the hearing before it', async () => {
     const studio = new Studio(chainOfThePage());
     studio.openSamples([Float32Array.from(speechLike(600000, 48000, 11))], 48000);

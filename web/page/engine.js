@@ -21,6 +21,8 @@ export class Engine {
     /** @type {Map<number, { resolve: (result: any) => void, reject: (fault: unknown) => void, progress: Progress }>} */
     #waiting = new Map();
     #lastId = 0;
+    /** Why it does nothing more. @type {Fault | undefined} */
+    #end;
 
     /** @param {string} script the worker's whole text @param {Uint8Array<ArrayBuffer>} wasm the compiled chain */
     constructor(script, wasm) {
@@ -76,6 +78,8 @@ export class Engine {
      */
     #ask(request, progress = unheeded, transfer = []) {
         return new Promise((resolve, reject) => {
+            if (this.#end) throw this.#end;
+
             const id = ++this.#lastId;
             this.#waiting.set(id, { resolve, reject, progress });
             this.#worker.postMessage({ id, ...request }, transfer);
@@ -94,8 +98,9 @@ export class Engine {
 
     /** @param {string} what */
     #broken(what) {
-        const waiting = [...this.#waiting.values()];
+        const fault = new Fault('unexpected', { what });
+        this.#end = fault;
+        this.#waiting.forEach(({ reject }) => reject(fault));
         this.#waiting.clear();
-        waiting.forEach(({ reject }) => reject(new Fault('unexpected', { what })));
     }
 }

@@ -183,6 +183,15 @@ test('pieces asked for in any order are those of the whole', async () => {
 for (const [kind, bytes] of /** @type {[string, Buffer][]} */ ([
     ['empty', Buffer.alloc(0)],
     ['empty', wavFile([new Float32Array(0)], { rate: 48000, encoding: 'pcm16' })],
+    [
+        'empty',
+        riff(
+            Buffer.concat([
+                wavFile([new Float32Array(0)], { rate: 48000, encoding: 'pcm16' }).subarray(12),
+                chunk('LIST', Buffer.from('behind no samples')),
+            ]),
+        ),
+    ],
     ['tooManyChannels', wavFile(Array(6).fill(noise[0]), { rate: 48000, encoding: 'pcm16' })],
     ['strangeRate', wavFile(noise, { rate: 4000, encoding: 'pcm16' })],
     ['strangeRate', wavFile(noise, { rate: 0, encoding: 'pcm16' })],

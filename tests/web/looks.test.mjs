@@ -66,6 +66,17 @@ function whatDoesNotFit(page) {
     });
 }
 
+/** Runs in the page. @returns {boolean} whether there is a line around what the keyboard is at */
+function isFocusShown() {
+    for (let part = document.activeElement; part; part = part.parentElement) {
+        const { outlineStyle, outlineWidth } = getComputedStyle(part);
+
+        if (outlineStyle === 'solid' && parseFloat(outlineWidth) >= 3) return true;
+    }
+
+    return false;
+}
+
 for (const kind of kinds)
     for (const language of ['en-US', 'de-AT'])
         inBrowser(kind, { language, voice, isHeard: true }, stage => {
@@ -156,6 +167,7 @@ for (const kind of kinds)
                     for (let i = 0; i < 12; ++i) {
                         await page.keyboard.press('Tab');
                         reached.push(await focusOf(page));
+                        assert.ok(await page.evaluate(isFocusShown), `nothing shows that ${reached.at(-1)} is reached`);
                     }
 
                     assert.deepEqual(reached, [

@@ -16,6 +16,7 @@ import {
     openRecording,
     places,
     save,
+    statusOf,
     untilHeard,
     waitForStatus,
     waitUntil,
@@ -167,7 +168,13 @@ for (const kind of kinds)
                     const { page, errors } = await open(stage.browser, addressOf(place, stage.server), keepMicrophones);
                     await page.click('#record');
                     await waitForStatus(page, /^Speak now/);
+                    await page.evaluate(() => {
+                        const data = new DataTransfer();
+                        data.items.add(new File(['what is dropped now'], 'other.wav'));
+                        document.body.dispatchEvent(new DragEvent('drop', { dataTransfer: data }));
+                    });
                     await waitUntil(page, () => /^[2-9]/.test(document.getElementById('take-time')?.textContent ?? ''));
+                    assert.match(await statusOf(page), /^Speak now/);
                     await page.evaluate(() => /** @type {any} */ (globalThis).unplug());
                     await waitForStatus(page, /^Your voice: [1-9] s, .* The microphone went away/);
                     await untilHeard(page);

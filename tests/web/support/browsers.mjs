@@ -128,7 +128,7 @@ export async function open(browser, address, ahead) {
 
     await page.setViewport({ width: 1200, height: 900 });
     await page.goto(address);
-    await waitUntil(page, () => !/2024 or later with/.test(document.getElementById('status')?.textContent ?? ''));
+    await waitUntil(page, () => !/2024 or later with/.test(document.querySelector('[role="status"]')?.textContent ?? ''));
     return { page, requests, errors };
 }
 
@@ -153,16 +153,16 @@ export function addressOf(place, server) {
     return place === 'disk' ? pathToFileURL(pageFile).href : `http://127.0.0.1:${server.port}/larkspire.html`;
 }
 
-/** @param {import('puppeteer-core').Page} page @returns {Promise<string>} what the page says */
+/** @param {import('puppeteer-core').Page} page @returns {Promise<string>} what the page says, to screen readers too */
 export function statusOf(page) {
-    return page.$eval('#status', line => line.textContent ?? '');
+    return page.$eval('[role="status"]', line => line.textContent ?? '');
 }
 
 /** @param {import('puppeteer-core').Page} page @param {RegExp} expected */
 export async function waitForStatus(page, expected) {
     await waitUntil(
         page,
-        pattern => new RegExp(pattern).test(document.getElementById('status')?.textContent ?? ''),
+        pattern => new RegExp(pattern).test(document.querySelector('[role="status"]')?.textContent ?? ''),
         expected.source,
     ).catch(async () => {
         throw new Error(`the page says "${await statusOf(page)}" and not ${expected}`);

@@ -116,12 +116,15 @@ for (const kind of kinds)
                     tone.connect(end);
                     tone.start();
                     const recorder = new MediaRecorder(end.stream, { mimeType: 'audio/webm' });
-                    recorder.ondataavailable = ({ data }) => {
+                    /** @type {Blob[]} */
+                    const parts = [];
+                    recorder.ondataavailable = ({ data }) => parts.push(data);
+                    recorder.onstop = () => {
                         const transfer = new DataTransfer();
-                        transfer.items.add(new File([data], 'memo.webm'));
+                        transfer.items.add(new File(parts, 'memo.webm'));
                         document.body.dispatchEvent(new DragEvent('drop', { dataTransfer: transfer }));
                     };
-                    recorder.start();
+                    recorder.start(100); // in parts, the first of which knows nothing of the length
                     setTimeout(() => recorder.stop(), 1500);
                 });
                 await waitForStatus(page, /^memo\.webm: \d s, 48\.0 kHz/);

@@ -2,7 +2,7 @@
 // What is no WAV file: FLAC, MP3, M4A, Ogg and whatever else the browser knows.
 
 import { Fault } from '../common/fault.js';
-import { longestDecodedSeconds, longestFileSeconds, mostChannels, mostDecodedFrames } from '../common/limits.js';
+import { longestDecodedSeconds, longestFileSeconds, mostDecodedFrames } from '../common/limits.js';
 
 /** @typedef {{ samples: Float32Array<ArrayBuffer>[], rate: number }} Decoded */
 
@@ -52,7 +52,7 @@ function lengthOf(file) {
 /**
  * @param {Blob} file
  * @returns {Promise<Decoded>}
- * @throws {Fault} notSound, tooLongToDecode, tooManyChannels, strangeRate
+ * @throws {Fault} notSound, tooLongToDecode, strangeRate
  */
 export async function decode(file) {
     const rate = await rateOf(file);
@@ -71,8 +71,6 @@ export async function decode(file) {
     const sound = await decoder.decodeAudioData(await file.arrayBuffer()).catch(() => {
         throw new Fault('notSound');
     });
-
-    if (sound.numberOfChannels > mostChannels) throw new Fault('tooManyChannels', { channels: sound.numberOfChannels });
 
     return {
         rate,

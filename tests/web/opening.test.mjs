@@ -118,14 +118,17 @@ for (const kind of kinds)
                     const recorder = new MediaRecorder(end.stream, { mimeType: 'audio/webm' });
                     /** @type {Blob[]} */
                     const parts = [];
-                    recorder.ondataavailable = ({ data }) => parts.push(data);
+                    recorder.ondataavailable = ({ data }) => {
+                        parts.push(data);
+
+                        if (new Blob(parts).size > 10000 && recorder.state === 'recording') recorder.stop();
+                    };
                     recorder.onstop = () => {
                         const transfer = new DataTransfer();
                         transfer.items.add(new File(parts, 'memo.webm'));
                         document.body.dispatchEvent(new DragEvent('drop', { dataTransfer: transfer }));
                     };
                     recorder.start(100); // in parts, the first of which knows nothing of the length
-                    setTimeout(() => recorder.stop(), 1500);
                 });
                 await waitForStatus(page, /^memo\.webm: \d s, 48\.0 kHz/);
                 await untilHeard(page);

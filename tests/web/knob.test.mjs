@@ -65,7 +65,7 @@ for (const kind of kinds)
 
         onPage('it begins at Medium', async page => {
             assert.equal(await modeOf(page), 'Medium');
-            assert.match(await page.$eval('#mode-purpose', line => line.textContent ?? ''), /ordinary voice/);
+            assert.match(await page.$eval('#mode-purpose', line => line.textContent ?? ''), /most recordings/);
         });
 
         onPage('a drag of 250 pixels turns it from end to end, upwards to the right', async page => {

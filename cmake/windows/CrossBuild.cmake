@@ -30,6 +30,6 @@ add_compile_options (
 add_library (larkspire-windows-system INTERFACE)
 target_link_directories (larkspire-windows-system INTERFACE "${LARKSPIRE_WINDOWS_DEPS}/codecs/lib")
 target_link_libraries (larkspire-windows-system INTERFACE
-    png16 jpeg z
+    png16 z
     dwrite d2d1 dxgi d3d11 dcomp dxguid dwmapi imm32 comctl32 comdlg32 vfw32 wininet ws2_32 version shlwapi winmm
     dbghelp sapi ole32 oleaut32 uuid shell32 gdi32 user32 advapi32 kernel32)

@@ -6,12 +6,12 @@
 #include "support/PluginUnderTest.h"
 #include "support/TemporaryFolder.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <map>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -50,16 +50,15 @@ TEST_P (LibraryFile, NeedsNothingNewerThanItsDocumentationSays)
     EXPECT_GT (newest, 0);
     EXPECT_LE (newest, 35);
 
-    std::set<std::string> known { "libm.so.6", "libc.so.6", "ld-linux-x86-64.so.2" };
+    // Each has the same name on every system of today, and libjpeg, which has not, is not among them.
+    std::vector<std::string> libraries { "libm.so.6", "libc.so.6", "ld-linux-x86-64.so.2" };
 
     if (GetParam() != Format::lv2) // which has no window
-        known.insert ({ "libz.so.1", "libpng16.so.16", "libjpeg.so.62", "libfreetype.so.6", "libfontconfig.so.1" });
+        for (const auto* name : { "libz.so.1", "libpng16.so.16", "libfreetype.so.6", "libfontconfig.so.1" })
+            libraries.emplace_back (name);
 
-    const auto needed = allFound (said ("objdump", { "-p" }), "NEEDED +(.+)");
-    EXPECT_GT (needed.size(), GetParam() == Format::lv2 ? 1u : 3u);
-
-    for (const auto& library : needed)
-        EXPECT_TRUE (known.contains (library)) << library;
+    EXPECT_THAT (allFound (said ("objdump", { "-p" }), "NEEDED +(.+)"), testing::UnorderedElementsAreArray (libraries));
+    EXPECT_THAT (said ("objdump", { "-p" }), testing::Not (testing::ContainsRegex ("RPATH|RUNPATH")));
 }
 
 TEST_P (LibraryFile, WorksBesideACopyOfItself)

@@ -94,7 +94,6 @@ TEST (DebianPackage, DependsOnThePackagesOfTheLibrariesThatItsFilesLoad)
                                                 "libsoxr0",
                                                 "libfontconfig1",
                                                 "libfreetype6",
-                                                "libjpeg62-turbo",
                                                 "libmpg123-0",
                                                 "libogg0",
                                                 "libpng16-16",

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // The renderer as a host: where it finds the plug-in, which libraries it refuses, and how it treats an instance.
 #include "render/RendererTest.h"
+#include "support/FirstMatch.h"
 #include "support/Paths.h"
 
 #include <algorithm>
@@ -48,6 +49,26 @@ protected:
 
     Recording recording = writeNoise ("voice.wav", 1, 1000);
 };
+
+// Each has the same name on every system of today. The C++ runtime is inside.
+TEST (RendererFile, NeedsTheseLibrariesAndNoOthers)
+{
+    const auto described = outputOf (Call { .arguments = { "-p", paths::renderer() }, .program = "objdump" });
+    EXPECT_THAT (allFound (described, "NEEDED +(.+)"),
+                 testing::UnorderedElementsAre ("libsndfile.so.1",
+                                                "libmpg123.so.0",
+                                                "libogg.so.0",
+                                                "libsoxr.so.0",
+                                                "libebur128.so.1",
+                                                "libpng16.so.16",
+                                                "libfontconfig.so.1",
+                                                "libfreetype.so.6",
+                                                "libz.so.1",
+                                                "libm.so.6",
+                                                "libc.so.6",
+                                                "ld-linux-x86-64.so.2"));
+    EXPECT_THAT (described, testing::Not (testing::ContainsRegex ("RPATH|RUNPATH")));
+}
 
 TEST_F (Hosting, TreatsAnInstanceAsHostsDo)
 {

@@ -14,13 +14,6 @@
     // GCC 12 cannot parse this operator inside a default member initialiser, where JUCE silences a warning.
     #define _Pragma(text)
 
-// JUCE looks for the codec's boolean type in the namespace that it includes the codec in; here the system's
-// headers have defined it already, outside.
-namespace juce::jpeglibNamespace
-{
-using boolean = unsigned char;
-}
-
 // JUCE asks a smart pointer for the id of the interface that it points to. MinGW's __uuidof works on the exact
 // type alone, so it is taught to look inside.
 namespace juce

@@ -1,8 +1,8 @@
 # What people type. The build itself is CMake's; see CMakePresets.json for other builds.
 .DEFAULT_GOAL := build
 .PHONY: help setup configure build demo screenshot docs lint test check fuzz fuzzer test-asan test-tsan torture \
-	exhaustive bench performance test-hosts windows test-windows page test-page page-picture package test-packages \
-	install uninstall clean
+	exhaustive bench performance test-hosts windows test-windows page test-page page-picture package package-linux dist \
+	test-packages install uninstall clean
 
 PRESET := release
 LIBRARY := dist/linux/Quendal Larkspire.so
@@ -35,7 +35,8 @@ configure: setup
 	$(call configure-preset,$(PRESET))
 
 build: configure ## the libraries and the renderer, in dist/linux
-	@cmake --build --preset $(PRESET) --target Larkspire_VST Larkspire_VST3 larkspire-lv2 larkspire-render
+	@cmake --build --preset $(PRESET) --target Larkspire_VST Larkspire_VST3 larkspire-lv2 larkspire-render \
+		larkspire-documents
 
 demo: build ## renders a real voice in all four modes into demo/
 	@scripts/demo
@@ -146,17 +147,31 @@ page-picture: page ## the picture of the page in docs/
 	@scripts/web/setup-tests
 	@node tests/web/picture.mjs docs/page.png
 
-package: build windows page ## packages for Debian, other Linux systems and Windows, in dist/packages
+package: build windows page dist ## packages for Debian, other Linux systems and Windows, and the sources, in dist/packages
 	@scripts/setup scripts/packaging/packages.txt
 	@scripts/packaging/package
 
+package-linux: build page ## those for Debian and other Linux systems alone
+	@scripts/setup scripts/packaging/packages.txt
+	@scripts/packaging/package --linux
+
+dist: ## the sources as one archive, in dist/packages
+	@scripts/packaging/dist
+
 test-packages: package ## checks the packages; as root also installs and removes the one for Debian
-	@scripts/setup scripts/packaging/packages.txt scripts/hosts/packages.txt
+	@scripts/setup scripts/packaging/packages.txt scripts/packaging/test-packages.txt scripts/hosts/packages.txt
 	@cmake --build --preset $(PRESET) --target larkspire-packages-tests
 	@scripts/packaging/test
 
-install: ## copies the plug-in to ~/.vst, ~/.vst3 and ~/.lv2, or to the first folders of VST_PATH and so on
+# For everybody where PREFIX or DESTDIR is given behind make; an environment with a variable of such a name asks for nothing.
+ifneq ($(filter command,$(origin PREFIX) $(origin DESTDIR)),)
+install:
+	@umask 022 && cmake --install build/$(PRESET) $(if $(PREFIX),--prefix "$(abspath $(PREFIX))") \
+		|| { echo "install: is there all of it? run make first" >&2; exit 1; }
+else
+install: ## copies the plug-in to ~/.vst, ~/.vst3 and ~/.lv2; PREFIX=/usr/local installs everything, for everybody
 	@scripts/install
+endif
 
 uninstall: ## removes it again
 	@scripts/install --remove

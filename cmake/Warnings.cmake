@@ -1,9 +1,11 @@
 # Warnings are errors in our own files, and only there: JUCE's modules are compiled into the same targets, so
 # the flags go to sources, not to targets. JUCE's headers are system headers (cmake/Juce.cmake).
+option (LARKSPIRE_WARNINGS_ARE_ERRORS "End at the first warning; OFF for packages, whose compilers know others" ON)
+
 if (MSVC)
     set (LARKSPIRE_STRICT_OPTIONS /W4)
 else ()
-    set (LARKSPIRE_STRICT_OPTIONS -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+    set (LARKSPIRE_STRICT_OPTIONS -Wall -Wextra -Wpedantic -Wshadow -Wconversion $<$<BOOL:${LARKSPIRE_WARNINGS_ARE_ERRORS}>:-Werror>)
 endif ()
 
 if (CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 // In place of libjpeg's header, for JUCE's reader and writer of JPEG, which JUCE has no switch for. The window and the
 // renderer's pictures need neither; but a plug-in that links libjpeg does not load where a system has it with another
-// interface version, and there are three. What is here reads no header, as if every file were damaged, and writes nothing.
+// interface version, and there are three. What is here reads no header, as if every file were damaged, and writes
+// nothing.
 #pragma once
 
 #ifndef TRUE
@@ -131,11 +132,23 @@ inline int jpeg_read_header (j_decompress_ptr info, boolean)
 }
 
 // Never called behind that.
-inline boolean jpeg_resync_to_restart (j_decompress_ptr, int) { return 0; }
+inline boolean jpeg_resync_to_restart (j_decompress_ptr, int)
+{
+    return 0;
+}
 inline void jpeg_calc_output_dimensions (j_decompress_ptr) {}
-inline boolean jpeg_start_decompress (j_decompress_ptr) { return 0; }
-inline JDIMENSION jpeg_read_scanlines (j_decompress_ptr, JSAMPARRAY, JDIMENSION) { return 0; }
-inline boolean jpeg_finish_decompress (j_decompress_ptr) { return 0; }
+inline boolean jpeg_start_decompress (j_decompress_ptr)
+{
+    return 0;
+}
+inline JDIMENSION jpeg_read_scanlines (j_decompress_ptr, JSAMPARRAY, JDIMENSION)
+{
+    return 0;
+}
+inline boolean jpeg_finish_decompress (j_decompress_ptr)
+{
+    return 0;
+}
 inline void jpeg_destroy_decompress (j_decompress_ptr) {}
 
 inline void jpeg_create_compress (j_compress_ptr info)
@@ -153,6 +166,9 @@ inline void jpeg_start_compress (j_compress_ptr info, boolean)
     info->next_scanline = info->image_height;
 }
 
-inline JDIMENSION jpeg_write_scanlines (j_compress_ptr, JSAMPARRAY, JDIMENSION) { return 0; }
+inline JDIMENSION jpeg_write_scanlines (j_compress_ptr, JSAMPARRAY, JDIMENSION)
+{
+    return 0;
+}
 inline void jpeg_finish_compress (j_compress_ptr) {}
 inline void jpeg_destroy_compress (j_compress_ptr) {}

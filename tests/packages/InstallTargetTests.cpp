@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
-// make install and make uninstall, in a project of the test's own whose build is a few words.
+// make install and make uninstall, in a project of the test's own whose build is a few words. The rules by which CMake
+// installs it are the true ones.
 #include "support/Child.h"
 #include "support/Paths.h"
 #include "support/Recording.h"
@@ -9,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <unistd.h>
 
 namespace
 {
@@ -31,6 +33,22 @@ const std::array built { library, bundledLibrary, description, lv2Library, ports
 const std::array places { ".vst/" + library,    ".vst3/" + bundledLibrary, ".vst3/" + description,
                           ".lv2/" + lv2Library, ".lv2/" + ports,           ".lv2/" + manifest };
 
+/** What a build makes besides, and what is in the sources. */
+const std::array others { "dist/linux/larkspire-render",
+                          "dist/linux/larkspire-microphone",
+                          "larkspire.html",
+                          "written/THIRD-PARTY.txt",
+                          "written/com.quendal.larkspire.metainfo.xml",
+                          "written/larkspire-microphone.1",
+                          "written/larkspire-render.1",
+                          "CHANGELOG.md",
+                          "CONTRIBUTING.md",
+                          "LICENSE",
+                          "README.md",
+                          "docs/use.md",
+                          "docs/page.png",
+                          "docs/sound/data/steps.csv" };
+
 constexpr std::size_t entries = 14; // files and folders that an install makes in a home folder
 
 class InstallTarget : public testing::Test
@@ -43,6 +61,40 @@ protected:
         fs::copy_file (paths::source ("Makefile"), project / "Makefile");
         fs::copy_file (paths::source ("scripts/install"), project / "scripts/install");
         build ("new");
+
+        for (const auto& file : others)
+            put (project / file, "new");
+
+        put (project / "CMakeLists.txt",
+             "cmake_minimum_required (VERSION 3.25)\n"
+             "project (Rules LANGUAGES NONE)\n"
+             "set (CMAKE_SYSTEM_PROCESSOR x86_64)\n"
+             "set (CMAKE_INSTALL_SO_NO_EXE \"${AS_DEBIAN}\")\n"
+             "set (LARKSPIRE_DIST ${CMAKE_SOURCE_DIR}/dist/linux)\n"
+             "set (LARKSPIRE_PAGE ${CMAKE_SOURCE_DIR}/larkspire.html)\n"
+             "set (LARKSPIRE_DOCUMENTS ${CMAKE_SOURCE_DIR}/written)\n"
+             "set (LARKSPIRE_HELP2MAN help2man)\n"
+             "include ("
+                 + paths::source ("cmake/InstallFolders.cmake") + ")\ninclude (" + paths::source ("cmake/Install.cmake")
+                 + ")\n");
+        configure ({ "-DCMAKE_INSTALL_LIBDIR=lib" });
+    }
+
+    void configure (std::vector<std::string> options) const
+    {
+        options.insert (options.end(), { "-S", project, "-B", project / "build/release", "-Wno-dev" });
+        outputOf (Call { .arguments = options, .program = paths::cmake() });
+    }
+
+    /** What CMake installs with these settings, into an empty folder and without a prefix. */
+    std::vector<std::string> installedWith (const std::vector<std::string>& options) const
+    {
+        configure (options);
+        const TemporaryFolder place;
+        outputOf (Call { .arguments = { "--install", project / "build/release", "--prefix", "/" },
+                         .program = paths::cmake(),
+                         .environment = { { "DESTDIR", place.path() } } });
+        return place.contents();
     }
 
     /** Puts files into the project as a build would, with a text in all of them. */
@@ -61,11 +113,13 @@ protected:
     /** Calls make in the project for somebody who has set these variables and no others. */
     Outcome make (const std::string& target,
                   std::map<std::string, std::string> variables = {},
-                  std::optional<unsigned long> largestFile = {}) const
+                  std::optional<unsigned long> largestFile = {},
+                  std::vector<std::string> options = {}) const
     {
         variables["HOME"] = home;
         variables["PATH"] = "/usr/bin:/bin";
-        return run ({ .arguments = { "--no-print-directory", target },
+        options.insert (options.end(), { "--no-print-directory", target });
+        return run ({ .arguments = options,
                       .program = "make",
                       .environment = variables,
                       .inheritsEnvironment = false,
@@ -225,5 +279,134 @@ TEST_F (InstallTarget, IsUndoneByUninstallWhichTouchesNothingElse)
     // And where there is nothing to remove.
     EXPECT_EQ (make ("uninstall").exitStatus, 0);
     EXPECT_EQ (contentsOf (home), before);
+}
+TEST_F (InstallTarget, TakesVariablesOfTheEnvironmentForNoWishToInstallForEverybody)
+{
+    const std::string elsewhere = folder / "elsewhere";
+    EXPECT_EQ (make ("install", { { "PREFIX", elsewhere }, { "DESTDIR", elsewhere } }).exitStatus, 0);
+    EXPECT_FALSE (fs::exists (elsewhere));
+    EXPECT_EQ (contentsOf (home).size(), entries);
+}
+
+TEST_F (InstallTarget, InstallsAllThatThereIsBelowAPrefixAndWithModesForEverybody)
+{
+    const auto place = folder / "place";
+    const auto outcome =
+        run ({ .arguments = { "-c", "umask 077 && exec make install PREFIX=/opt/voice DESTDIR=\"$0\"", place },
+               .program = "sh",
+               .environment = { { "HOME", home }, { "PATH", "/usr/bin:/bin" } },
+               .inheritsEnvironment = false,
+               .folder = project });
+    ASSERT_EQ (outcome.exitStatus, 0) << outcome.errors;
+    EXPECT_THAT (contentsOf (home), testing::IsEmpty());
+    std::vector<std::string> listed;
+
+    for (const auto& file : contentsOf (place))
+    {
+        const auto status = fs::status (fs::path (place) / file);
+        const auto mode = static_cast<unsigned> (status.permissions());
+
+        if (fs::is_directory (status))
+            EXPECT_TRUE (mode == 0755 || ! file.starts_with ("opt/voice/")) << file;
+        else
+            listed.push_back ((mode == 0755 ? "x " : mode == 0644 ? "  " : "? ") + file);
+    }
+
+    const std::string notes = "  opt/voice/share/doc/quendal-larkspire/";
+    EXPECT_THAT (listed,
+                 ElementsAre ("x opt/voice/bin/larkspire-microphone",
+                              "x opt/voice/bin/larkspire-render",
+                              "x opt/voice/lib/lv2/" + lv2Library,
+                              "  opt/voice/lib/lv2/" + ports,
+                              "  opt/voice/lib/lv2/" + manifest,
+                              "x opt/voice/lib/vst/" + library,
+                              "  opt/voice/lib/vst3/" + description,
+                              "x opt/voice/lib/vst3/" + bundledLibrary,
+                              notes + "CHANGELOG.md",
+                              notes + "CONTRIBUTING.md",
+                              notes + "LICENSE",
+                              notes + "README.md",
+                              notes + "THIRD-PARTY.txt",
+                              notes + "docs/page.png",
+                              notes + "docs/use.md",
+                              notes + "larkspire.html",
+                              "  opt/voice/share/man/man1/larkspire-microphone.1",
+                              "  opt/voice/share/man/man1/larkspire-render.1",
+                              "  opt/voice/share/metainfo/com.quendal.larkspire.metainfo.xml"));
+}
+
+TEST_F (InstallTarget, GivesLibrariesTheModeThatTheSystemWants)
+{
+    for (const auto& [option, mode] : { std::pair ("-DAS_DEBIAN=ON", 0644u), std::pair ("-DAS_DEBIAN=OFF", 0755u) })
+    {
+        configure ({ option });
+        ASSERT_EQ (make ("install").exitStatus, 0);
+
+        for (const auto& file : { places[0], places[1], places[3] })
+            EXPECT_EQ (static_cast<unsigned> (fs::status (home / file).permissions()), mode) << file;
+    }
+}
+
+TEST_F (InstallTarget, SaysWhatToDoWhereThereIsNothingToInstallForEverybody)
+{
+    fs::remove (project / "dist/linux/larkspire-render");
+    const auto outcome = make ("install", {}, {}, { "PREFIX=" + (folder / "place") });
+    EXPECT_NE (outcome.exitStatus, 0);
+    EXPECT_THAT (outcome.errors, testing::HasSubstr ("\ninstall: is there all of it? run make first\n"));
+}
+
+TEST_F (InstallTarget, PutsThePluginsIntoTheFoldersThatTheBuildWasTold)
+{
+    EXPECT_THAT (
+        installedWith ({ "-DCMAKE_INSTALL_LIBDIR=lib64", "-ULARKSPIRE_*_DIR" }),
+        testing::IsSupersetOf ({ "lib64/vst/" + library, "lib64/vst3/" + bundledLibrary, "lib64/lv2/" + manifest }));
+    EXPECT_THAT (installedWith ({ "-DLARKSPIRE_VST2_DIR=one",
+                                  "-DLARKSPIRE_VST3_DIR=/two",
+                                  "-DLARKSPIRE_LV2_DIR=three/four",
+                                  "-DLARKSPIRE_LICENCE_DIR=share/licenses/voice" }),
+                 testing::IsSupersetOf ({ "one/" + library,
+                                          "two/" + bundledLibrary,
+                                          "three/four/" + manifest,
+                                          std::string ("share/licenses/voice/LICENSE") }));
+}
+
+TEST_F (InstallTarget, KeepsOutOfTheFolderOfOneArchitectureWhereNoHostLooks)
+{
+    const auto installed = installedWith ({ "-DCMAKE_LIBRARY_ARCHITECTURE=x86_64-linux-gnu",
+                                            "-DCMAKE_INSTALL_LIBDIR=/usr/lib/x86_64-linux-gnu",
+                                            "-ULARKSPIRE_*_DIR" });
+    EXPECT_THAT (installed,
+                 testing::IsSupersetOf (
+                     { "usr/lib/vst/" + library, "usr/lib/vst3/" + bundledLibrary, "usr/lib/lv2/" + manifest }));
+}
+
+TEST_F (InstallTarget, LeavesThePageOutWhereItIsNotBuilt)
+{
+    fs::remove (project / "larkspire.html");
+    EXPECT_THAT (installedWith ({}), testing::Not (testing::Contains (testing::HasSubstr (".html"))));
+}
+
+TEST_F (InstallTarget, WritesNothingIntoABuildThatBelongsToSomebodyElse)
+{
+    // Root may write everywhere, and is somebody else here.
+    const auto mayBe = [] (const std::vector<std::string>& command)
+    {
+        Call call { .arguments = { "--reuid=65534", "--regid=65534", "--clear-groups" }, .program = "setpriv" };
+        call.arguments.insert (call.arguments.end(), command.begin(), command.end());
+
+        if (geteuid() != 0)
+            call = { .arguments = { command.begin() + 1, command.end() }, .program = command.front() };
+
+        return run (call);
+    };
+    const TemporaryFolder place;
+    fs::permissions (place.path(), fs::perms::all);
+    fs::permissions (folder.path(), fs::perms::others_read | fs::perms::others_exec, fs::perm_options::add);
+    outputOf (Call { .arguments = { "-R", "a-w,a+rX", project }, .program = "chmod" });
+    ASSERT_NE (mayBe ({ "touch", project / "build/release/mark" }).exitStatus, 0);
+    const auto outcome = mayBe ({ paths::cmake(), "--install", project / "build/release", "--prefix", place / "here" });
+    outputOf (Call { .arguments = { "-R", "u+w", project }, .program = "chmod" });
+    EXPECT_EQ (outcome.exitStatus, 0) << outcome.errors;
+    EXPECT_THAT (place.contents(), testing::Contains ("here/bin/larkspire-render"));
 }
 } // namespace

@@ -157,6 +157,18 @@ TEST_F (Hosting, FindsThePluginInTheHomeFolderAndThenInAnyFolderOfTheEnvironment
             << home << ", " << folders;
 }
 
+TEST_F (Hosting, FindsThePluginWhereItWasInstalledWithTheProgram)
+{
+    install (paths::standIn(), "prefix/lib/vst");
+    install (paths::plugin(), "real");
+    std::filesystem::create_directory (folder / "prefix/bin");
+    std::filesystem::copy_file (paths::renderer(), folder / "prefix/bin/larkspire-render");
+    const auto program = folder / "prefix/bin/larkspire-render";
+    EXPECT_TRUE (usesStandIn (program, { { "HOME", folder / "none" }, { "VST_PATH", "" } }));
+    EXPECT_FALSE (usesStandIn (program, { { "HOME", folder / "none" }, { "VST_PATH", folder / "real" } }))
+        << "the user's own folders come first";
+}
+
 TEST_F (Hosting, SaysSoIfThereIsNoPlugin)
 {
     if (std::filesystem::exists (std::filesystem::path ("/usr/lib/vst") / libraryName))

@@ -24,8 +24,9 @@ std::vector<std::filesystem::path> pluginFolders()
 {
     std::vector<std::filesystem::path> folders;
     std::error_code error;
+    const auto program = std::filesystem::read_symlink ("/proc/self/exe", error);
 
-    if (const auto program = std::filesystem::read_symlink ("/proc/self/exe", error); ! error)
+    if (! error)
         folders.push_back (program.parent_path());
 
     if (const auto home = environmentValue ("HOME"); ! home.empty())
@@ -36,6 +37,9 @@ std::vector<std::filesystem::path> pluginFolders()
     for (std::string folder; std::getline (list, folder, ':');)
         if (! folder.empty())
             folders.emplace_back (folder);
+
+    if (! error)
+        folders.push_back (program.parent_path() / LARKSPIRE_VST2_FROM_PROGRAM);
 
     folders.emplace_back ("/usr/lib/vst");
     return folders;
@@ -54,8 +58,10 @@ std::filesystem::path findPlugin()
             return folder / name;
     }
 
-    throw Failure (
-        name, "is neither beside this program nor in ~/.vst, VST_PATH or /usr/lib/vst; say with --plugin where it is");
+    throw Failure (name,
+                   "is neither beside this program nor in ~/.vst, VST_PATH, where it was installed with the program, "
+                   "or /usr/lib/vst; "
+                   "say with --plugin where it is");
 }
 
 } // namespace larkspire

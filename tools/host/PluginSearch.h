@@ -7,7 +7,8 @@ namespace larkspire
 {
 
 /** The plug-in's library: beside this program's own executable, in ~/.vst, in the folders of the environment's VST_PATH
-    (separated by colons), in /usr/lib/vst; the first that is there. Throws Failure if none is. */
+    (separated by colons), where cmake --install puts it together with the program, in /usr/lib/vst; the first that is
+    there. Throws Failure if none is. */
 std::filesystem::path findPlugin();
 
 } // namespace larkspire

@@ -48,8 +48,9 @@ inline constexpr const char* helpFoot =
   they were made is not known. Of several recordings a line at the end counts what has become of them.
 
   Every file gets a plug-in of its own. Without --plugin, "Quendal Larkspire.so" is looked for beside this program, in
-  ~/.vst, in the folders of VST_PATH and in /usr/lib/vst. The results and what is printed do not depend on --jobs, but
-  for the speeds. One file at a time is the default, since somebody may be at work on the machine with sound running.
+  ~/.vst, in the folders of VST_PATH, where it was installed with this program, and in /usr/lib/vst. The results and
+  what is printed do not depend on --jobs, but for the speeds. One file at a time is the default, since somebody may be
+  at work on the machine with sound running.
 
 Level and loudness:
   A sound goes through --gain or --input-peak, --process-rate, the plug-in, back to the file's own rate, and --loudness.

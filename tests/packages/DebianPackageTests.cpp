@@ -57,8 +57,14 @@ TEST (DebianPackage, HoldsTheseFilesAndNoOthers)
              { "drwxr-xr-x", "./usr/share/" },
              { "drwxr-xr-x", "./usr/share/doc/" },
              { "drwxr-xr-x", "./usr/share/doc/quendal-larkspire/" },
+             { "-rw-r--r--", "./usr/share/doc/quendal-larkspire/CHANGELOG.md" },
+             { "-rw-r--r--", "./usr/share/doc/quendal-larkspire/CONTRIBUTING.md" },
+             { "-rw-r--r--", "./usr/share/doc/quendal-larkspire/README.md" },
              { "-rw-r--r--", "./usr/share/doc/quendal-larkspire/changelog.gz" },
              { "-rw-r--r--", "./usr/share/doc/quendal-larkspire/copyright" },
+             { "drwxr-xr-x", "./usr/share/doc/quendal-larkspire/docs/" },
+             { "drwxr-xr-x", "./usr/share/doc/quendal-larkspire/docs/sound/" },
+             { "drwxr-xr-x", "./usr/share/doc/quendal-larkspire/docs/sound/data/" },
              { "-rw-r--r--", "./usr/share/doc/quendal-larkspire/larkspire.html" },
              { "drwxr-xr-x", "./usr/share/man/" },
              { "drwxr-xr-x", "./usr/share/man/man1/" },
@@ -68,7 +74,42 @@ TEST (DebianPackage, HoldsTheseFilesAndNoOthers)
              { "-rw-r--r--", "./usr/share/metainfo/com.quendal.larkspire.metainfo.xml" } })
         expected.push_back ({ mode, "0/0", timeOfCommit(), path });
 
-    EXPECT_THAT (entriesOf (folder / "files.tar"), testing::ElementsAreArray (expected));
+    for (const auto& name : documents())
+        expected.push_back ({ "-rw-r--r--", "0/0", timeOfCommit(), "./usr/share/doc/quendal-larkspire/" + name });
+
+    EXPECT_THAT (entriesOf (folder / "files.tar"), testing::UnorderedElementsAreArray (expected));
+}
+
+TEST (DebianPackage, HoldsWhateverItsDocumentsLeadTo)
+{
+    const Unpacked package (packages::debian());
+    const std::filesystem::path notes (package / "usr/share/doc/quendal-larkspire");
+    int links = 0;
+
+    for (const auto& name : contentsOf (notes))
+    {
+        if (! name.ends_with (".md"))
+            continue;
+
+        for (const auto& link : allFound (bytesOf (notes / name), "\\]\\(([^)#:]+)[)#]"))
+        {
+            EXPECT_TRUE (std::filesystem::exists (notes / std::filesystem::path (name).parent_path() / link))
+                << name << " leads to " << link;
+            ++links;
+        }
+    }
+
+    EXPECT_GT (links, 20);
+}
+
+TEST (DebianPackage, NamesItsMaintainerAndWhoHasTheCopyright)
+{
+    const auto publisher = bytesOf (paths::source ("cmake/Publisher.cmake"));
+    const Unpacked package (packages::debian());
+    EXPECT_EQ (field ("Maintainer"), found (publisher, "LARKSPIRE_MAINTAINER \"([^\"]+)\""));
+    EXPECT_THAT (bytesOf (package / "usr/share/doc/quendal-larkspire/copyright"),
+                 testing::ContainsRegex ("\nFiles: \\*\nCopyright: 20[0-9][0-9] "
+                                         + found (publisher, "LARKSPIRE_COPYRIGHT_HOLDER \"([^\"]+)\"") + "\n"));
 }
 
 TEST (DebianPackage, RunsNoScriptsWhenItIsInstalled)

@@ -47,7 +47,8 @@ const std::array others { "dist/linux/larkspire-render",
                           "README.md",
                           "docs/use.md",
                           "docs/page.png",
-                          "docs/sound/data/steps.csv" };
+                          "docs/sound/data/steps.csv",
+                          "docs/sound/.steps.csv.swp" };
 
 constexpr std::size_t entries = 14; // files and folders that an install makes in a home folder
 
@@ -328,6 +329,7 @@ TEST_F (InstallTarget, InstallsAllThatThereIsBelowAPrefixAndWithModesForEverybod
                               notes + "README.md",
                               notes + "THIRD-PARTY.txt",
                               notes + "docs/page.png",
+                              notes + "docs/sound/data/steps.csv",
                               notes + "docs/use.md",
                               notes + "larkspire.html",
                               "  opt/voice/share/man/man1/larkspire-microphone.1",

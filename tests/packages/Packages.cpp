@@ -33,6 +33,35 @@ std::filesystem::path packages::windowsArchive()
     return inPackages (windowsFolder + ".zip");
 }
 
+std::filesystem::path packages::sources()
+{
+    return inPackages (sourcesFolder + ".tar.xz");
+}
+
+std::vector<std::string> documents()
+{
+    std::vector<std::string> names;
+
+    for (const auto& name : contentsOf (paths::source ("docs")))
+        if (name.ends_with (".md") || name.ends_with (".png") || name.ends_with (".csv"))
+            names.push_back ("docs/" + name);
+
+    return names;
+}
+
+std::vector<std::string> filesIn (const TemporaryFolder& folder, const std::string& below)
+{
+    const std::filesystem::path top = folder.path() / below;
+    auto files = contentsOf (top);
+    std::erase_if (files, [&top] (const auto& file) { return std::filesystem::is_directory (top / file); });
+    return files;
+}
+
+InstalledBuild::InstalledBuild()
+{
+    outputOf (paths::cmake(), { "--install", paths::source ("build/release"), "--prefix", folder.path() });
+}
+
 Outcome outcomeOf (const std::string& program, const std::vector<std::string>& arguments)
 {
     return run (callOf (program, arguments));
@@ -67,11 +96,4 @@ Unpacked::Unpacked (const std::filesystem::path& package)
         outputOf ("dpkg-deb", { "--extract", package, folder.path() });
     else
         outputOf ("env", { "--chdir=" + folder.path().string(), paths::cmake(), "-E", "tar", "xf", package });
-}
-
-std::vector<std::string> Unpacked::files() const
-{
-    auto files = contents();
-    std::erase_if (files, [this] (const auto& path) { return std::filesystem::is_directory (folder / path); });
-    return files;
 }

@@ -14,11 +14,19 @@ namespace packages
 std::filesystem::path debian();
 std::filesystem::path linuxArchive();
 std::filesystem::path windowsArchive();
+std::filesystem::path sources();
 
 // The one folder in each archive.
 inline const std::string linuxFolder = "quendal-larkspire-" LARKSPIRE_RELEASE "-linux-x86_64";
 inline const std::string windowsFolder = "quendal-larkspire-" LARKSPIRE_RELEASE "-windows-x86_64";
+inline const std::string sourcesFolder = "quendal-larkspire-" LARKSPIRE_RELEASE;
 } // namespace packages
+
+/** The texts, pictures and figures of docs/ that packages hold, as sorted paths in the project. */
+std::vector<std::string> documents();
+
+/** The contents without the folders. */
+std::vector<std::string> filesIn (const TemporaryFolder& folder, const std::string& below = "");
 
 /** A file or folder as a package lists it. */
 struct Entry
@@ -41,6 +49,19 @@ std::string outputOf (const std::string& program, const std::vector<std::string>
 /** Calls such a program, however it ends. */
 Outcome outcomeOf (const std::string& program, const std::vector<std::string>& arguments);
 
+/** What cmake --install puts below a prefix out of this build, in a folder of the test's own. */
+class InstalledBuild
+{
+public:
+    InstalledBuild();
+
+    std::string operator/ (const std::string& name) const { return folder / name; }
+    std::vector<std::string> files() const { return filesIn (folder); }
+
+private:
+    TemporaryFolder folder;
+};
+
 /** A package's files, unpacked into a folder of the test's own. */
 class Unpacked
 {
@@ -50,8 +71,7 @@ public:
     std::string operator/ (const std::string& name) const { return folder / name; }
     std::vector<std::string> contents() const { return folder.contents(); }
 
-    /** The contents without the folders. */
-    std::vector<std::string> files() const;
+    std::vector<std::string> files() const { return filesIn (folder); }
 
 private:
     TemporaryFolder folder;

@@ -69,6 +69,11 @@ std::string cmake()
     return LARKSPIRE_CMAKE_PATH;
 }
 
+std::string juce()
+{
+    return LARKSPIRE_JUCE_PATH;
+}
+
 std::string source (const std::string& name)
 {
     return name.empty() ? LARKSPIRE_SOURCE_PATH : LARKSPIRE_SOURCE_PATH "/" + name;

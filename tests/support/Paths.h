@@ -22,6 +22,7 @@ std::string microphone();
 std::string screenshot();
 std::string torture();
 std::string cmake();
+std::string juce(); // the tree of JUCE that this build is made of
 
 /** A file or folder of the sources, by its path in the project. */
 std::string source (const std::string& name = "");

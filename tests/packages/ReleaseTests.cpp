@@ -56,6 +56,13 @@ const std::vector<Statement> statements {
     { "MicrophoneOfTheArchive",
       [] { return versionOf (packages::linuxArchive(), packages::linuxFolder + "/larkspire-microphone"); },
       "^larkspire-microphone (.*)\n$" },
+    { "DocumentForPackagers",
+      [] { return bytesOf (paths::source ("docs/packaging.md")); },
+      "`quendal-larkspire-(.*)\\.tar\\.xz`" },
+    { "RecipeForArch", [] { return bytesOf (paths::source ("packaging/arch/PKGBUILD")); }, "\npkgver=(.*)\n" },
+    { "RecipeForFedora",
+      [] { return bytesOf (paths::source ("packaging/fedora/quendal-larkspire.spec")); },
+      "\nVersion: +(.*)\n" },
     { "DebianPackage",
       [] {
           return outputOf ("dpkg-deb", { "--field", packages::debian(), "Version" });

@@ -17,6 +17,8 @@ import { pieceFrames } from '../common/limits.js';
 const secondsAhead = 4; // as much as is handed to the browser's audio thread
 /** What lies between a piece's arrival and the moment at which it is heard. */
 export const secondsToStart = 0.05;
+// The least of it: what reaches a busy machine's audio thread too late begins late and is out of step.
+const secondsToHandOver = 0.04;
 
 const fadeSeconds = 0.01;
 
@@ -150,7 +152,7 @@ export class Stream {
      */
     #schedule({ original, result }, from, frame) {
         const { rate } = this.#clock;
-        const soonest = this.#context.currentTime + secondsToStart / 5;
+        const soonest = this.#context.currentTime + secondsToHandOver;
         const late = Math.max(0, Math.ceil((soonest - timeOf(this.#clock, frame)) * rate));
         const start = timeOf(this.#clock, frame + late);
         const count = original[0].length - from - late;

@@ -42,6 +42,11 @@ export async function forgetHeard(page) {
     });
 }
 
+/** @param {import('puppeteer-core').Page} page @returns {Promise<number>} the browser's frame that was heard last */
+export function latestFrame(page) {
+    return page.evaluate(() => /** @type {any} */ (globalThis).heardAtSpeaker.at(-1).frame);
+}
+
 /**
  * @param {import('puppeteer-core').Page} page
  * @returns {Promise<{ frame: number, samples: Float32Array }>} the left channel since it was forgotten, from its first

@@ -4,13 +4,15 @@ set (LARKSPIRE_MAINTAINER "Quendal <maintainers@quendal.invalid>" CACHE STRING
 set (LARKSPIRE_COPYRIGHT_HOLDER "Quendal" CACHE STRING "Who has the copyright")
 
 # The release's time, in seconds since 1970, which documents and packages are dated with: SOURCE_DATE_EPOCH, or the last
-# commit's, or where there is no git, the time that make dist has given to each file.
+# commit's, or where git cannot tell, that of the changelog, to which make dist has given the last commit's.
 if (DEFINED ENV{SOURCE_DATE_EPOCH})
     set (release_time "$ENV{SOURCE_DATE_EPOCH}")
 elseif (EXISTS "${CMAKE_SOURCE_DIR}/.git")
     execute_process (COMMAND git -C "${CMAKE_SOURCE_DIR}" log -1 --format=%ct
-        OUTPUT_VARIABLE release_time OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-else ()
+        OUTPUT_VARIABLE release_time OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+endif ()
+
+if (NOT DEFINED ENV{SOURCE_DATE_EPOCH} AND NOT release_time)
     file (TIMESTAMP "${CMAKE_SOURCE_DIR}/CHANGELOG.md" release_time "%s" UTC)
 endif ()
 

@@ -111,10 +111,10 @@ for (const kind of kinds)
             await rewind();
             await forgetHeard(page);
             await page.click('#play');
-            await sleep(1000);
+            await sleep(600);
             const mediumEnd = await latestFrame(page);
             await page.click('label:has(#choose-original)');
-            await sleep(1000);
+            await sleep(600);
             const originalEnd = await latestFrame(page);
             await page.click('label:has(#choose-result)');
             // On a busy machine, where what is to be heard comes later than it is wanted.
@@ -125,7 +125,7 @@ for (const kind of kinds)
                 };
             });
             await listenTo(page, 'Powerful');
-            await sleep(1000);
+            await sleep(700); // and not to the end of the piece that came late
             const powerfulEnd = await latestFrame(page);
             await page.click('#play');
             await sleep(300);

@@ -69,6 +69,15 @@ for (const kind of kinds)
             });
         }
 
+        /** @param {number} seconds */
+        function untilPosition(seconds) {
+            return waitUntil(
+                page,
+                end => Number(/** @type {HTMLInputElement} */ (document.getElementById('position')).value) > end,
+                seconds,
+            );
+        }
+
         /** Plays all of it. @param {string} mode @param {'original' | 'result'} sound */
         async function playThrough(mode, sound) {
             await listenTo(page, mode);
@@ -111,10 +120,10 @@ for (const kind of kinds)
             await rewind();
             await forgetHeard(page);
             await page.click('#play');
-            await sleep(600);
+            await untilPosition(0.7);
             const mediumEnd = await latestFrame(page);
             await page.click('label:has(#choose-original)');
-            await sleep(600);
+            await untilPosition(1.4);
             const originalEnd = await latestFrame(page);
             await page.click('label:has(#choose-result)');
             // On a busy machine, where what is to be heard comes later than it is wanted.

@@ -39,7 +39,7 @@ std::vector<std::filesystem::path> pluginFolders()
             folders.emplace_back (folder);
 
     if (! error)
-        folders.push_back (program.parent_path() / LARKSPIRE_VST2_FROM_PROGRAM);
+        folders.push_back ((program.parent_path() / LARKSPIRE_VST2_FROM_PROGRAM).lexically_normal());
 
     folders.emplace_back ("/usr/lib/vst");
     return folders;

@@ -7,7 +7,7 @@ const namePrefix = 'larkspire-';
 const storeName = 'parts';
 // Firefox has all of a file in memory for a moment while it saves it. Until then it has thrown away what this thread no
 // longer needs, if that thread rests for as long.
-const secondsToTidyUp = 2;
+const secondsToTidyUp = 5;
 
 const partBytes = 16 << 20; // what is written to disk at once; a file of many small parts is slow to read
 

@@ -281,6 +281,7 @@ TEST_F (InstallTarget, IsUndoneByUninstallWhichTouchesNothingElse)
     EXPECT_EQ (make ("uninstall").exitStatus, 0);
     EXPECT_EQ (contentsOf (home), before);
 }
+
 TEST_F (InstallTarget, TakesVariablesOfTheEnvironmentForNoWishToInstallForEverybody)
 {
     const std::string elsewhere = folder / "elsewhere";

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-only
 import { execFileSync } from 'node:child_process';
-import { readFileSync } from 'node:fs';
+import { mkdtempSync, readFileSync, rmSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 
@@ -126,7 +126,12 @@ export function floatSamples(file) {
 
 /** @returns {Buffer} a real voice, 48 kHz, mono, 16 bits, as the demo has it */
 export function realVoice() {
-    const file = join(tmpdir(), `larkspire-voice-${process.pid}.wav`);
-    execFileSync(join(project, 'scripts/voice'), [file]);
-    return readFileSync(file);
+    const folder = mkdtempSync(join(tmpdir(), 'larkspire-voice-'));
+
+    try {
+        execFileSync(join(project, 'scripts/voice'), [join(folder, 'voice.wav')]);
+        return readFileSync(join(folder, 'voice.wav'));
+    } finally {
+        rmSync(folder, { recursive: true });
+    }
 }
